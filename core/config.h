@@ -1,0 +1,117 @@
+// The installation's configuration files: Control.cfg, Machine.dat, Westinghouse.cfg,
+// Profiler.cfg, Control.cnc, PMAC.cfg, IO.msg, Logic.msg and Service.cfg.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace kirvana {
+
+// Directory names of the installation, each ending in "/".
+struct Directories {
+    std::string RootDir;
+    std::string PmacDir;
+    std::string DataDir;
+    std::string SettingsDir;
+    std::string ServiceDir = "Service/";  // relative until Control.cfg is read
+    std::string RevSubsDir;
+    std::string ToolsDir;
+    std::string MessagesDir;
+    std::string HelpDir;
+    std::string DialogueFileStem;
+    std::string ReverseFileStem;
+    std::string ProgramRoot;
+    std::string ProgramDirName;
+    std::string ProgramDirPath;
+};
+
+// Machine.dat with Westinghouse.cfg and Profiler.cfg.
+struct MachineData {
+    std::string MachineName;
+    bool AmadaMachine = false;
+    std::int16_t MachineType = 0;
+    bool HasTurret = false;
+    std::int16_t ProfilerKind = 0;
+    std::int16_t MachineOrientation = 0;
+    std::int16_t StationCount = 0;
+    bool Line5Flag = false;  // stored, read by nothing
+    bool HasThirdAxis = false;
+    float LoadPositionX = 0;
+    float LoadPositionY = 0;
+    float XLimitMin = 0;
+    float XLimitMax = 0;
+    float YLimitMin = 0;
+    float YLimitMax = 0;
+    float ClampWidth = 0;
+    float Line14Value = 0;  // stored, not used
+    float ClampDepth = 0;
+    std::int16_t ClampCount = 0;
+    float PlotTableX = 0;
+    float PlotTableY = 0;
+    bool SwapArcWords = false;
+    bool ArcCentreIncremental = false;
+    bool ProfilerArcSwap = false;
+    bool ProfilerArcCentre = false;
+    float ProfilerValue = 0;
+    bool ProfilerFlag = false;
+};
+
+// IO.msg (entries 1 to 64) and Logic.msg (entries 0 to 31, one per bit of P1020).
+struct MessageTables {
+    std::array<std::string, 65> IOMessages;
+    std::array<std::string, 32> LogicMessages;
+};
+
+// Control.cnc and PMAC.cfg.
+struct CardSetup {
+    bool CardInUse = true;
+    bool PollLogOn = false;
+    bool SaveOnShutdown = false;
+    std::int32_t SaveWaitMs = 0;
+    std::int32_t PollIntervalMs = 50;
+    std::int32_t PollRestartDelayMs = 0;
+};
+
+// What the installation's files say: one record, owned by the process.
+struct Installation {
+    Directories Dirs;
+    std::int16_t ActiveSlot = 1;
+    MachineData Machine;
+    MessageTables Messages;
+    CardSetup Card;
+};
+
+// A required file that is missing or unreadable, or a value that does not fit: the start
+// ends with this message, and LastFile.txt names the file.
+struct ConfigFault {
+    std::string File;
+    std::string Reason;
+    std::string Message() const { return File + ": " + Reason; }
+};
+using ConfigResult = std::optional<ConfigFault>;
+
+// Reads Control.cfg from the current directory, derives and creates the directories,
+// settles the current program directory and writes Control.cfg back.
+ConfigResult ReadControlConfig(Installation& installation);
+// Writes the five lines of Control.cfg to RootDir.
+bool WriteControlConfig(const Installation& installation);
+// Makes a directory under the program root (or a whole path) the current program directory.
+void SetProgramDir(Installation& installation, const std::string& name);
+// Clears the machine values and reads Machine.dat, Westinghouse.cfg and Profiler.cfg.
+ConfigResult ReadMachineFiles(const Directories& dirs, MachineData& machine);
+// Reads IO.msg, then Logic.msg.
+ConfigResult ReadMessageTables(const Directories& dirs, MessageTables& messages);
+// Reads Control.cnc, then PMAC.cfg.
+ConfigResult ReadCardSetup(const Directories& dirs, CardSetup& card);
+// Service.cfg: the path of the service program, or "" when none is named or it doesn't exist.
+std::string ReadServiceProgram(const Directories& dirs);
+
+// The reading helpers the other tables share: labelled lines are taken behind their ":" and in
+// upper case; a yes-or-no value is true when it holds a "Y".
+std::string ConfigValue(const std::string& line);
+bool YesNoValue(const std::string& line);
+inline constexpr const char* EndMarker = "******";
+
+}  // namespace kirvana

@@ -1,0 +1,53 @@
+// Reading the value of a word out of a block, and the small ROUND/TRUNC expression evaluator.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "core/number.h"
+
+namespace kirvana {
+
+// Values P0 to P100 of the running translation pass.
+struct ProgramParameters {
+    std::array<Number, 101> P{};
+};
+
+// One reader per pass: it holds the flags the algorithms set, so that the caller reads
+// them directly after a call, and the parameter table that P words read from.
+class ValueReader {
+public:
+    explicit ValueReader(const ProgramParameters* parameters = nullptr) : parameters_(parameters) {}
+
+    // True when the last requested word wasn't found or had no value.
+    bool WordMissing = false;
+    // Set on unbalanced parentheses, division by zero, or ROUND/TRUNC nested deeper than the
+    // reader follows; never cleared by the reader. The visible result of a fault is 0.
+    bool ExpressionFault = false;
+    // Set when a ROUND or an integer word does not fit in 16 bits: a fault of the pass.
+    bool IntegerOverflow = false;
+
+    // Left-to-right arithmetic without precedence; parentheses are the only grouping.
+    double EvaluateExpression(std::string_view text);
+    // The full reader: numbers, expressions, P parameters, ROUND and TRUNC.
+    double WordValue(std::string_view block, char letter);
+    // The plain reader: the leading number of the collected text, no evaluation.
+    double WordNumber(std::string_view block, char letter);
+    // The integer reader: sign and digits, truncated towards zero to 16 bits.
+    std::int16_t WordInteger(std::string_view block, char letter);
+
+private:
+    double ScanGroup(std::string_view group, bool& divisionByZero);
+    bool AppendFunction(std::string_view block, std::size_t& i, bool round, std::string& expr);
+
+    const ProgramParameters* parameters_;
+    int depth_ = 0;
+};
+
+// Position of the word's letter in the block (case-insensitive); for "R" the first one that
+// doesn't start "ROUND". npos when there is none.
+std::size_t FindWordLetter(std::string_view block, char letter);
+
+}  // namespace kirvana
