@@ -1,0 +1,23 @@
+// kirvana-office: the command-line office seat. Each command is a function taking its
+// arguments (without the command name) and returning the exit code: 0 success, 2 bad usage.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kirvana::office {
+
+using Args = std::vector<std::string>;
+
+// Prints the command's usage line to stderr and returns 2.
+int Usage(const char* line);
+// The value behind "--name" in the arguments, or "" when absent; `found` tells which.
+std::string Option(const Args& args, const std::string& name, bool* found = nullptr);
+bool Flag(const Args& args, const std::string& name);
+
+int Start(const Args& args);
+int Eval(const Args& args);
+int Word(const Args& args);
+int Format(const Args& args);
+
+}  // namespace kirvana::office

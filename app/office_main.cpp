@@ -1,0 +1,61 @@
+#include <cstdio>
+#include <cstring>
+
+#include "app/office.h"
+
+namespace kirvana::office {
+
+int Usage(const char* line) {
+    std::fprintf(stderr, "usage: kirvana-office %s\n", line);
+    return 2;
+}
+
+std::string Option(const Args& args, const std::string& name, bool* found) {
+    for (std::size_t i = 0; i + 1 < args.size(); ++i) {
+        if (args[i] == name) {
+            if (found) *found = true;
+            return args[i + 1];
+        }
+    }
+    if (found) *found = false;
+    return {};
+}
+
+bool Flag(const Args& args, const std::string& name) {
+    for (const auto& a : args)
+        if (a == name) return true;
+    return false;
+}
+
+namespace {
+
+struct Command {
+    const char* Name;
+    int (*Run)(const Args&);
+    const char* Help;
+};
+
+const Command Commands[] = {
+    {"start", Start, "start --root DIR                 run the start-up headless, print the machine summary"},
+    {"eval", Eval, "eval \"EXPR\"                     evaluate an expression"},
+    {"word", Word, "word \"BLOCK\" LETTER [--number|--integer]   read a word of a block"},
+    {"format", Format, "format VALUE DECIMALS [--single]  format a number"},
+};
+
+int Help() {
+    std::fprintf(stderr, "usage: kirvana-office COMMAND ...\ncommands:\n");
+    for (const auto& c : Commands) std::fprintf(stderr, "  %s\n", c.Help);
+    return 2;
+}
+
+}  // namespace
+}  // namespace kirvana::office
+
+int main(int argc, char** argv) {
+    using namespace kirvana::office;
+    if (argc < 2) return Help();
+    for (const auto& c : Commands) {
+        if (std::strcmp(argv[1], c.Name) == 0) return c.Run(Args(argv + 2, argv + argc));
+    }
+    return Help();
+}
