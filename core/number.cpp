@@ -43,16 +43,15 @@ std::string FormatNumber(Number value, int decimals) {
             point = text.size();
             text += ".000000";
         } else if (point == 0) {
-            text.insert(0, "0");
+            text = "0" + text + "000000";
             point = 1;
-            text += "000000";
         } else {
             text += "000000";
         }
         text.resize(decimals == 0 ? point : point + 1 + decimals);
     }
-    if (text.starts_with(".")) text.insert(0, "0");
-    else if (text.starts_with("-.")) text.insert(1, "0");
+    if (text.starts_with(".")) return "0" + text;
+    if (text.starts_with("-.")) return "-0" + text.substr(1);
     return text;
 }
 
@@ -62,8 +61,8 @@ std::string LongText(std::int32_t value) { return std::to_string(value); }
 
 std::string ZeroPad(std::int32_t value, int width) {
     std::string text = std::to_string(value);
-    if (static_cast<int>(text.size()) < width) text.insert(0, width - text.size(), '0');
-    return text;
+    if (static_cast<int>(text.size()) >= width) return text;
+    return std::string(width - text.size(), '0') + text;
 }
 
 namespace {

@@ -1,0 +1,58 @@
+// The platform of a start without screens: the office seat's command line, and the panel
+// until its screens exist. Messages go to stderr, questions are answered no, power off is
+// never let through, and the splash is a line of text shown for its time.
+#pragma once
+
+#include <chrono>
+#include <cstdio>
+#include <thread>
+
+#include "core/startup.h"
+
+namespace kirvana {
+
+class HeadlessPlatform : public StartupPlatform {
+public:
+    // splashMs: how long the splash stays (the panel's 4000 ms; 0 for the office commands).
+    explicit HeadlessPlatform(int splashMs, bool quiet) : splashMs_(splashMs), quiet_(quiet) {}
+
+    void ShowSplash(const std::string& title, const std::string& version) override {
+        splashStart_ = std::chrono::steady_clock::now();
+        if (!quiet_) std::printf("%s  %s\n", title.c_str(), version.c_str());
+    }
+    bool SplashDone() override {
+        return std::chrono::steady_clock::now() - splashStart_ >= std::chrono::milliseconds(splashMs_);
+    }
+    void StopSplashTimer() override {}
+    void ProcessEvents() override { std::this_thread::sleep_for(std::chrono::milliseconds(10)); }
+    void ShowMessageBox(const std::string& text, const std::string& title) override {
+        std::fprintf(stderr, "%s: %s\n", title.c_str(), text.c_str());
+    }
+    bool AskOperator(const std::string& text) override {
+        std::fprintf(stderr, "%s\n(answered no: no operator at this seat)\n", text.c_str());
+        return false;
+    }
+    void ShowFrontEnd() override { frontEnd_ = true; }
+    bool FrontEndVisible() override { return frontEnd_; }
+    void UnloadFrontEnd() override { frontEnd_ = false; }
+    void StopPollTimer() override {}
+    void WaitMs(std::int32_t ms) override { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
+    void StartProgram(const std::string& path) override {
+        if (!quiet_) std::printf("service program: %s (not started by the office seat)\n", path.c_str());
+    }
+    void PowerOff() override {
+        if (!quiet_) std::printf("power off requested: refused by the office seat\n");
+    }
+    void EndProcess() override {}
+
+private:
+    int splashMs_;
+    bool quiet_;
+    bool frontEnd_ = false;
+    std::chrono::steady_clock::time_point splashStart_;
+};
+
+// Runs the start in `root` (its current directory) and prints the outcome; the exit code.
+int StartInstallation(const std::string& root, HeadlessPlatform& platform, Process& process);
+
+}  // namespace kirvana

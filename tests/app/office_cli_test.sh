@@ -1,0 +1,59 @@
+#!/usr/bin/env bash
+# The office seat's commands, run as an operator would run them.
+set -u
+office="$1"
+demo="$2"
+passed=0
+failed=0
+check() {  # name, expected output, command...
+    local name="$1" expected="$2"
+    shift 2
+    local actual
+    actual="$("$@" 2>&1)"
+    if [ "$actual" == "$expected" ]; then passed=$((passed + 1)); else
+        failed=$((failed + 1)); printf 'FAILED %s\n  expected: %q\n  actual:   %q\n' "$name" "$expected" "$actual"; fi
+}
+check_code() {  # name, expected exit code, command...
+    local name="$1" expected="$2"
+    shift 2
+    "$@" >/dev/null 2>&1
+    local code=$?
+    if [ "$code" == "$expected" ]; then passed=$((passed + 1)); else
+        failed=$((failed + 1)); echo "FAILED $name: exit $code, expected $expected"; fi
+}
+
+check eval-order "20" "$office" eval "2+3*4"
+check eval-groups "21" "$office" eval "(1+2)*(3+4)"
+check eval-fault $'0\nfault' "$office" eval "1/0"
+check eval-unbalanced $'0\nfault' "$office" eval "(1+2"
+check word-value "5" "$office" word "X(10+5)/3 Y2" X
+check word-round "2" "$office" word "XROUND(2.5)" X
+check word-missing "missing" "$office" word "X P12=5" X
+check word-number "10" "$office" word "X10+5" X --number
+check word-integer "-7" "$office" word "T-7.9" T --integer
+check format-even "2" "$office" format 2.5 0
+check format-odd "4" "$office" format 3.5 0
+check format-pad "1.200" "$office" format 1.2 3
+check format-single "0.3333333" "$office" format 0.333333333333 -1 --single
+check_code usage-none 2 "$office"
+check_code usage-eval 2 "$office" eval
+check_code usage-word 2 "$office" word "X1" XY
+check_code usage-format 2 "$office" format 1 2 --double
+check_code usage-start 2 "$office" start
+
+work="$(mktemp -d)"
+trap 'rm -rf "$work"' EXIT
+cp -r "$demo" "$work/demo"
+check_code start-demo 0 "$office" start --root "$work/demo"
+summary="$("$office" start --root "$work/demo")"
+case "$summary" in *"Card in use: no (office seat)"*) passed=$((passed + 1)) ;; *) failed=$((failed + 1)); echo "FAILED start summary: $summary" ;; esac
+if [ "$(sed -n 5p "$work/demo/Control.cfg")" == "******" ]; then passed=$((passed + 1)); else failed=$((failed + 1)); echo "FAILED Control.cfg rewrite"; fi
+rm "$work/demo/Messages/Logic.msg"
+check_code start-missing-file 3 "$office" start --root "$work/demo"
+message="$("$office" start --root "$work/demo" 2>&1)"
+case "$message" in *"Logic.msg"*) passed=$((passed + 1)) ;; *) failed=$((failed + 1)); echo "FAILED message: $message" ;; esac
+if grep -q "Logic.msg" "$work/demo/Service/LastFile.txt"; then passed=$((passed + 1)); else failed=$((failed + 1)); echo "FAILED LastFile.txt"; fi
+check_code start-no-root 3 "$office" start --root "$work/none"
+
+echo "$passed passed, $failed failed"
+[ "$failed" -eq 0 ]
