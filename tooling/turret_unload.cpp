@@ -1,0 +1,55 @@
+#include "tooling/turret_unload.h"
+
+#include <filesystem>
+
+#include "core/paths.h"
+#include "core/text.h"
+
+namespace kirvana {
+
+std::string RewriteToolLine(const std::string& line, const std::vector<ToolChange>& changes) {
+    for (const auto& change : changes) {
+        const std::string number = std::to_string(change.TNumber);
+        for (const std::string& form : {"T" + number + "=", "T0" + number + "="}) {
+            std::size_t at = FindNoCase(line, form);
+            if (at == std::string::npos) continue;
+            std::size_t textStart = at + form.size();
+            std::size_t close = line.rfind(')');
+            std::string tail = close != std::string::npos && close >= textStart ? line.substr(close) : std::string();
+            std::string text = change.NewTool.IsValid() ? DescribeTool(change.NewTool, false) : std::string();
+            return line.substr(0, textStart) + text + tail;
+        }
+    }
+    return line;
+}
+
+bool RewriteToolNumbers(const std::string& numbersFile, const std::vector<ToolChange>& changes) {
+    auto lines = ReadLines(numbersFile);
+    if (!lines) return false;
+    std::vector<std::string> updated;
+    updated.reserve(lines->size());
+    for (const auto& line : *lines) updated.push_back(RewriteToolLine(line, changes));
+    const std::string updateFile = (std::filesystem::path(numbersFile).parent_path() / "Update.tmp").string();
+    if (!WriteLines(updateFile, updated)) return false;
+    std::error_code error;
+    std::filesystem::remove(numbersFile, error);
+    std::filesystem::copy_file(updateFile, numbersFile, std::filesystem::copy_options::overwrite_existing, error);
+    bool copied = !error;
+    std::filesystem::remove(updateFile, error);
+    return copied;
+}
+
+TurretUnloadResult UnloadTurret(const std::string& drawingFile, const std::string& numbersFile,
+                                const std::vector<ToolChange>& changes, const DrawingToolRewrite& rewriteDrawing) {
+    TurretUnloadResult result;
+    if (changes.empty() || !FileExists(drawingFile)) return result;
+    // 1. The drawing's records take the new tools.
+    if (rewriteDrawing) result.DrawingRewritten = rewriteDrawing(drawingFile, changes);
+    // 2. The numbered tool lines of the source.
+    if (FileExists(numbersFile)) result.NumbersRewritten = RewriteToolNumbers(numbersFile, changes);
+    // 3. The program is converted again by the caller.
+    result.ConvertAgain = true;
+    return result;
+}
+
+}  // namespace kirvana
