@@ -1,0 +1,1009 @@
+#include "translate/convert.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+
+#include "core/number.h"
+#include "core/paths.h"
+#include "core/text.h"
+#include "translate/convert_steps.h"
+#include "translate/line_files.h"
+
+namespace kirvana {
+
+using namespace convert;
+
+namespace {
+
+constexpr auto npos = std::string::npos;
+
+bool Has(std::string_view text, std::string_view word) { return text.find(word) != npos; }
+bool Has(std::string_view text, char c) { return text.find(c) != npos; }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// Replaces the first occurrence; false when there is none.
+bool ReplaceFirst(std::string& text, std::string_view from, std::string_view to) {
+    std::size_t at = text.find(from);
+    if (at == npos) return false;
+    text.replace(at, from.size(), to);
+    return true;
+}
+
+// The smaller of two positions, npos counting as absent.
+std::size_t Earlier(std::size_t a, std::size_t b) { return a < b ? a : b; }
+
+std::string RightTrim(std::string_view text) {
+    std::size_t end = text.size();
+    while (end > 0 && (text[end - 1] == ' ' || text[end - 1] == '\t')) --end;
+    return std::string(text.substr(0, end));
+}
+
+// The digits standing directly behind position `at`.
+std::string DigitsAfter(std::string_view text, std::size_t at) {
+    std::size_t end = at + 1;
+    while (end < text.size() && IsDigit(text[end])) ++end;
+    return std::string(text.substr(at + 1, end - at - 1));
+}
+
+// The text of 1000 times a subroutine number: the label of its first block.
+std::string SubroutineLabel(std::int16_t number) { return "N" + LongText(1000 * static_cast<std::int32_t>(number)); }
+
+// A count read as a whole number; below 1 it is 1.
+std::string CountText(std::int16_t count) { return IntegerText(count < 1 ? std::int16_t{1} : count); }
+
+// Position of the earliest of two letters, npos when neither stands in the block.
+std::size_t FirstOf(std::string_view block, char a, char b) { return Earlier(block.find(a), block.find(b)); }
+
+// Where the G77 and the implicit hit rules insert their code: the first axis word, else the
+// first "C", else the first "R". npos when none of these stands in the block.
+std::size_t HitPoint(std::string_view block) {
+    std::size_t x = FirstOf(block, 'X', 'H');
+    std::size_t y = FirstOf(block, 'Y', 'V');
+    if (x != npos) return (y != npos && y < x) ? y : x;
+    if (y != npos) return y;
+    std::size_t c = block.find('C');
+    if (c != npos) return c;
+    return block.find('R');
+}
+
+std::string FreeFormat(double value) { return FormatNumber(value, -1); }
+
+// The step text: NibbleStep rounded half to even to two decimals, in free format.
+std::string StepText(double nibbleStep) { return FreeFormat(RoundHalfEven(nibbleStep, 2)); }
+
+// The value of the "P8=" word of the block (it must stand there).
+double P8Value(std::string_view block, ValueReader& reader) {
+    return reader.WordValue(block.substr(block.find("P8=") + 2), '=');
+}
+
+}  // namespace
+
+namespace convert {
+
+// ---------------------------------------------------------------------------------------
+// Subroutine table
+
+void SubroutineTable::Read(std::string_view fileText) {
+    entries_.clear();
+    // The fields of the file in order: separated by commas and by line ends, each trimmed.
+    std::vector<std::string_view> fields;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i <= fileText.size(); ++i) {
+        if (i == fileText.size() || fileText[i] == ',' || fileText[i] == '\n') {
+            std::string_view field = fileText.substr(start, i - start);
+            if (!field.empty() && field.back() == '\r') field.remove_suffix(1);
+            if (!(i == fileText.size() && start == i && !fields.empty())) fields.push_back(Trim(field));
+            start = i + 1;
+        }
+    }
+    for (std::size_t k = 0; k + 1 < fields.size(); k += 2) {
+        std::string name(fields[k]);
+        if (k == 0) name = UpperCase(name);
+        if (name.empty() || name == "******") break;
+        std::int16_t number = TruncateToInt16(ToNumber(fields[k + 1])).value_or(0);
+        entries_.emplace_back(std::move(name), number);
+    }
+}
+
+std::int16_t SubroutineTable::SubroutineNumber(std::string_view name) const {
+    std::string key = UpperCase(Trim(name));
+    for (const auto& [entryName, number] : entries_)
+        if (entryName == key) return number;
+    return -1;
+}
+
+// ---------------------------------------------------------------------------------------
+// Dialect detection
+
+void DialectDetector::Line(std::string_view line) {
+    // A line is tested only once the next one has been read: the last line never counts.
+    if (havePending_ && !found_) {
+        std::string up = UpperCase(Trim(pending_));
+        if (Has(up, '!')) {
+            found_ = true;
+            answer_ = BangDialect;
+        } else if (Has(up, '(') && !Has(up, "ID,PROG")) {
+            found_ = true;
+            answer_ = BracketDialect;
+        } else {
+            for (const char* code : {"G66", "G65", "G64", "G63", "G62", "G61"}) {
+                if (Has(up, code)) {
+                    found_ = true;
+                    answer_ = BracketDialect;
+                    break;
+                }
+            }
+        }
+    }
+    pending_.assign(line);
+    havePending_ = true;
+}
+
+std::string SubroutineName(std::string_view line) {
+    std::size_t at = FindNoCase(line, "SUB,");
+    if (at == npos) return {};
+    std::string_view rest = line.substr(at + 4);
+    return std::string(Trim(rest.substr(0, rest.find_first_of(",)"))));
+}
+
+// ---------------------------------------------------------------------------------------
+// Dialect rewrites
+
+std::string DialectRewritePlain(std::string_view block, const SubroutineTable& table, ValueReader& reader) {
+    // Every form starts with "(": a block without one stays as it is.
+    if (!Has(block, '(')) return std::string(block);
+    std::string text(block);
+    std::string up = UpperCase(text);
+    // Puts `front` before the block and `middle` in front of its first "(".
+    auto rewrite = [&](const std::string& front, const std::string& middle) {
+        std::size_t p = up.find('(');
+        text = front + text.substr(0, p) + middle + text.substr(p);
+        up = UpperCase(text);
+    };
+    auto number = [&]() { return IntegerText(table.SubroutineNumber(SubroutineName(text))); };
+
+    if (Has(up, "(MSG,")) rewrite("", "! ");
+    if (Has(up, "(END,PROG") || Has(up, "(ID,PROG,")) rewrite("", "! ");
+    bool call = Has(up, "(PSUB,") || Has(up, "(GSUB,");
+    if (call && Has(up, "G98")) rewrite("", " S" + number() + " ! ");
+    call = Has(up, "(PSUB,") || Has(up, "(GSUB,");
+    if (call && Has(up, "G68")) rewrite("", " S" + number() + " ! ");
+    call = Has(up, "(PSUB,") || Has(up, "(GSUB,");
+    if (call && !Has(up, "G98") && !Has(up, "G68")) {
+        std::size_t p0 = up.find("P0=");
+        std::int16_t count = p0 == npos ? 0 : reader.WordInteger(std::string_view(text).substr(p0 + 2), '=');
+        rewrite("", " G68 S" + number() + " Q" + CountText(count) + " ! ");
+    }
+    if (Has(up, "(ID,PSUB,") || Has(up, "(ID,GSUB,"))
+        rewrite(SubroutineLabel(table.SubroutineNumber(SubroutineName(text))) + " ", "! ");
+    if (Has(up, "(END,GSUB") || Has(up, "(END,PSUB")) rewrite("", "RETURN ! ");
+    return text;
+}
+
+std::string DialectRewriteBracket(std::string_view line, const SubroutineTable& table, ValueReader& reader) {
+    std::size_t paren = line.find('(');
+    std::string code = RightTrim(line.substr(0, paren));
+    std::string comment = paren == npos ? std::string() : RightTrim(line.substr(paren));
+    std::string upCode = UpperCase(code);
+    std::size_t c = upCode.find('C');
+    std::size_t s = upCode.find('S');
+    if (c != npos) {
+        // A call: the code in front of the "C", the modal codes it lost, then the call.
+        std::string name = DigitsAfter(code, c);
+        std::int16_t number = table.SubroutineNumber(name);
+        std::int16_t count = reader.WordInteger(code, 'B');
+        std::string newCode = code.substr(0, c);
+        std::string upNew = UpperCase(newCode);
+        for (const char* word : {"G00", "G10", "G11", "G12", "G13", "G70", "G71", "G90", "G91", "M00", "M20",
+                                 "M50", "M60", "M75"}) {
+            if (Has(upCode, word) && !Has(upNew, word)) {
+                newCode += ' ';
+                newCode += word;
+            }
+        }
+        newCode += " G68 S" + IntegerText(number) + " Q" + CountText(count) + " (" + name + ")";
+        code = std::move(newCode);
+    } else if (s != npos) {
+        // The first block of a subroutine: its label, and its name as a comment.
+        std::string name = DigitsAfter(code, s);
+        code = SubroutineLabel(table.SubroutineNumber(name)) + " " + code.substr(0, s) + " (" + name + ")";
+    }
+    if (FindNoCase(comment, "ENDSUB") != npos) code = "RETURN";
+    return code + comment;
+}
+
+// ---------------------------------------------------------------------------------------
+// Conditions and jumps
+
+bool PositionTest(std::string_view block, std::string_view word, std::string_view excluded) {
+    std::size_t w = block.find(word);
+    std::size_t e = block.find(excluded);
+    long long wordAt = w == npos ? 0 : static_cast<long long>(w) + 1;
+    long long excludedAt = e == npos ? 0 : static_cast<long long>(e) + 1;
+    return (wordAt & ~excludedAt) != 0;
+}
+
+namespace {
+
+// Takes out the first "N" behind the first "GOTO" and trims what follows it.
+void DropJumpN(std::string& block) {
+    std::size_t g = block.find("GOTO");
+    if (g == npos) return;
+    std::size_t n = block.find('N', g);
+    if (n == npos) return;
+    block = block.substr(0, n) + std::string(Trim(std::string_view(block).substr(n + 1)));
+}
+
+}  // namespace
+
+std::string ConditionRewrite(std::string_view block) {
+    std::size_t p = block.find("IF");
+    if (p == npos) return std::string(block);
+    // 1. The prefix in front of "IF".
+    std::string prefix(Trim(block.substr(0, p)));
+    // 2. The jump keyword and where the condition ends (1-based positions, as the lengths count).
+    std::string keyword, target;
+    long long end;
+    std::size_t g = block.find("GOTO");
+    std::size_t a = block.find("ABORT");
+    if (g != npos) {
+        keyword = "GOTO";
+        target = Trim(block.substr(g + 4));
+        end = static_cast<long long>(g) + 1;
+    } else if (a != npos) {
+        keyword = "ABORT";
+        end = static_cast<long long>(a) + 1;
+    } else {
+        end = static_cast<long long>(block.size());
+    }
+    // 3. The condition: from behind "IF" for end - (p + 2) characters. A negative length has
+    // no meaning (a block that ends in "ENDIF"): such a block stays as it is.
+    long long start = static_cast<long long>(p) + 1 + 2;
+    long long length = end - start;
+    if (length < 0) return std::string(block);
+    std::string condition;
+    if (static_cast<std::size_t>(start - 1) < block.size())
+        condition = Trim(block.substr(static_cast<std::size_t>(start - 1), static_cast<std::size_t>(length)));
+    // 4. With no target, a target behind the condition's last ")".
+    if (target.empty() && condition.starts_with('(') && !condition.ends_with(')')) {
+        std::size_t close = condition.rfind(')');
+        if (close != npos) {
+            target = Trim(std::string_view(condition).substr(close + 1));
+            condition = std::string(Trim(std::string_view(condition).substr(0, close + 1)));
+        }
+    }
+    // 5. Parentheses around the whole block.
+    if (prefix.ends_with('(')) prefix = Trim(std::string_view(prefix).substr(0, prefix.size() - 1));
+    if (target.ends_with(')')) target = Trim(std::string_view(target).substr(0, target.size() - 1));
+    // 6. The condition stands in parentheses; each test wraps on its own.
+    if (!condition.starts_with('(')) condition = "(" + condition + ")";
+    if (!condition.ends_with(')')) condition = "(" + condition + ")";
+    // 7. The internal operators.
+    ReplaceFirst(condition, "<>", "!=");
+    ReplaceFirst(condition, "<=", "!>");
+    ReplaceFirst(condition, ">=", "!<");
+    // 8. The fixed form.
+    std::string out = prefix + " IF " + condition + " " + keyword + " " + target;
+    // 9. The jump has no "N".
+    DropJumpN(out);
+    return out;
+}
+
+std::string JumpRewrite(std::string_view block) {
+    std::size_t at = npos;
+    for (const char* form : {"(  GOTO", "( GOTO", "(GOTO", "GOTO"}) {
+        at = block.find(form);
+        if (at != npos) break;
+    }
+    if (at == npos) return std::string(block);
+    std::string prefix(Trim(block.substr(0, at)));
+    std::string rest(Trim(block.substr(at)));
+    if (rest.starts_with('(')) rest = Trim(std::string_view(rest).substr(1));
+    if (rest.ends_with(')')) rest = Trim(std::string_view(rest).substr(0, rest.size() - 1));
+    std::string out = prefix + " " + rest;
+    DropJumpN(out);
+    return out;
+}
+
+// ---------------------------------------------------------------------------------------
+// Fills and rules
+
+void ParameterFill(std::string& block, int first, int last, std::string_view value) {
+    for (int number = first; number <= last; ++number) {
+        std::string word = "P" + std::to_string(number) + "=";
+        if (Has(block, word)) continue;
+        block += ' ';
+        block += word;
+        block += value;
+    }
+}
+
+void StepFill(std::string& block, ConvertState& state) {
+    if (Has(block, "P9=") || Has(block, "P7=")) return;
+    if (!Has(block, "P8=")) block += " P8=" + StepText(state.NibbleStep);
+    else state.NibbleStep = P8Value(block, state.Reader);
+}
+
+void G65StepRule(std::string& block, ConvertState& state) {
+    ReplaceFirst(block, "R", "P8=");
+    if (Has(block, "P8=")) state.NibbleStep = P8Value(block, state.Reader);
+    else block += " P8=" + StepText(state.NibbleStep);
+}
+
+namespace {
+
+const char* MotionCode(int code) { return code == 1 ? "G01" : code == 2 ? "G02" : "G03"; }
+const char* ArcCode(int code) { return code == 1 ? "G101" : code == 2 ? "G102" : "G103"; }
+
+bool HasAxis(std::string_view block) {
+    return Has(block, 'X') || Has(block, 'Y') || Has(block, 'H') || Has(block, 'V');
+}
+
+bool HasAny(std::string_view block, std::initializer_list<const char*> words) {
+    for (const char* word : words)
+        if (Has(block, word)) return true;
+    return false;
+}
+
+}  // namespace
+
+void ModalFillMotion(std::string& block, int code, ConvertState& state) {
+    for (int other = 1; other <= 3; ++other)
+        if (other != code && Has(block, MotionCode(other))) return;
+    if (HasAny(block, {"G00", "G103", "G102", "G101", "G04", "G92", "G56", "G53", "M60", "M50"})) return;
+    if (!HasAxis(block)) return;
+    if (!Has(block, MotionCode(code))) block += MotionCode(code);
+    state.MotionMode = static_cast<std::int16_t>(code);
+    state.ArcMode = 0;
+}
+
+void ModalFillArc(std::string& block, int code, ConvertState& state, const ConvertSettings& settings) {
+    if (HasAny(block, {"G00", "G01", "G02", "G03", "G04", "G92", "G56", "G53", "M60", "M50"})) return;
+    for (int other = 1; other <= 3; ++other)
+        if (other != code && Has(block, ArcCode(other))) return;
+    if (!HasAxis(block)) return;
+    // 1. The code goes in front of the first axis word.
+    if (!Has(block, ArcCode(code))) {
+        std::size_t axis = Earlier(FirstOf(block, 'X', 'H'), FirstOf(block, 'Y', 'V'));
+        block.insert(axis, std::string(" ") + ArcCode(code) + " ");
+    }
+    // 2. The arc sense and centre as the profiler takes them.
+    if (code != 1) {
+        if (settings.ProfilerArcSwap) ReplaceFirst(block, ArcCode(code), ArcCode(code == 2 ? 3 : 2));
+        if (settings.ProfilerArcCentre) RewriteCentre(block, state.Reader);
+    }
+    // 3. G103 leaves the arc mode at 2 as G102 does.
+    state.MotionMode = 0;
+    state.ArcMode = code == 1 ? 1 : 2;
+}
+
+void RewriteCentre(std::string& block, ValueReader& reader) {
+    std::string i = FreeFormat(0 - reader.WordValue(block, 'I'));
+    std::string j = FreeFormat(0 - reader.WordValue(block, 'J'));
+    std::string out;
+    out.reserve(block.size() + 16);
+    bool copy = true;
+    for (char c : block) {
+        if (c == 'I' || c == 'J') {
+            out += c;
+            out += c == 'I' ? i : j;
+            out += ' ';
+            copy = false;
+            continue;
+        }
+        if (!(c == ' ' || c == '-' || c == '.' || IsDigit(c))) copy = true;
+        if (copy) out += c;
+    }
+    block = std::move(out);
+}
+
+void G77Rule(std::string& block, const ConvertState& state) {
+    if (state.ProfilerMode) return;
+    std::size_t at = HitPoint(block);
+    if (at == npos) at = block.find('T');
+    if (at != npos) block.insert(at, " G80 ");
+    ReplaceFirst(block, "G77", "");
+}
+
+void ImplicitHitRule(std::string& block, const ConvertState& state) {
+    if (state.ProfilerMode) return;
+    std::size_t at = HitPoint(block);
+    if (at != npos) {
+        block.insert(at, " G81 ");
+        return;
+    }
+    // A tool selection alone never hits.
+    at = block.find('T');
+    if (at != npos) block.insert(at, " G80 ");
+}
+
+std::string WordOrdering(std::string_view block, ValueReader& reader) {
+    if (Has(block, "GOTO") || Has(block, "ENDIF") || Has(block, "IF")) return std::string(block);
+    std::string slots[8];
+    int current = 0;
+    for (std::size_t i = 0; i < block.size(); ++i) {
+        char c = block[i];
+        switch (c) {
+            case 'N': current = 1; break;
+            case 'G': current = 2; break;
+            case 'T':
+            case 'S': current = 4; break;
+            case 'M': current = 5; break;
+            case 'P':
+                if (reader.WordInteger(block.substr(i), 'P') < 13) current = 6;
+                break;
+            default:
+                if (c >= 'A' && c <= 'Z') current = 3;
+                break;
+        }
+        slots[current] += c;
+    }
+    // 1, 2. The listed codes to the front of their group, the last moved standing first.
+    auto toFront = [](std::string& slot, std::initializer_list<const char*> codes) {
+        for (const char* code : codes) {
+            std::size_t at = slot.find(code);
+            if (at == npos) continue;
+            std::string_view word(code);
+            slot.erase(at, word.size());
+            slot = std::string(Trim(std::string(word) + " " + slot));
+        }
+    };
+    toFront(slots[2], {"G53", "G91", "G90", "G71", "G70"});
+    toFront(slots[5], {"M30", "M99", "M01", "M00", "M87", "M50", "M60", "M13", "M12", "M11", "M10"});
+    // 3. The block-skip word to a group of its own.
+    for (const char* skip : {"M875=1", "M875=2"}) {
+        std::size_t at = slots[5].find(skip);
+        if (at == npos) continue;
+        slots[5].erase(at, 6);
+        slots[7] = skip;
+    }
+    // 4. N, skip, P words below 13, G, axis and other words, T and S, M.
+    std::string out = slots[0] + slots[1];
+    for (int slot : {7, 6, 2, 3, 4, 5}) {
+        out += ' ';
+        out += slots[slot];
+    }
+    return std::string(Trim(out));
+}
+
+std::optional<std::pair<float, float>> SheetSize(std::string_view comment) {
+    std::string text = UpperCase(StripBlanks(comment));
+    std::size_t sheet = text.find("SHEET");
+    if (sheet == npos) return std::nullopt;
+    std::size_t colon = text.find(':', sheet + 5);
+    if (colon == npos) return std::nullopt;
+    std::string_view rest = std::string_view(text).substr(colon + 1);
+    auto numberAt = [&](std::size_t at) {
+        return at < rest.size() && (IsDigit(rest[at]) || rest[at] == '.' || rest[at] == '-' || rest[at] == '+');
+    };
+    double x = 0, y = 0;
+    bool found = false;
+    std::size_t px = rest.find('X');
+    std::size_t py = px == npos ? npos : rest.find('Y', px + 1);
+    if (px != npos && py != npos && numberAt(px + 1) && numberAt(py + 1)) {
+        // "X" and "Y", each followed by a number.
+        x = ToNumber(rest.substr(px + 1));
+        y = ToNumber(rest.substr(py + 1));
+        found = true;
+    }
+    if (!found) {
+        px = rest.find("X=");
+        py = px == npos ? npos : rest.find("Y=", px + 2);
+        if (px != npos && py != npos) {
+            x = ToNumber(rest.substr(px + 2));
+            y = ToNumber(rest.substr(py + 2));
+            found = true;
+        }
+    }
+    if (!found && numberAt(0) && !Has(rest, 'Y')) {
+        // "2500X1250": a number, "X", a number.
+        std::size_t i = 0;
+        if (rest[i] == '-' || rest[i] == '+') ++i;
+        while (i < rest.size() && (IsDigit(rest[i]) || rest[i] == '.')) ++i;
+        if (i < rest.size() && rest[i] == 'X' && numberAt(i + 1)) {
+            x = ToNumber(rest);
+            y = ToNumber(rest.substr(i + 1));
+            found = true;
+        }
+    }
+    if (!found) return std::nullopt;
+    float sheetX = static_cast<float>(x);
+    float sheetY = static_cast<float>(y);
+    if (!(sheetX > 0) || !(sheetY > 0)) return std::make_pair(0.0f, 0.0f);
+    return std::make_pair(sheetX, sheetY);
+}
+
+// ---------------------------------------------------------------------------------------
+// The block pass
+
+void StartBlockPass(ConvertState& state, BlockPass pass) {
+    state.MotionMode = 0;
+    state.ArcMode = 0;
+    state.ProfilerMode = false;
+    if (pass == BlockPass::Main) state.SequenceCount = 0;
+}
+
+namespace {
+
+// Splits the comment off the block: the dialect's mark, else ";".
+void SplitComment(std::string& block, std::string& comment, std::int16_t dialect) {
+    char mark = dialect == BangDialect ? '!' : dialect == BracketDialect ? '(' : ';';
+    std::size_t at = block.find(mark);
+    bool bracket = dialect == BracketDialect;
+    if (at == npos && mark != ';') {
+        at = block.find(';');
+        bracket = false;
+    }
+    if (at == npos) {
+        comment.clear();
+        block = std::string(Trim(block));
+        return;
+    }
+    std::string_view after = std::string_view(block).substr(at + 1);
+    if (bracket) after = after.substr(0, after.find(')'));
+    comment = " ;";
+    comment += Trim(after);
+    block = std::string(Trim(std::string_view(block).substr(0, at)));
+}
+
+}  // namespace
+
+std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::string_view line) {
+    const bool mainText = context.Pass == BlockPass::Main;
+    const bool bracket = context.Dialect == BracketDialect;
+    ValueReader& reader = state.Reader;
+
+    // 1. The line, trimmed, is the source line.
+    state.SourceLine.assign(Trim(line));
+    std::string block = state.SourceLine;
+    // 2. Subroutine text: the sequence word at the start goes, a leading "/" stays.
+    if (!mainText) block = StripBlockNumber(block);
+    // 3. The dialect's own forms: messages, program marks, subroutines and calls.
+    block = bracket ? DialectRewriteBracket(block, context.Table, reader)
+                    : DialectRewritePlain(block, context.Table, reader);
+    // 4. The comment goes to BlockComment.
+    SplitComment(block, state.BlockComment, context.Dialect);
+    // 5. Main text: the sheet size from the comment, until one has been found.
+    if (mainText && !(state.SheetX > 0 && state.SheetY > 0) && !state.BlockComment.empty()) {
+        if (auto size = SheetSize(state.BlockComment)) {
+            state.SheetX = size->first;
+            state.SheetY = size->second;
+        }
+    }
+    // 6. Upper case.
+    for (char& c : block) c = UpperChar(c);
+    // 7. Main text: an N word sets the running count, a block without one gets the next.
+    if (mainText) {
+        if (Has(block, 'N')) {
+            state.SequenceCount = reader.WordInteger(StripBlanks(block), 'N');
+        } else {
+            if (state.SequenceCount == std::numeric_limits<std::int16_t>::max()) reader.IntegerOverflow = true;
+            else ++state.SequenceCount;
+            block = "N" + ZeroPad(state.SequenceCount, 4) + " " + block;
+        }
+    }
+    // 8. The optional stop is a stop.
+    ReplaceFirst(block, "M01", "M00");
+    // 9. A dwell's time in F goes to X.
+    if (Has(block, "G04") && Has(block, 'F') && !Has(block, 'X')) ReplaceFirst(block, "F", "X");
+    // 10. The mirror codes G10 to G13 become M10 to M13.
+    if (!Has(block, "G101") && !Has(block, "G102") && !Has(block, "G103")) ReplaceFirst(block, "G10", "M10");
+    ReplaceFirst(block, "G11", "M11");
+    ReplaceFirst(block, "G12", "M12");
+    ReplaceFirst(block, "G13", "M13");
+    // 11. G61 to G63 are nibbling moves with "R" as the step.
+    if (ReplaceFirst(block, "G61", "G01")) ReplaceFirst(block, "R", "P8=");
+    if (ReplaceFirst(block, "G62", context.Settings.SwapArcWords ? "G03" : "G02")) {
+        ReplaceFirst(block, "R", "P8=");
+        if (context.Settings.ArcCentreIncremental) RewriteCentre(block, reader);
+    }
+    if (ReplaceFirst(block, "G63", context.Settings.SwapArcWords ? "G02" : "G03")) {
+        ReplaceFirst(block, "R", "P8=");
+        if (context.Settings.ArcCentreIncremental) RewriteCentre(block, reader);
+    }
+    // 12. M20 is a move without a hit.
+    ReplaceFirst(block, "M20", "G77");
+    // 13. M22 is a sheet reposition with X as I and Y as J.
+    if (ReplaceFirst(block, "M22", "G95")) {
+        ReplaceFirst(block, "X", "I");
+        ReplaceFirst(block, "Y", "J");
+        if (!Has(block, 'J')) block += " J-999";
+        if (!Has(block, 'K')) block += " K-999";
+    }
+    // 14. M91 is a sheet reposition with P10 as I and P11 as J.
+    if (ReplaceFirst(block, "M91", "G95")) {
+        ReplaceFirst(block, "P10=", "I");
+        ReplaceFirst(block, "P11=", "J");
+        if (!Has(block, 'J')) block += " J-999";
+        if (!Has(block, 'K')) block += " K-999";
+    }
+    // 15. No code recognised yet.
+    state.UnknownBlock = true;
+    // 16. A condition to its fixed form.
+    if (PositionTest(block, "IF", "ENDIF")) {
+        block = ConditionRewrite(block);
+        state.UnknownBlock = false;
+    }
+    // 17. The end of a conditional section.
+    if (Has(block, "ENDIF")) state.UnknownBlock = false;
+    // 18. A jump to its fixed form.
+    if (Has(block, "GOTO") && PositionTest(block, "GOTO", "IF")) {
+        block = JumpRewrite(block);
+        state.UnknownBlock = false;
+    }
+    // 19. The block as it stands before the motion steps.
+    state.BlockBeforeMotion = block;
+    const std::string& before = state.BlockBeforeMotion;
+    // 20. Cycles and repositioning end the modal moves.
+    if (HasAny(block, {"G95", "G66", "G65", "G64", "G37", "G36", "G28", "G26"})) {
+        state.MotionMode = 0;
+        state.ArcMode = 0;
+    }
+    // 21. Positioning at speed ends them too.
+    if (Has(block, "G00")) {
+        state.MotionMode = 0;
+        state.ArcMode = 0;
+        state.UnknownBlock = false;
+    }
+    // 22 to 24. Nibbling lines and arcs, given or modal: code, step and P6, P8.
+    for (int code = 1; code <= 3; ++code) {
+        bool given = code == 1 ? Has(block, "G01") : Has(before, MotionCode(code));
+        if (!(given || (state.MotionMode == code && !bracket))) continue;
+        ModalFillMotion(block, code, state);
+        StepFill(block, state);
+        ParameterFill(block, 6, 6, "-999");
+        ParameterFill(block, 8, 8, "-999");
+        state.UnknownBlock = false;
+    }
+    // 25. Profile lines and arcs, given or modal.
+    for (int code = 1; code <= 3; ++code) {
+        bool given = code == 1 ? Has(block, "G101") : Has(before, ArcCode(code));
+        if (!(given || state.ArcMode == code)) continue;
+        ModalFillArc(block, code, state, context.Settings);
+        state.UnknownBlock = false;
+    }
+    // 26. Dwell.
+    if (Has(block, "G04")) state.UnknownBlock = false;
+    // 27. The card's macro block gets its parameters.
+    if (Has(block, "G06")) {
+        if (mainText) {
+            ParameterFill(block, 11, 19, "-999");
+            ParameterFill(block, 101, 110, "-999");
+        } else {
+            ParameterFill(block, 1, 9, "-999");
+        }
+        state.UnknownBlock = false;
+    }
+    // 28. Grid, arc and nibbling patterns get their cycle parameters.
+    if (Has(block, "G26")) {
+        ParameterFill(block, 1, 9, "-999");
+        ParameterFill(block, 10, 11, "0");
+        state.UnknownBlock = false;
+    }
+    if (Has(block, "G28")) {
+        ParameterFill(block, 1, 10, "-999");
+        state.UnknownBlock = false;
+    }
+    if (Has(block, "G36")) {
+        StepFill(block, state);
+        ParameterFill(block, 1, 9, "-999");
+        ParameterFill(block, 10, 11, "0");
+        state.UnknownBlock = false;
+    }
+    if (Has(block, "G37")) {
+        StepFill(block, state);
+        ParameterFill(block, 1, 10, "-999");
+        state.UnknownBlock = false;
+    }
+    // 29. Circle and row of hits; the nibbled rectangle gets its step.
+    if (Has(block, "G64") || Has(block, "G66")) state.UnknownBlock = false;
+    if (Has(block, "G65")) {
+        G65StepRule(block, state);
+        state.UnknownBlock = false;
+    }
+    // 30. Calls get their P10, the grid call its parameters.
+    if (Has(block, "G68") || Has(block, "G69")) {
+        ParameterFill(block, 10, 10, "1");
+        state.UnknownBlock = false;
+    }
+    if (Has(block, "G98")) {
+        ParameterFill(block, 1, 9, "-999");
+        ParameterFill(block, 10, 11, "1");
+        state.UnknownBlock = false;
+    }
+    // 31. Codes that are known and need nothing more.
+    if (HasAny(block, {"G53", "G56", "G92", "G93", "G72", "G80", "G81", "M60", "M50", "M03", "M04", "M05", "M06"}))
+        state.UnknownBlock = false;
+    // 32. Sheet reposition.
+    if (Has(block, "G95")) {
+        ParameterFill(block, 6, 6, "-999");
+        state.UnknownBlock = false;
+    }
+    // 33. Profiling mode on and off.
+    if (Has(block, "M100")) {
+        state.ProfilerMode = true;
+        state.ArcMode = 0;
+        state.MotionMode = 0;
+        state.UnknownBlock = false;
+    }
+    if (Has(block, "M101")) {
+        state.ProfilerMode = false;
+        state.ArcMode = 0;
+        state.MotionMode = 0;
+        state.UnknownBlock = false;
+    }
+    // 34. A move without a hit.
+    if (Has(block, "G77")) {
+        G77Rule(block, state);
+        state.UnknownBlock = false;
+    }
+    // 35. Subroutine text: the end of a subroutine is written as it stands.
+    if (!(!mainText && Has(block, "RETURN"))) {
+        // 36. A block with no code hits, or with a tool alone only selects it.
+        if (state.UnknownBlock) ImplicitHitRule(block, state);
+        // 37. Block-skip marks become M875 words.
+        if (block.starts_with("//") || block.starts_with("\\\\")) {
+            block = std::string(Trim(std::string_view(block).substr(2))) + " M875=2";
+        } else if (block.starts_with('/') || block.starts_with('\\')) {
+            block = std::string(Trim(std::string_view(block).substr(1))) + " M875=1";
+        }
+        // 38. Canonical word order.
+        block = WordOrdering(block, reader);
+        // 39. No double blanks.
+        block = CollapseBlanks(block);
+    }
+    // 40. The block and its comment.
+    block += state.BlockComment;
+    return block;
+}
+
+}  // namespace convert
+
+// ---------------------------------------------------------------------------------------
+// The run
+
+ConvertSettings ConvertSettingsFrom(const MachineData& machine, const Directories& dirs) {
+    ConvertSettings settings;
+    settings.AmadaMachine = machine.AmadaMachine;
+    settings.SwapArcWords = machine.SwapArcWords;
+    settings.ArcCentreIncremental = machine.ArcCentreIncremental;
+    settings.ProfilerArcSwap = machine.ProfilerArcSwap;
+    settings.ProfilerArcCentre = machine.ProfilerArcCentre;
+    settings.ServiceDir = dirs.ServiceDir;
+    return settings;
+}
+
+const char* ConvertStatusText(ConvertStatus status) {
+    switch (status) {
+        case ConvertStatus::Done: return "converted";
+        case ConvertStatus::AmadaNotYet: return "the AMADA dialect pass is not available yet";
+        case ConvertStatus::MissingProgram: return "the program file cannot be opened";
+        case ConvertStatus::FileFault: return "a work file cannot be opened or written";
+    }
+    return "";
+}
+
+namespace {
+
+struct Run {
+    const ConvertSettings& Settings;
+    ConvertState State;
+    ConvertResult Result;
+
+    explicit Run(const ConvertSettings& settings) : Settings(settings) {}
+
+    std::string File(const char* extension) const { return State.ConvertStem + extension; }
+
+    bool Fail(ConvertStatus status, const std::string& file) {
+        Result.Status = status;
+        Result.Fault = file;
+        return false;
+    }
+
+    // Notes a 16-bit overflow of the reader, with the first place it happened.
+    void NoteOverflow(const char* extension, long lineNumber) {
+        if (!State.Reader.IntegerOverflow) return;
+        State.Reader.IntegerOverflow = false;
+        if (!Result.IntegerOverflow)
+            Result.Fault = "16-bit overflow in " + File(extension) + " line " + std::to_string(lineNumber);
+        Result.IntegerOverflow = true;
+    }
+
+    void NoteCount(std::int16_t& count) {
+        if (count == std::numeric_limits<std::int16_t>::max()) State.Reader.IntegerOverflow = true;
+        else ++count;
+    }
+
+    bool Detect(std::int16_t& dialect) {
+        const std::string org = File("org");
+        NoteFile(Settings.ServiceDir, org);
+        LineReader in(org);
+        if (!in.IsOpen()) return Fail(ConvertStatus::MissingProgram, org);
+        DialectDetector detector;
+        std::string_view line;
+        while (!detector.Found() && in.Next(line)) detector.Line(line);
+        dialect = detector.Dialect();
+        return true;
+    }
+
+    bool SplitPlain() {
+        const std::string org = File("org");
+        NoteFile(Settings.ServiceDir, org);
+        LineReader in(org);
+        if (!in.IsOpen()) return Fail(ConvertStatus::MissingProgram, org);
+        LineWriter a1(File("A1")), a2(File("A2")), sbs(File("sbs"));
+        if (!a1.IsOpen() || !a2.IsOpen() || !sbs.IsOpen()) return Fail(ConvertStatus::FileFault, File("A1"));
+        std::int16_t count = 0;
+        bool toA2 = false;
+        long lineNumber = 0;
+        std::string_view raw;
+        while (in.Next(raw)) {
+            ++lineNumber;
+            std::string_view line = Trim(raw);
+            std::string up = UpperCase(line);
+            // 1. A subroutine opens: its lines go to A2, its name to the table.
+            if (Has(up, "(ID,GSUB") || Has(up, "(ID,PSUB")) {
+                toA2 = true;
+                NoteCount(count);
+                sbs.Write(SubroutineName(line) + ", " + IntegerText(count));
+            }
+            // 2. The line to the current text.
+            (toA2 ? a2 : a1).Write(line);
+            // 3. A subroutine closes.
+            if (Has(up, "(END,GSUB") || Has(up, "(END,PSUB")) toA2 = false;
+            // 4. A call of a ".GSB" file copies the file to A2 as a subroutine of its own.
+            if (Has(up, "(GSUB,")) {
+                std::string name = SubroutineName(line);
+                std::string path = ResolveNoCase(Settings.CurrentDir + name + ".GSB");
+                if (FileExists(path)) {
+                    NoteCount(count);
+                    sbs.Write(name + ", " + IntegerText(count));
+                    NoteFile(Settings.ServiceDir, path);
+                    LineReader gsb(path);
+                    std::string_view gsbLine;
+                    while (gsb.Next(gsbLine)) {
+                        std::string_view trimmed = Trim(gsbLine);
+                        if (!trimmed.empty()) a2.Write(trimmed);
+                    }
+                }
+            }
+            NoteOverflow("org", lineNumber);
+        }
+        sbs.Write(EndMarker);
+        if (!a1.Close() || !a2.Close() || !sbs.Close()) return Fail(ConvertStatus::FileFault, File("A1"));
+        return true;
+    }
+
+    bool SplitBracket() {
+        const std::string org = File("org");
+        NoteFile(Settings.ServiceDir, org);
+        LineReader in(org);
+        if (!in.IsOpen()) return Fail(ConvertStatus::MissingProgram, org);
+        LineWriter a1(File("A1")), a2(File("A2")), sbs(File("sbs"));
+        if (!a1.IsOpen() || !a2.IsOpen() || !sbs.IsOpen()) return Fail(ConvertStatus::FileFault, File("A1"));
+        std::int16_t count = 0;
+        bool toA2 = false;
+        long lineNumber = 0;
+        std::string_view raw;
+        while (in.Next(raw)) {
+            ++lineNumber;
+            std::string_view line = Trim(raw);
+            std::string_view code = line.substr(0, line.find('('));
+            std::size_t s = FindNoCase(code, "S");
+            if (s != npos) {
+                // A subroutine opens: from here on all goes to A2, each one closed by "(ENDSUB)".
+                toA2 = true;
+                if (count > 0) a2.Write("(ENDSUB)");
+                NoteCount(count);
+                sbs.Write(DigitsAfter(code, s) + ", " + IntegerText(count));
+            }
+            (toA2 ? a2 : a1).Write(line);
+            NoteOverflow("org", lineNumber);
+        }
+        if (count >= 1 && toA2) a2.Write("(ENDSUB)");
+        sbs.Write(EndMarker);
+        if (!a1.Close() || !a2.Close() || !sbs.Close()) return Fail(ConvertStatus::FileFault, File("A1"));
+        return true;
+    }
+
+    bool ReadTable(SubroutineTable& table) {
+        const std::string sbs = File("sbs");
+        NoteFile(Settings.ServiceDir, sbs);
+        LineReader in(sbs);
+        if (!in.IsOpen()) return Fail(ConvertStatus::FileFault, sbs);
+        std::string text;
+        std::string_view line;
+        while (in.Next(line)) {
+            text.append(line);
+            text += '\n';
+        }
+        table.Read(text);
+        return true;
+    }
+
+    bool BlockPassFile(const char* from, const char* to, BlockPass pass, const BlockContext& context) {
+        const std::string source = File(from);
+        NoteFile(Settings.ServiceDir, source);
+        LineReader in(source);
+        if (!in.IsOpen()) return Fail(ConvertStatus::FileFault, source);
+        LineWriter out(File(to));
+        if (!out.IsOpen()) return Fail(ConvertStatus::FileFault, File(to));
+        StartBlockPass(State, pass);
+        long lineNumber = 0;
+        std::string_view line;
+        while (in.Next(line)) {
+            ++lineNumber;
+            out.Write(ConvertBlock(State, context, line));
+            NoteOverflow(from, lineNumber);
+        }
+        if (!out.Close()) return Fail(ConvertStatus::FileFault, File(to));
+        return true;
+    }
+
+    // Copies a text file line by line, each trimmed; in the call fix the first "G68" of a
+    // line becomes "G69".
+    bool CopyLines(const std::string& from, const std::string& to, bool callFix) {
+        NoteFile(Settings.ServiceDir, from);
+        LineReader in(from);
+        if (!in.IsOpen()) return Fail(ConvertStatus::FileFault, from);
+        LineWriter out(to);
+        if (!out.IsOpen()) return Fail(ConvertStatus::FileFault, to);
+        std::string text;
+        std::string_view line;
+        while (in.Next(line)) {
+            text.assign(Trim(line));
+            if (callFix) ReplaceFirst(text, "G68", "G69");
+            out.Write(text);
+        }
+        if (!out.Close()) return Fail(ConvertStatus::FileFault, to);
+        return true;
+    }
+
+    bool CallFix() {
+        const std::string m2 = File("M2"), tmp = File("tmp");
+        if (!CopyLines(m2, tmp, true)) return false;
+        std::remove(m2.c_str());
+        if (!CopyLines(tmp, m2, false)) return false;
+        std::remove(tmp.c_str());
+        return true;
+    }
+};
+
+}  // namespace
+
+ConvertResult ConvertProgram(std::string_view stem, std::int16_t& dialect, const ConvertSettings& settings) {
+    Run run(settings);
+    // 1. The stem, trimmed.
+    run.State.ConvertStem = std::string(Trim(stem));
+    // 2. An AMADA machine has a pass of its own.
+    if (settings.AmadaMachine) {
+        dialect = AmadaDialect;
+        run.Result.Status = ConvertStatus::AmadaNotYet;
+        return run.Result;
+    }
+    // 3. The dialect.
+    if (!run.Detect(dialect)) return run.Result;
+    // 4. Main text, subroutine text and the subroutine table.
+    if (!(dialect == BracketDialect ? run.SplitBracket() : run.SplitPlain())) return run.Result;
+    SubroutineTable table;
+    if (!run.ReadTable(table)) return run.Result;
+    // 5. The values kept across both block passes.
+    run.State.NibbleStep = 2.5;
+    run.State.SheetX = 0;
+    run.State.SheetY = 0;
+    // 6, 7. The block pass over the main text, then over the subroutines.
+    if (!run.BlockPassFile("A1", "M1", BlockPass::Main, BlockContext{settings, dialect, BlockPass::Main, table}))
+        return run.Result;
+    if (!run.BlockPassFile("A2", "M2", BlockPass::Subroutines,
+                           BlockContext{settings, dialect, BlockPass::Subroutines, table}))
+        return run.Result;
+    // 8. Calls inside the subroutines are G69.
+    if (!run.CallFix()) return run.Result;
+    run.Result.SheetX = run.State.SheetX;
+    run.Result.SheetY = run.State.SheetY;
+    run.Result.NibbleStep = run.State.NibbleStep;
+    return run.Result;
+}
+
+}  // namespace kirvana

@@ -1,0 +1,47 @@
+// Streaming text files for the passes: one line at a time, so that memory does not grow with
+// the program. Reads LF or CRLF, writes LF.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace kirvana {
+
+class LineReader {
+public:
+    explicit LineReader(const std::string& path);
+    ~LineReader();
+    LineReader(const LineReader&) = delete;
+    LineReader& operator=(const LineReader&) = delete;
+
+    bool IsOpen() const { return file_ != nullptr; }
+    // The next line without its line end; false at the end of the file. The view is valid
+    // until the next call.
+    bool Next(std::string_view& line);
+
+private:
+    std::FILE* file_ = nullptr;
+    char* buffer_ = nullptr;
+    std::size_t capacity_ = 0;
+};
+
+class LineWriter {
+public:
+    explicit LineWriter(const std::string& path);
+    ~LineWriter();
+    LineWriter(const LineWriter&) = delete;
+    LineWriter& operator=(const LineWriter&) = delete;
+
+    bool IsOpen() const { return file_ != nullptr; }
+    // Writes the line and an LF.
+    void Write(std::string_view line);
+    // Closes the file; false when anything could not be written.
+    bool Close();
+
+private:
+    std::FILE* file_ = nullptr;
+    bool failed_ = false;
+};
+
+}  // namespace kirvana
