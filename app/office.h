@@ -19,5 +19,6 @@ int Start(const Args& args);
 int Eval(const Args& args);
 int Word(const Args& args);
 int Format(const Args& args);
+int Tool(const Args& args);
 
 }  // namespace kirvana::office
