@@ -35,8 +35,9 @@ public:
     void ShowFrontEnd() override { frontEnd_ = true; }
     bool FrontEndVisible() override { return frontEnd_; }
     void UnloadFrontEnd() override { frontEnd_ = false; }
-    void StopPollTimer() override {}
-    void WaitMs(std::int32_t ms) override { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
+    void SetFormsLocked(bool, const std::string&) override {}
+    void SetPollTimer(bool, int) override {}
+    void WaitForTick(int ms) override { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
     void StartProgram(const std::string& path) override {
         if (!quiet_) std::printf("service program: %s (not started by the office seat)\n", path.c_str());
     }

@@ -1,6 +1,7 @@
 #include "controller/conversation.h"
 
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 
 #include "core/number.h"
@@ -62,11 +63,88 @@ std::string Conversation::GetRspnsTxt(std::string_view query) {
     return std::string(Trim(response));
 }
 
+std::vector<std::string> Conversation::GetRspnsBatch(const std::vector<std::string>& queries) {
+    std::vector<std::string> answers(queries.size());
+    if (!state_.CardInUse || !link_ || queries.empty()) return answers;
+    std::string line;
+    for (const std::string& q : queries) {
+        if (!line.empty()) line += ' ';
+        line += Trim(q);
+    }
+    std::string response;
+    bool success = link_->Exchange(line, response);
+    if (!success) response.clear();
+    // One answer line per query, in order.
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < queries.size(); ++i) {
+        std::size_t end = response.find_first_of("\r\n", start);
+        if (start < response.size()) answers[i] = std::string(Trim(std::string_view(response).substr(start, end - start)));
+        start = end == std::string::npos ? response.size() : end + 1;
+        if (end != std::string::npos && response[end] == '\r' && start < response.size() && response[start] == '\n') ++start;
+        state_.LastCommand = std::string(Trim(queries[i]));
+        LogExchange("GetRspnsBatch", queries[i], answers[i], success);
+    }
+    return answers;
+}
+
 void Conversation::DownSystem(std::string_view dir, std::string_view name) {
     if (!state_.CardInUse || !link_) return;
+    BeginLongExchange();
     std::string path = std::string(Trim(dir)) + std::string(Trim(name));
     bool result = link_->DownloadFile(path);
     LogExchange("DownSystem", Trim(name), "", result);
+    EndLongExchange();
+}
+
+void Conversation::LockAllForms(bool lock, const std::string& exceptForm) {
+    state_.FormsLocked = lock;
+    if (platform_) platform_->SetFormsLocked(lock, exceptForm);
+}
+
+void Conversation::WaitMs(int ms) {
+    if (ms <= 0) return;
+    // 1. Lock and stop the poll, keeping PollRunning.
+    LockAllForms(true);
+    StopPollTimer(false);
+    // 2. Wait for the tick with the event queue running.
+    if (platform_) platform_->WaitForTick(ms);
+    // 3. Unlock, and restart the poll if it is meant to run.
+    LockAllForms(false);
+    if (state_.PollRunning) StartPollTimer(false);
+}
+
+void Conversation::StartPollTimer(bool setRunning) {
+    if (setRunning) state_.PollRunning = true;
+    if (platform_) {
+        platform_->SetPollTimer(false, 0);
+        platform_->SetPollTimer(true, state_.PollRestartDelayMs);
+    }
+}
+
+void Conversation::StopPollTimer(bool clearRunning) {
+    if (platform_) platform_->SetPollTimer(false, 0);
+    if (clearRunning) state_.PollRunning = false;
+}
+
+void Conversation::BeginLongExchange() {
+    LockAllForms(true);
+    StopPollTimer(false);
+}
+
+void Conversation::EndLongExchange() {
+    LockAllForms(false);
+    if (state_.PollRunning) StartPollTimer(false);
+}
+
+void Conversation::RollPollingLog() {
+    if (!state_.PollLogOn) return;
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const std::string log = serviceDir_ + "Polling.txt";
+    auto size = fs::file_size(log, error);
+    if (error || static_cast<long long>(size) < PollingLogLimit) return;
+    fs::copy_file(log, serviceDir_ + "Polling.bak", fs::copy_options::overwrite_existing, error);
+    fs::remove(log, error);
 }
 
 void Conversation::LogExchange(std::string_view name, std::string_view query, std::string_view response, bool status) {

@@ -11,8 +11,8 @@ namespace kirvana {
 
 namespace {
 
-Conversation Talk(Process& process, CardLink* link) {
-    return Conversation(link, process.Card, process.Config.Dirs.ServiceDir);
+Conversation Talk(Process& process, StartupPlatform& platform, CardLink* link) {
+    return Conversation(link, process.Card, process.Config.Dirs.ServiceDir, &platform);
 }
 
 void Run(const std::function<void(Process&)>& step, Process& process) {
@@ -44,7 +44,7 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
     Installation& config = process.Config;
     // 1. No shutdown and no poll yet.
     process.ShuttingDown = false;
-    process.PollRunning = false;
+    process.Card.PollRunning = false;
     // 2. A relative Service directory, so that the first reads can be traced.
     std::error_code error;
     std::filesystem::create_directory("Service", error);
@@ -56,7 +56,7 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
     platform.ProcessEvents();
     // 5. Flags and state cleared.
     process.Card.ReportCardErrors = true;
-    process.FormsLocked = false;
+    process.Card.FormsLocked = false;
     process.LastSelectedProgram.clear();
     process.StatusEdges = {};
     process.PlasmaBlockAllowed = true;
@@ -68,9 +68,11 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
     if (fault) return {StartOutcome::Kind::ConfigurationFault, *fault};
     process.Card.CardInUse = config.Card.CardInUse;
     process.Card.PollLogOn = config.Card.PollLogOn;
+    process.Card.PollIntervalMs = config.Card.PollIntervalMs;
+    process.Card.PollRestartDelayMs = config.Card.PollRestartDelayMs;
     // 7. Open the card; a second failure ends the process without a further word.
     if (process.Card.CardInUse && !OpenCard(platform, link)) return {StartOutcome::Kind::CardNotOpened, {}};
-    Conversation talk = Talk(process, link);
+    Conversation talk = Talk(process, platform, link);
     // 8. The card's system files, as the directory lists them.
     for (const std::string& name : ListDirectory(config.Dirs.DataDir, false)) {
         if (name.size() > 4 && UpperCase(name.substr(name.size() - 4)) == ".PRM") talk.DownSystem(config.Dirs.DataDir, name);
@@ -112,15 +114,14 @@ namespace {
 // The steps both ways out share; `forService` leaves the card believing the front end is up.
 void EndProcess(Process& process, StartupPlatform& platform, CardLink* link, const StartupSteps& steps,
                 bool forService, bool powerOff) {
-    Conversation talk = Talk(process, link);
+    Conversation talk = Talk(process, platform, link);
     // 1. Batch counters from the card; 2. the active slot's .btc.
     Run(steps.UpdateBatchCounters, process);
     Run(steps.WriteBatchFile, process);
     std::string serviceProgram = forService ? ReadServiceProgram(process.Config.Dirs) : std::string();
     // 3. Shutting down: the poll stops.
     process.ShuttingDown = true;
-    platform.StopPollTimer();
-    process.PollRunning = false;
+    talk.StopPollTimer(true);
     // 4. Serial port; 5. receive work file; 6. program and drawing channels.
     Run(steps.CloseSerialPort, process);
     Run(steps.CloseReceiveFile, process);
@@ -131,7 +132,7 @@ void EndProcess(Process& process, StartupPlatform& platform, CardLink* link, con
             talk.Download("P1021=P1021-1");
             if (process.Config.Card.SaveOnShutdown) {
                 talk.Download("save");
-                if (process.Config.Card.SaveWaitMs > 0) platform.WaitMs(process.Config.Card.SaveWaitMs);
+                talk.WaitMs(process.Config.Card.SaveWaitMs);
             }
         }
         if (link) link->SetEnabled(false);

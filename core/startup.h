@@ -7,6 +7,7 @@
 #include <string>
 
 #include "controller/card_link.h"
+#include "controller/controller_platform.h"
 #include "controller/conversation.h"
 #include "core/config.h"
 
@@ -17,8 +18,6 @@ struct Process {
     Installation Config;
     CardState Card;
     bool ShuttingDown = false;
-    bool PollRunning = false;
-    bool FormsLocked = false;
     // PlasmaSettingsForm may send its block to the card.
     bool PlasmaBlockAllowed = false;
     std::string LastSelectedProgram;
@@ -29,9 +28,8 @@ struct Process {
 };
 
 // What Main needs of the screens, the event queue and the computer.
-class StartupPlatform {
+class StartupPlatform : public ControllerPlatform {
 public:
-    virtual ~StartupPlatform() = default;
     // Shows the splash without blocking and starts its timer; SplashDone turns true at its first tick.
     virtual void ShowSplash(const std::string& title, const std::string& version) = 0;
     virtual bool SplashDone() = 0;
@@ -45,9 +43,6 @@ public:
     virtual void ShowFrontEnd() = 0;
     virtual bool FrontEndVisible() = 0;
     virtual void UnloadFrontEnd() = 0;
-    virtual void StopPollTimer() = 0;
-    // Waits with the event queue running, the poll timer stopped and the forms locked.
-    virtual void WaitMs(std::int32_t ms) = 0;
     // Starts a program with a normal window; the result is ignored.
     virtual void StartProgram(const std::string& path) = 0;
     // Shuts the computer down. Never let through by the demo or the tests.

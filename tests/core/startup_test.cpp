@@ -42,8 +42,11 @@ struct FakePlatform : StartupPlatform {
         FrontEnd = false;
         Events.push_back("UnloadFrontEnd");
     }
-    void StopPollTimer() override { Events.push_back("StopPollTimer"); }
-    void WaitMs(std::int32_t ms) override { Events.push_back("Wait " + std::to_string(ms)); }
+    void SetFormsLocked(bool lock, const std::string&) override { Events.push_back(lock ? "Lock" : "Unlock"); }
+    void SetPollTimer(bool enabled, int ms) override {
+        Events.push_back(enabled ? "PollTimer " + std::to_string(ms) : "PollTimerOff");
+    }
+    void WaitForTick(int ms) override { Events.push_back("Wait " + std::to_string(ms)); }
     void StartProgram(const std::string& path) override { Events.push_back("Start " + path); }
     void PowerOff() override { Events.push_back("PowerOff"); }
     void EndProcess() override { Events.push_back("End"); }
@@ -98,7 +101,7 @@ TEST_F(StartupTest, OfficeSeatStartsInFullAndSendsNothing) {
     EXPECT_EQ(platform_.Events.back(), "ShowFrontEnd");
     EXPECT_TRUE(process_.Card.ReportCardErrors);
     EXPECT_TRUE(process_.PlasmaBlockAllowed);
-    EXPECT_FALSE(process_.PollRunning);
+    EXPECT_FALSE(process_.Card.PollRunning);
 }
 
 TEST_F(StartupTest, CardTrafficAtStartInOrder) {
@@ -205,13 +208,13 @@ TEST_F(StartupTest, ShutdownSavesWithoutWaitWhenWaitIsZero) {
     dir_.Write("PMAC.cfg", "Save: Y\nWait: 0\n******\n");
     ASSERT_EQ(Main(process_, platform_, &link_, steps_).Result, StartOutcome::Kind::Started);
     link_.Sent.clear();
-    process_.PollRunning = true;
+    process_.Card.PollRunning = true;
     Shutdown(process_, platform_, &link_, steps_, false);
     EXPECT_EQ(link_.Sent, (std::vector<std::string>{"P1021=P1021-1", "save"}));
     for (const auto& e : platform_.Events) EXPECT_FALSE(e.starts_with("Wait")) << e;
     EXPECT_FALSE(link_.Enabled());
     EXPECT_TRUE(process_.ShuttingDown);
-    EXPECT_FALSE(process_.PollRunning);
+    EXPECT_FALSE(process_.Card.PollRunning);
     EXPECT_TRUE(platform_.Saw("UnloadFrontEnd"));
     EXPECT_FALSE(platform_.Saw("PowerOff"));
     EXPECT_EQ(platform_.Events.back(), "End");

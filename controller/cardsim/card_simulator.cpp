@@ -1,0 +1,392 @@
+#include "controller/cardsim/card_simulator.h"
+
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cmath>
+#include <sstream>
+
+#include "core/number.h"
+#include "core/text.h"
+
+namespace kirvana {
+
+namespace {
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// I, P, Q or M followed by digits.
+bool IsVariableName(const std::string& t) {
+    if (t.size() < 2 || (t[0] != 'I' && t[0] != 'P' && t[0] != 'Q' && t[0] != 'M')) return false;
+    for (std::size_t i = 1; i < t.size(); ++i)
+        if (!IsDigit(t[i])) return false;
+    return true;
+}
+
+// "#n" + suffix with n from 1 to 4; the motor index or -1.
+int MotorQuery(const std::string& t, const char* suffix) {
+    if (t.size() < 3 || t[0] != '#' || t[1] < '1' || t[1] > '4' || t.substr(2) != suffix) return -1;
+    return t[1] - '1';
+}
+
+std::string ValueText(double v) {
+    return FormatNumber(v, -1);
+}
+
+const std::string Error003 = std::string(1, pmac::Bell) + "ERR003" + pmac::Cr;
+
+}  // namespace
+
+CardSimulator::CardSimulator() = default;
+
+CardSimulator::~CardSimulator() { Stop(); }
+
+double& CardSimulator::Slot(const std::string& name) { return variables_[name]; }
+
+double CardSimulator::Evaluate(const std::string& expression, bool& ok) {
+    // Left to right: operands are numbers or variables; operators + - * / | &.
+    double result = 0;
+    char op = '=';
+    std::size_t i = 0;
+    ok = !expression.empty();
+    while (ok && i < expression.size()) {
+        std::size_t start = i;
+        if (expression[i] == '-' || expression[i] == '+') ++i;  // a sign
+        while (i < expression.size() && std::string("|&+-*/").find(expression[i]) == std::string::npos) ++i;
+        std::string operand = expression.substr(start, i - start);
+        double value;
+        if (IsVariableName(operand)) value = Slot(operand);
+        else if (!operand.empty() && (IsDigit(operand.back()) || operand.back() == '.') &&
+                 operand.find_first_not_of("+-.0123456789") == std::string::npos)
+            value = ToNumber(operand);
+        else {
+            ok = false;
+            break;
+        }
+        auto whole = [](double v) { return static_cast<std::int64_t>(std::trunc(v)); };
+        switch (op) {
+            case '=': result = value; break;
+            case '+': result += value; break;
+            case '-': result -= value; break;
+            case '*': result *= value; break;
+            case '/': result = value == 0 ? 0 : result / value; break;
+            case '|': result = static_cast<double>(whole(result) | whole(value)); break;
+            case '&': result = static_cast<double>(whole(result) & whole(value)); break;
+        }
+        if (i < expression.size()) op = expression[i++];
+        if (i == expression.size() && op != '=' && expression.back() == op) ok = false;  // trailing operator
+    }
+    return result;
+}
+
+bool CardSimulator::RunToken(const std::string& token, std::string& answer) {
+    received_.push_back(token);
+    if (token == "SAVE" || token == "CLOSE") {
+        openProgram_ = 0;
+        return true;
+    }
+    if (token == "CLEAR") {
+        if (openProgram_) programs_[openProgram_].clear();
+        return true;
+    }
+    if (token == "PC") {
+        answer += "P" + std::to_string(pcProgram_) + ":" + std::to_string(pcWord_) + pmac::Cr;
+        return true;
+    }
+    if (token == "%") {
+        answer += ValueText(feedOverride_) + pmac::Cr;
+        return true;
+    }
+    if (token[0] == '%') {
+        bool ok;
+        double v = Evaluate(token.substr(1), ok);
+        if (ok) feedOverride_ = v;
+        return ok;
+    }
+    if (int m = MotorQuery(token, "P"); m >= 0) {
+        answer += ValueText(position_[m]) + pmac::Cr;
+        return true;
+    }
+    if (int m = MotorQuery(token, "F"); m >= 0) {
+        answer += ValueText(followingError_[m]) + pmac::Cr;
+        return true;
+    }
+    if (int m = MotorQuery(token, "->"); m >= 0) {
+        answer += axisDefinition_[m] + pmac::Cr;
+        return true;
+    }
+    if (IsVariableName(token)) {
+        answer += ValueText(Slot(token)) + pmac::Cr;
+        return true;
+    }
+    std::size_t equals = token.find('=');
+    if (equals != std::string::npos && IsVariableName(token.substr(0, equals))) {
+        bool ok;
+        double v = Evaluate(token.substr(equals + 1), ok);
+        if (ok) Slot(token.substr(0, equals)) = v;
+        return ok;
+    }
+    return false;
+}
+
+std::string CardSimulator::ExecuteLocked(const std::string& line) {
+    std::string text = UpperCase(Trim(line));
+    std::string answer;
+    if (text.starts_with("OPEN PROG")) {
+        received_.push_back(text);
+        openProgram_ = static_cast<int>(ToNumber(text.substr(9)));
+        return answer + pmac::Ack;
+    }
+    std::istringstream tokens(text);
+    std::string token;
+    while (tokens >> token) {
+        if (!RunToken(token, answer)) return answer + Error003;
+    }
+    return answer + pmac::Ack;
+}
+
+std::string CardSimulator::Execute(const std::string& line) {
+    int hold;
+    std::string answer;
+    {
+        std::lock_guard lock(mutex_);
+        answer = ExecuteLocked(line);
+        hold = holdMs_;
+        holdMs_ = 0;
+    }
+    if (hold > 0) std::this_thread::sleep_for(std::chrono::milliseconds(hold));
+    return answer;
+}
+
+pmac::WriteStatus CardSimulator::WriteBuffer(const std::string& data) {
+    std::lock_guard lock(mutex_);
+    pmac::WriteStatus status;
+    std::istringstream lines(data);
+    std::string line;
+    int number = 0;  // of the line in this buffer, from 1
+    while (std::getline(lines, line)) {
+        ++number;
+        std::string text = UpperCase(Trim(line));
+        if (text.empty()) continue;
+        bool program = openProgram_ != 0 && text != "CLOSE" && text != "CLEAR" && !text.starts_with("OPEN PROG");
+        if (program) {
+            // A motion program line: letters, digits and the card's operators only.
+            if (text.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789.+-=*/|&()#:% ") != std::string::npos) {
+                status = {true, 3, number};
+                return status;
+            }
+            programs_[openProgram_].push_back(text);
+        } else if (ExecuteLocked(text).find(pmac::Bell) != std::string::npos) {
+            status = {true, 3, number};
+            return status;
+        }
+    }
+    return status;
+}
+
+void CardSimulator::SetVariable(const std::string& name, double value) {
+    std::lock_guard lock(mutex_);
+    Slot(UpperCase(name)) = value;
+}
+
+double CardSimulator::Variable(const std::string& name) {
+    std::lock_guard lock(mutex_);
+    return Slot(UpperCase(name));
+}
+
+void CardSimulator::RaiseStatusBits(std::int64_t bits) {
+    std::lock_guard lock(mutex_);
+    double& status = Slot("P1022");
+    status = static_cast<double>(static_cast<std::int64_t>(status) | bits);
+}
+
+void CardSimulator::SetStation(int station) {
+    std::lock_guard lock(mutex_);
+    Slot("M802") = station;
+    double& status = Slot("P1022");
+    status = static_cast<double>(static_cast<std::int64_t>(status) | 512);
+}
+
+void CardSimulator::StepHits(int hits) {
+    std::lock_guard lock(mutex_);
+    Slot("M869") += hits;
+}
+
+void CardSimulator::HoldNextAnswer(int ms) {
+    std::lock_guard lock(mutex_);
+    holdMs_ = ms;
+}
+
+void CardSimulator::SetMotor(int motor, double position, double followingError) {
+    std::lock_guard lock(mutex_);
+    if (motor < 1 || motor > 4) return;
+    position_[motor - 1] = position;
+    followingError_[motor - 1] = followingError;
+}
+
+void CardSimulator::SetAxisDefinition(int motor, const std::string& definition) {
+    std::lock_guard lock(mutex_);
+    if (motor >= 1 && motor <= 4) axisDefinition_[motor - 1] = definition;
+}
+
+void CardSimulator::SetProgramCounter(int program, int word) {
+    std::lock_guard lock(mutex_);
+    pcProgram_ = program;
+    pcWord_ = word;
+}
+
+std::vector<std::string> CardSimulator::Program(int number) {
+    std::lock_guard lock(mutex_);
+    auto it = programs_.find(number);
+    return it == programs_.end() ? std::vector<std::string>{} : it->second;
+}
+
+std::vector<std::string> CardSimulator::Received() {
+    std::lock_guard lock(mutex_);
+    return received_;
+}
+
+void CardSimulator::ClearReceived() {
+    std::lock_guard lock(mutex_);
+    received_.clear();
+}
+
+std::string CardSimulator::Command(const std::string& line) {
+    std::istringstream in(line);
+    std::string verb, a, b, c;
+    in >> verb >> a >> b >> c;
+    verb = UpperCase(verb);
+    auto number = [](const std::string& t) { return ToNumber(t); };
+    if (verb == "SET" && !a.empty() && !b.empty()) {
+        SetVariable(a, number(b));
+        return UpperCase(a) + "=" + ValueText(number(b));
+    }
+    if (verb == "GET" && !a.empty()) return UpperCase(a) + "=" + ValueText(Variable(a));
+    if (verb == "RAISE" && !a.empty()) {
+        RaiseStatusBits(static_cast<std::int64_t>(number(a)));
+        return "P1022=" + ValueText(Variable("P1022"));
+    }
+    if (verb == "STATION" && !a.empty()) {
+        SetStation(static_cast<int>(number(a)));
+        return "M802=" + a;
+    }
+    if (verb == "HIT") {
+        StepHits(a.empty() ? 1 : static_cast<int>(number(a)));
+        return "M869=" + ValueText(Variable("M869"));
+    }
+    if (verb == "HOLD" && !a.empty()) {
+        HoldNextAnswer(static_cast<int>(number(a)));
+        return "next answer held " + a + " ms";
+    }
+    if (verb == "MOTOR" && !a.empty() && !b.empty()) {
+        SetMotor(static_cast<int>(number(a)), number(b), number(c));
+        return "motor " + a + " at " + b;
+    }
+    if (verb == "AXIS" && !a.empty() && !b.empty()) {
+        SetAxisDefinition(static_cast<int>(number(a)), UpperCase(b));
+        return "#" + a + "->" + UpperCase(b);
+    }
+    if (verb == "PC" && !a.empty() && !b.empty()) {
+        SetProgramCounter(static_cast<int>(number(a)), static_cast<int>(number(b)));
+        return "PC=P" + a + ":" + b;
+    }
+    if (verb == "PROGRAM" && !a.empty()) {
+        std::string out;
+        for (const auto& l : Program(static_cast<int>(number(a)))) out += l + "\n";
+        return out + "(" + std::to_string(Program(static_cast<int>(number(a))).size()) + " lines)";
+    }
+    if (verb == "LOG") {
+        std::string out;
+        for (const auto& l : Received()) out += l + "\n";
+        return out + "(" + std::to_string(Received().size()) + " commands)";
+    }
+    return "commands: set NAME VALUE | get NAME | raise BITS | station N | hit [N] | hold MS | "
+           "motor N POSITION [FOLLOWING] | axis N DEFINITION | pc PROGRAM WORD | program N | log | quit";
+}
+
+bool CardSimulator::Start(int port) {
+    Stop();
+    listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (listener_ < 0) return false;
+    int one = 1;
+    setsockopt(listener_, SOL_SOCKET, SO_REUSEADDR, &one, sizeof one);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    if (bind(listener_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 || listen(listener_, 4) != 0) {
+        close(listener_);
+        listener_ = -1;
+        return false;
+    }
+    socklen_t length = sizeof address;
+    getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &length);
+    port_ = ntohs(address.sin_port);
+    stopping_ = false;
+    server_ = std::thread([this] { Serve(); });
+    return true;
+}
+
+void CardSimulator::Stop() {
+    stopping_ = true;
+    if (server_.joinable()) server_.join();
+    if (listener_ >= 0) close(listener_);
+    listener_ = -1;
+}
+
+void CardSimulator::Serve() {
+    while (!stopping_) {
+        pollfd p{listener_, POLLIN, 0};
+        if (poll(&p, 1, 20) != 1) continue;
+        int client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+        if (client < 0) continue;
+        ServeClient(client);
+        close(client);
+    }
+}
+
+void CardSimulator::ServeClient(int client) {
+    // Reads exactly n bytes, watching for the stop.
+    auto readExactly = [&](std::string& out, std::size_t n) {
+        out.clear();
+        char buffer[2048];
+        while (out.size() < n) {
+            pollfd p{client, POLLIN, 0};
+            if (stopping_) return false;
+            if (poll(&p, 1, 20) != 1) continue;
+            ssize_t got = recv(client, buffer, std::min(sizeof buffer, n - out.size()), 0);
+            if (got <= 0) return false;
+            out.append(buffer, static_cast<std::size_t>(got));
+        }
+        return true;
+    };
+    auto sendAll = [&](const std::string& bytes) {
+        // Answers go in packets of at most one packet's data, as the card sends them.
+        for (std::size_t sent = 0; sent < bytes.size();) {
+            std::size_t chunk = std::min(pmac::MaxPacketData, bytes.size() - sent);
+            ssize_t n = send(client, bytes.data() + sent, chunk, MSG_NOSIGNAL);
+            if (n <= 0) return false;
+            sent += static_cast<std::size_t>(n);
+        }
+        return true;
+    };
+    std::string header, data;
+    while (!stopping_) {
+        if (!readExactly(header, pmac::HeaderSize)) return;
+        pmac::Header h = pmac::DecodeHeader(reinterpret_cast<const std::uint8_t*>(header.data()));
+        if (!readExactly(data, h.Length)) return;
+        bool ok = true;
+        switch (h.Request) {
+            case pmac::VrPmacFlush: ok = sendAll(std::string(1, '@')); break;
+            case pmac::VrPmacGetResponse: ok = sendAll(Execute(data)); break;
+            case pmac::VrPmacWriteBuffer: ok = sendAll(pmac::EncodeWriteStatus(WriteBuffer(data))); break;
+            default: ok = sendAll(Error003); break;
+        }
+        if (!ok) return;
+    }
+}
+
+}  // namespace kirvana

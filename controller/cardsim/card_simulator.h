@@ -1,0 +1,83 @@
+// A simulated motion card: it keeps I, P, Q and M variables, the motor values, the feed
+// override and the program counter; evaluates the commands the front end sends; stores
+// downloaded motion programs; and answers the Turbo PMAC Ethernet protocol on loopback.
+// Tests and demonstrations script it through its functions or its text commands.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "controller/pmac_protocol.h"
+
+namespace kirvana {
+
+class CardSimulator {
+public:
+    CardSimulator();
+    ~CardSimulator();
+    CardSimulator(const CardSimulator&) = delete;
+    CardSimulator& operator=(const CardSimulator&) = delete;
+
+    // Listens on 127.0.0.1 (port 0: an ephemeral port) and serves in a thread of its own.
+    bool Start(int port = 0);
+    void Stop();
+    int Port() const { return port_; }
+
+    // The answer bytes of one GETRESPONSE: answer lines ended by CR and then ACK, or
+    // BELL "ERRnnn" CR for a command the card does not know.
+    std::string Execute(const std::string& line);
+    // One WRITEBUFFER of lines ended by LF: programs between OPEN PROG and CLOSE are stored,
+    // other lines run as commands.
+    pmac::WriteStatus WriteBuffer(const std::string& data);
+
+    // Scripting.
+    void SetVariable(const std::string& name, double value);
+    double Variable(const std::string& name);
+    void RaiseStatusBits(std::int64_t bits);                  // P1022 |= bits
+    void SetStation(int station);                             // M802 and the new-station bit
+    void StepHits(int hits);                                  // M869 += hits
+    void HoldNextAnswer(int ms);                              // delays the next answer
+    void SetMotor(int motor, double position, double followingError);
+    void SetAxisDefinition(int motor, const std::string& definition);
+    void SetProgramCounter(int program, int word);
+    std::vector<std::string> Program(int number);             // a stored motion program
+    std::vector<std::string> Received();                      // every command, in order
+    void ClearReceived();
+    // The text command channel: "set NAME VALUE", "get NAME", "raise BITS", "station N",
+    // "hit [N]", "hold MS", "motor N POSITION [FOLLOWING]", "axis N DEFINITION",
+    // "pc PROGRAM WORD", "program N", "log", "help". Gives the reply text.
+    std::string Command(const std::string& line);
+
+private:
+    std::string ExecuteLocked(const std::string& line);
+    bool RunToken(const std::string& token, std::string& answer);
+    double Evaluate(const std::string& expression, bool& ok);
+    double& Slot(const std::string& name);
+    void Serve();
+    void ServeClient(int client);
+
+    std::mutex mutex_;
+    std::map<std::string, double> variables_;
+    std::array<double, 4> position_{};
+    std::array<double, 4> followingError_{};
+    std::array<std::string, 4> axisDefinition_{"1X", "1Y", "1Z", "1C"};
+    double feedOverride_ = 100;
+    int pcProgram_ = 1;
+    int pcWord_ = 0;
+    std::map<int, std::vector<std::string>> programs_;
+    int openProgram_ = 0;
+    std::vector<std::string> received_;
+    int holdMs_ = 0;
+
+    int listener_ = -1;
+    int port_ = 0;
+    std::atomic<bool> stopping_{false};
+    std::thread server_;
+};
+
+}  // namespace kirvana
