@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <thread>
 
+#include "controller/pmac_ethernet_link.h"
 #include "core/startup.h"
 
 namespace kirvana {
@@ -53,7 +54,25 @@ private:
     std::chrono::steady_clock::time_point splashStart_;
 };
 
-// Runs the start in `root` (its current directory) and prints the outcome; the exit code.
-int StartInstallation(const std::string& root, HeadlessPlatform& platform, Process& process);
+// A seat without screens: the process records, the platform, and the card over Ethernet at
+// the address PMAC.cfg gives (used only when Control.cnc has the card in use).
+class HeadlessSeat {
+public:
+    HeadlessSeat(int splashMs, bool showSplash, bool printSummary, int cardTimeoutMs = 1000);
+    // Runs the start in `root` (its current directory); prints the machine summary when asked,
+    // or the reason it could not start. Gives the exit code.
+    int Start(const std::string& root);
+    // The operator's shutdown, without powering off.
+    void End();
+    Conversation Talk();
+
+    Process State;
+
+private:
+    HeadlessPlatform platform_;
+    PmacEthernetLink link_;
+    StartupSteps steps_;
+    bool printSummary_;
+};
 
 }  // namespace kirvana

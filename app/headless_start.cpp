@@ -6,15 +6,24 @@
 
 namespace kirvana {
 
-int StartInstallation(const std::string& root, HeadlessPlatform& platform, Process& process) {
+HeadlessSeat::HeadlessSeat(int splashMs, bool showSplash, bool printSummary, int cardTimeoutMs)
+    : platform_(splashMs, !showSplash), link_(CardAddress{}, cardTimeoutMs), printSummary_(printSummary) {
+    steps_.ConfigureCard = [this, cardTimeoutMs](Process& process) {
+        link_.SetAddress(ParseCardAddress(process.Config.Card.CardAddressLine), cardTimeoutMs);
+    };
+    link_.SetFaultHandler([this](std::int32_t number, const std::string& description) {
+        HandleCardFault(State, platform_, &link_, steps_, number, description);
+    });
+}
+
+int HeadlessSeat::Start(const std::string& root) {
     std::error_code error;
     std::filesystem::current_path(root, error);
     if (error) {
         std::fprintf(stderr, "cannot use %s as the installation: %s\n", root.c_str(), error.message().c_str());
         return 3;
     }
-    StartupSteps steps;
-    StartOutcome outcome = Main(process, platform, nullptr, steps);
+    StartOutcome outcome = Main(State, platform_, &link_, steps_);
     switch (outcome.Result) {
         case StartOutcome::Kind::ConfigurationFault:
             std::fprintf(stderr, "Kirvana 32 cannot start: %s\n", outcome.Fault.Message().c_str());
@@ -22,10 +31,14 @@ int StartInstallation(const std::string& root, HeadlessPlatform& platform, Proce
         case StartOutcome::Kind::CardNotOpened:
             break;  // the message box has said it
         case StartOutcome::Kind::Started:
-            std::printf("%s", MachineSummary(process).c_str());
+            if (printSummary_) std::printf("%s", MachineSummary(State).c_str());
             break;
     }
     return outcome.ExitCode();
 }
+
+void HeadlessSeat::End() { Shutdown(State, platform_, &link_, steps_, false); }
+
+Conversation HeadlessSeat::Talk() { return Conversation(&link_, State.Card, State.Config.Dirs.ServiceDir, &platform_); }
 
 }  // namespace kirvana

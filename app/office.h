@@ -16,6 +16,7 @@ std::string Option(const Args& args, const std::string& name, bool* found = null
 bool Flag(const Args& args, const std::string& name);
 
 int Start(const Args& args);
+int Card(const Args& args);
 int Eval(const Args& args);
 int Word(const Args& args);
 int Format(const Args& args);

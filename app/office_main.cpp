@@ -37,6 +37,7 @@ struct Command {
 
 const Command Commands[] = {
     {"start", Start, "start --root DIR                 run the start-up headless, print the machine summary"},
+    {"card", Card, "card --root DIR [--timeout MS] \"TEXT\"...   send texts to the installation's card, print the answers"},
     {"eval", Eval, "eval \"EXPR\"                     evaluate an expression"},
     {"word", Word, "word \"BLOCK\" LETTER [--number|--integer]   read a word of a block"},
     {"format", Format, "format VALUE DECIMALS [--single]  format a number"},

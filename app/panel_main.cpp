@@ -6,12 +6,11 @@
 #include "app/headless_platform.h"
 
 int main() {
-    kirvana::HeadlessPlatform platform(4000, false);
-    kirvana::Process process;
-    int code = kirvana::StartInstallation(".", platform, process);
+    kirvana::HeadlessSeat seat(4000, true, true);
+    int code = seat.Start(".");
     if (code == 0) {
         std::printf("Start-up complete; the screens come later. Shutting down.\n");
-        kirvana::Shutdown(process, platform, nullptr, kirvana::StartupSteps{}, false);
+        seat.End();
     }
     return code;
 }

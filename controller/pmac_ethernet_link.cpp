@@ -49,6 +49,12 @@ PmacEthernetLink::PmacEthernetLink(CardAddress address, int timeoutMs)
 
 PmacEthernetLink::~PmacEthernetLink() { Disconnect(); }
 
+void PmacEthernetLink::SetAddress(CardAddress address, int timeoutMs) {
+    Disconnect();
+    address_ = std::move(address);
+    timeoutMs_ = timeoutMs;
+}
+
 void PmacEthernetLink::Reset() { Disconnect(); }
 
 void PmacEthernetLink::SetEnabled(bool enabled) {

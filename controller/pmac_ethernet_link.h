@@ -31,6 +31,9 @@ public:
     PmacEthernetLink(const PmacEthernetLink&) = delete;
     PmacEthernetLink& operator=(const PmacEthernetLink&) = delete;
 
+    // Where the card is reached and how long a connect, send or receive may take.
+    void SetAddress(CardAddress address, int timeoutMs);
+
     void Prepare() override {}
     void Reset() override;
     void Select() override {}

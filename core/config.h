@@ -72,6 +72,8 @@ struct CardSetup {
     std::int32_t SaveWaitMs = 0;
     std::int32_t PollIntervalMs = 50;
     std::int32_t PollRestartDelayMs = 0;
+    // PMAC.cfg line 5, "label: host[:port]": where the card is reached; empty for the default.
+    std::string CardAddressLine;
 };
 
 // What the installation's files say: one record, owned by the process.

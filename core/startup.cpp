@@ -71,7 +71,10 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
     process.Card.PollIntervalMs = config.Card.PollIntervalMs;
     process.Card.PollRestartDelayMs = config.Card.PollRestartDelayMs;
     // 7. Open the card; a second failure ends the process without a further word.
-    if (process.Card.CardInUse && !OpenCard(platform, link)) return {StartOutcome::Kind::CardNotOpened, {}};
+    if (process.Card.CardInUse) {
+        Run(steps.ConfigureCard, process);
+        if (!OpenCard(platform, link)) return {StartOutcome::Kind::CardNotOpened, {}};
+    }
     Conversation talk = Talk(process, platform, link);
     // 8. The card's system files, as the directory lists them.
     for (const std::string& name : ListDirectory(config.Dirs.DataDir, false)) {

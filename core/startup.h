@@ -54,6 +54,8 @@ public:
 // The steps of the start and the end that other subsystems own: each runs at its place in
 // the sequence when it is given.
 struct StartupSteps {
+    // Sets up the card link from the configuration, just before the card is opened.
+    std::function<void(Process&)> ConfigureCard;
     std::function<void(Process&)> ReadColours;
     std::function<void(Process&)> ReadPlotConfig;
     std::function<void(Process&)> LoadActiveSlots;

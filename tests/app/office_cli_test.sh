@@ -3,6 +3,7 @@
 set -u
 office="$1"
 demo="$2"
+cardsim="$3"
 passed=0
 failed=0
 check() {  # name, expected output, command...
@@ -54,6 +55,26 @@ message="$("$office" start --root "$work/demo" 2>&1)"
 case "$message" in *"Logic.msg"*) passed=$((passed + 1)) ;; *) failed=$((failed + 1)); echo "FAILED message: $message" ;; esac
 if grep -q "Logic.msg" "$work/demo/Service/LastFile.txt"; then passed=$((passed + 1)); else failed=$((failed + 1)); echo "FAILED LastFile.txt"; fi
 check_code start-no-root 3 "$office" start --root "$work/none"
+
+# The card command against the simulator, as an installer checks the link.
+cp -r "$demo" "$work/card"
+printf 'Card in use: TRUE\nPoll log: FALSE\n******\n' > "$work/card/Control.cnc"
+mkfifo "$work/simin"
+"$cardsim" --port 0 < "$work/simin" > "$work/simout" 2>&1 &
+simpid=$!
+exec 7> "$work/simin"
+for _ in $(seq 50); do grep -q listening "$work/simout" && break; sleep 0.1; done
+port="$(sed -n 's/.*127.0.0.1:\([0-9]*\).*/\1/p' "$work/simout" | head -1)"
+printf 'Save: N\nWait: 0\nPoll: 50\nDelay: 50\nCard address: 127.0.0.1:%s\n******\n' "$port" > "$work/card/PMAC.cfg"
+echo "set P1022 16384" >&7
+echo "motor 2 -12.5" >&7
+sleep 0.2
+check card-queries $'P1022 -> 16384\n#2P -> -12.5\nM811 -> 1' "$office" card --root "$work/card" P1022 "#2P" M811
+check_code card-usage 2 "$office" card --root "$work/card"
+printf 'Card in use: FALSE\n******\n' > "$work/card/Control.cnc"
+check card-office $'(card not in use: office seat, every answer is empty)\nP1022 -> ' "$office" card --root "$work/card" P1022
+exec 7>&-
+wait "$simpid"
 
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ]

@@ -280,6 +280,11 @@ TEST_F(ConfigTest, PmacCfgDefaultsAndCorrections) {
     dir_.Write("PMAC.cfg", "N\n0\n60\n250\n");
     ReadCardSetup(Dirs(), c);
     EXPECT_EQ(c.PollRestartDelayMs, 250);
+    EXPECT_EQ(c.CardAddressLine, "");
+
+    dir_.Write("PMAC.cfg", "N\n0\n60\n250\nCard address: 192.168.0.20:1025 \n******\n");
+    ReadCardSetup(Dirs(), c);
+    EXPECT_EQ(c.CardAddressLine, "Card address: 192.168.0.20:1025");
 }
 
 TEST_F(ConfigTest, MessageTablesStopRules) {
