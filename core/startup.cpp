@@ -37,7 +37,8 @@ bool OpenCard(StartupPlatform& platform, CardLink* link) {
 }  // namespace
 
 ConfigResult ReadMachineData(Process& process) {
-    return ReadMachineFiles(process.Config.Dirs, process.Config.Machine);
+    if (auto fault = ReadMachineFiles(process.Config.Dirs, process.Config.Machine)) return fault;
+    return ReadToolingData(process.Config.Dirs, process.Config.Machine, process.Tools);
 }
 
 StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, const StartupSteps& steps) {

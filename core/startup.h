@@ -10,12 +10,14 @@
 #include "controller/controller_platform.h"
 #include "controller/conversation.h"
 #include "core/config.h"
+#include "tooling/tooling.h"
 
 namespace kirvana {
 
 // The process-wide records, owned by the one object that runs Main.
 struct Process {
     Installation Config;
+    Tooling Tools;
     CardState Card;
     bool ShuttingDown = false;
     // PlasmaSettingsForm may send its block to the card.
@@ -81,7 +83,8 @@ inline constexpr double SystemVersion = 1.3;
 // The start, in the current directory of the process. A null link means no card can be opened.
 StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, const StartupSteps& steps);
 
-// Reads Machine.dat, Westinghouse.cfg and Profiler.cfg (the turret and settings tables follow).
+// Reads Machine.dat, Westinghouse.cfg and Profiler.cfg, then Punch.dat, Plasma.dat,
+// Machine.stn and Machine.trt.
 ConfigResult ReadMachineData(Process& process);
 
 // The ends of the process: for the operator (optionally powering off) and for a technician.

@@ -169,7 +169,7 @@ TEST_F(StartupTest, NoLinkAtAllCountsAsACardThatDoesNotOpen) {
 }
 
 TEST_F(StartupTest, MissingRequiredFilesEndTheStartNamingTheFile) {
-    for (const char* file : {"Data/Machine.dat", "Messages/IO.msg", "Messages/Logic.msg"}) {
+    for (const char* file : {"Data/Machine.dat", "Data/Machine.stn", "Messages/IO.msg", "Messages/Logic.msg"}) {
         std::filesystem::copy_file(file, std::string(file) + ".keep");
         std::filesystem::remove(file);
         Process p;
@@ -301,6 +301,12 @@ TEST_F(StartupTest, CardFaultNotReportedWhileReportsAreOff) {
     HandleCardFault(process_, platform_, &link_, steps_, 5, "x");
     EXPECT_TRUE(platform_.Questions.empty());
     EXPECT_EQ(process_.Card.LastCommand, "");
+}
+
+TEST_F(StartupTest, TurretTablesAreReadWithTheMachine) {
+    ASSERT_EQ(Main(process_, platform_, &link_, steps_).Result, StartOutcome::Kind::Started);
+    EXPECT_EQ(process_.Tools.MachineTable.size(), 20u);
+    EXPECT_EQ(process_.Tools.SlotTables[0].size(), 20u);
 }
 
 TEST_F(StartupTest, SummaryNamesTheMachine) {
