@@ -20,6 +20,8 @@ int Card(const Args& args);
 int Eval(const Args& args);
 int Word(const Args& args);
 int Format(const Args& args);
+// Converts STEM + "org" to A1, A2, sbs, M1 and M2 and prints the dialect.
+int Convert(const Args& args);
 int Tool(const Args& args);
 
 }  // namespace kirvana::office

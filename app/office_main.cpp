@@ -41,6 +41,7 @@ const Command Commands[] = {
     {"eval", Eval, "eval \"EXPR\"                     evaluate an expression"},
     {"word", Word, "word \"BLOCK\" LETTER [--number|--integer]   read a word of a block"},
     {"format", Format, "format VALUE DECIMALS [--single]  format a number"},
+    {"convert", Convert, "convert STEM --root ROOT         convert STEM + \"org\", print the dialect"},
     {"tool", Tool, "tool \"TEXT\" [--inches] [--station-type N]   read a tool text, print the record and its description"},
 };
 
