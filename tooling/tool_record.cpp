@@ -5,6 +5,7 @@
 #include "core/number.h"
 #include "core/station_kind.h"
 #include "core/text.h"
+#include "core/words.h"
 #include "tooling/single.h"
 
 namespace kirvana {
@@ -19,7 +20,6 @@ constexpr std::array<ToolShape, ToolShapeCount> Shapes = {{
     {'M', "CRUCIF", "Cruciform", 12}, {'S', "SPECIA", "Special", 13},
 }};
 
-bool IsBlankChar(char c) { return c == ' ' || c == '\t'; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool HasLetter(std::string_view letters, char c) { return letters.find(c) != std::string_view::npos; }
 
@@ -32,6 +32,15 @@ std::size_t FindKey(std::string_view text, std::string_view key) {
             pos = FindNoCase(text, key, pos + 1);
     }
     return pos;
+}
+
+// The word readers of the value helpers take a letter: the text behind a key is given to
+// them behind a letter of their own.
+constexpr char KeyMark = 'K';
+std::string BehindKey(std::string_view text, std::size_t from) {
+    std::string probe(1, KeyMark);
+    probe += text.substr(std::min(from, text.size()));
+    return probe;
 }
 
 // Dimension in the text's unit to millimetres, 3 decimals half to even.
@@ -71,29 +80,16 @@ const ToolShape* ShapeOfLetter(char letter) {
 
 double ValueAfterKey(std::string_view text, std::string_view key, bool& valueError) {
     // 1, 2. Find the key; the R of ROUND doesn't count.
-    valueError = false;
     std::size_t pos = FindKey(text, key);
     if (pos == std::string_view::npos) {
         valueError = true;
         return 0;
     }
-    // 3. Collect the number's characters; blanks in front are skipped, one behind ends it.
-    std::string collected;
-    for (std::size_t i = pos + key.size(); i < text.size(); ++i) {
-        char c = text[i];
-        if (IsBlankChar(c)) {
-            if (collected.empty()) continue;
-            break;
-        }
-        if (!IsDigit(c) && !HasLetter(".*/+-()", c)) break;
-        collected.push_back(c);
-    }
-    // 4. The leading number of what was collected; nothing computed.
-    if (collected.empty()) {
-        valueError = true;
-        return 0;
-    }
-    return ToNumber(collected);
+    // 3, 4. Behind the key the plain word reader collects and reads the leading number.
+    ValueReader reader;
+    double value = reader.WordNumber(BehindKey(text, pos + key.size()), KeyMark);
+    valueError = reader.WordMissing;
+    return value;
 }
 
 double ValueAfterKey(std::string_view text, std::string_view key) {
@@ -102,40 +98,16 @@ double ValueAfterKey(std::string_view text, std::string_view key) {
 }
 
 std::int16_t IntegerAfterKey(std::string_view text, std::string_view key, bool& valueError) {
-    valueError = false;
     std::size_t pos = FindKey(text, key);
     if (pos == std::string_view::npos) {
         valueError = true;
         return 0;
     }
-    // Digits and the first "-"; "+" and later "-" are passed over.
-    std::string collected;
-    bool minusTaken = false;
-    for (std::size_t i = pos + key.size(); i < text.size(); ++i) {
-        char c = text[i];
-        if (IsBlankChar(c)) {
-            if (collected.empty()) continue;
-            break;
-        }
-        if (c == '+') continue;
-        if (c == '-') {
-            if (!minusTaken) collected.push_back(c);
-            minusTaken = true;
-            continue;
-        }
-        if (!IsDigit(c)) break;
-        collected.push_back(c);
-    }
-    if (collected.empty()) {
-        valueError = true;
-        return 0;
-    }
-    auto value = TruncateToInt16(ToNumber(collected));
-    if (!value) {
-        valueError = true;
-        return 0;
-    }
-    return *value;
+    // Behind the key the integer word reader: digits and the first "-", truncated to 16 bits.
+    ValueReader reader;
+    std::int16_t value = reader.WordInteger(BehindKey(text, pos + key.size()), KeyMark);
+    valueError = reader.WordMissing || reader.IntegerOverflow;
+    return value;
 }
 
 std::int16_t IntegerAfterKey(std::string_view text, std::string_view key) {
