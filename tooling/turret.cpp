@@ -342,6 +342,36 @@ std::optional<ToolChange> DefineStationTool(StationTable& table, int station, co
     return change;
 }
 
+bool WriteTurretFiles(const std::string& slotTrt, const std::string& programStem, const StationTable& table,
+                      const ProgramTurret& header) {
+    bool written = WriteProgramTurret(slotTrt, table, header);
+    if (!programStem.empty() && FileExists(ResolveNoCase(programStem + ".prg"))) {
+        ProgramTurret programHeader = header;
+        programHeader.ActiveStation.reset();
+        written = WriteProgramTurret(programStem + ".trt", table, programHeader) && written;
+        written = WriteProgramSettings(programStem + ".stg", table) && written;
+    }
+    return written;
+}
+
+TurretChoice ChooseStation(const StationTable& table, int station) {
+    TurretChoice choice;
+    if (station < 1 || station > static_cast<int>(table.size())) return choice;
+    const Station& row = table[static_cast<std::size_t>(station - 1)];
+    CopyTool(row.Tool, choice.Tool);
+    choice.Description = StationToolText(row);
+    choice.StationNo = static_cast<std::int16_t>(station);
+    return choice;
+}
+
+TurretChoice ChoosePlasma(const ToolRecord& plasmaTool) {
+    TurretChoice choice;
+    CopyTool(plasmaTool, choice.Tool);
+    choice.Description = DescribeTool(plasmaTool, false);
+    choice.StationNo = -1;
+    return choice;
+}
+
 std::string SettingsButtonCaption(std::int16_t profilerKind) {
     return profilerKind < 1 ? "TOOL &SETTINGS" : "&TOOL SETTINGS";
 }

@@ -122,6 +122,22 @@ struct ToolChange {
 };
 std::optional<ToolChange> DefineStationTool(StationTable& table, int station, const ToolRecord& edited);
 
+// After a change on the turret screen: the slot's table file (`slotTrt`), and, when
+// `programStem` + ".prg" exists, the program's own ".trt" (without the active station) and
+// ".stg" beside it. False when a file could not be written.
+bool WriteTurretFiles(const std::string& slotTrt, const std::string& programStem, const StationTable& table,
+                      const ProgramTurret& header);
+
+// What the dialogue's turret screen hands back: the tool, its description and the station,
+// -1 for the plasma tool.
+struct TurretChoice {
+    ToolRecord Tool;
+    std::string Description;
+    std::int16_t StationNo = 0;
+};
+TurretChoice ChooseStation(const StationTable& table, int station);
+TurretChoice ChoosePlasma(const ToolRecord& plasmaTool);
+
 // Captions the turret screens take from the machine.
 std::string SettingsButtonCaption(std::int16_t profilerKind);
 

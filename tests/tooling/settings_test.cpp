@@ -4,6 +4,7 @@
 
 #include "core/paths.h"
 #include "tests/core/temp_dir.h"
+#include "tooling/settings_choices.h"
 
 using namespace kirvana;
 
@@ -273,4 +274,23 @@ TEST(SaveSettings, AnExistingNameAnsweredNoLeavesTheFileAsItWas) {
     EXPECT_FALSE(questioned);
     EXPECT_EQ(SettingNames(dirs, ".pls"), (std::vector<std::string>{"Fresh"}));
     EXPECT_EQ(SavePunchSettingAs(dirs, "  ", "x", s, nullptr), SaveOutcome::InvalidName);
+}
+
+TEST(SettingsScreens, LabelsAndChoicesFollowPunchDat) {
+    PunchData data;
+    EXPECT_EQ(PunchSettingLabels(data).back(), "RAM TIMER (MS) :  &6");
+    EXPECT_EQ(TurretSettingLabels(data).back(), "RAM TIMER (MS) :");
+    EXPECT_EQ(PunchSettingChoices(6, data).size(), 11u);
+    data.RamTimerCaption = "DWELL";
+    data.RamTimerChoice = false;
+    EXPECT_EQ(PunchSettingLabels(data).back(), "DWELL :  &6");
+    EXPECT_TRUE(PunchSettingChoices(6, data).empty());
+    EXPECT_EQ(PlasmaSettingLabels().size(), 10u);
+    auto speeds = PlasmaSettingChoices(1, {});
+    EXPECT_EQ(speeds.front(), "5000");
+    EXPECT_EQ(speeds.back(), "30000");
+    EXPECT_EQ(PlasmaSettingChoices(7, {}), (std::vector<std::string>{"100", "125", "150", "175", "200", "225", "250"}));
+    EXPECT_EQ(PlasmaSettingChoices(8, {}).front(), "10.0");
+    EXPECT_EQ(PlasmaSettingChoices(8, {}).back(), "15.0");
+    EXPECT_EQ(PlasmaSettingChoices(10, {"AIR", "O2"}), (std::vector<std::string>{"1", "2"}));
 }

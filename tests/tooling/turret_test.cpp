@@ -377,3 +377,38 @@ TEST(TurretCaptions, SettingsButtonFollowsTheProfiler) {
     EXPECT_EQ(SettingsButtonCaption(0), "TOOL &SETTINGS");
     EXPECT_EQ(SettingsButtonCaption(2), "&TOOL SETTINGS");
 }
+
+TEST_F(TurretTest, TurretFilesGoToTheSlotAndToTheProgramWhenItHasASource) {
+    Tooling tooling = ReadDemoTurret();
+    StationTable table = tooling.MachineTable;
+    SetStationTool(table[0], "DIAMETER 8");
+    ProgramTurret header;
+    header.SettingWord = -1;
+    header.ActiveStation = 1;
+    const std::string stem = dir_.Path() + "Jobs/PART";
+    dir_.Write("Jobs/.keep", "");
+    ASSERT_TRUE(WriteTurretFiles(dir_.Path() + "Actvprg1.trt", stem, table, header));
+    EXPECT_TRUE(std::filesystem::exists(dir_.Path() + "Actvprg1.trt"));
+    EXPECT_FALSE(std::filesystem::exists(stem + ".trt"));  // no PART.prg
+    dir_.Write("Jobs/PART.prg", "G90\nM30\n");
+    ASSERT_TRUE(WriteTurretFiles(dir_.Path() + "Actvprg1.trt", stem, table, header));
+    auto programTrt = ReadLines(stem + ".trt");
+    ASSERT_TRUE(programTrt);
+    EXPECT_EQ(programTrt->size(), 7u);  // setting word, five stations, marker
+    EXPECT_EQ((*programTrt)[1], "Diameter 8, 100, 100, 0, 0, 0, 0");
+    EXPECT_EQ(ReadLines(dir_.Path() + "Actvprg1.trt")->size(), 8u);  // with the active station
+    EXPECT_EQ(ReadLines(stem + ".stg")->front(), "Diameter 8, 1, 100, 100, 0, 0, 0, 0");
+}
+
+TEST_F(TurretTest, TheDialoguesChoiceIsAStationOrThePlasmaTool) {
+    Tooling tooling = ReadDemoTurret();
+    SetStationTool(tooling.DialogueTable[4], "OBROUND 20X10 A0");
+    TurretChoice choice = ChooseStation(tooling.DialogueTable, 5);
+    EXPECT_EQ(choice.StationNo, 5);
+    EXPECT_EQ(choice.Description, "Obround 20x10 idx0");
+    EXPECT_EQ(choice.Tool.Shape, 'F');
+    choice = ChoosePlasma(MachinePlasmaTool(tooling));
+    EXPECT_EQ(choice.StationNo, -1);
+    EXPECT_EQ(choice.Tool.Shape, 'P');
+    EXPECT_EQ(choice.Description, "PLASMA TORCH");
+}
