@@ -26,11 +26,15 @@ bool StartsWithWord(std::string_view text, std::size_t at, std::string_view word
 }  // namespace
 
 std::size_t FindWordLetter(std::string_view block, char letter) {
-    char up = UpperChar(letter);
-    for (std::size_t i = 0; i < block.size(); ++i) {
-        if (UpperChar(block[i]) != up) continue;
-        if (up == 'R' && StartsWithWord(block, i, "ROUND")) continue;
-        return i;
+    return FindWordKey(block, std::string_view(&letter, 1));
+}
+
+std::size_t FindWordKey(std::string_view block, std::string_view key) {
+    if (key.empty()) return std::string_view::npos;
+    bool round = key.size() == 1 && UpperChar(key[0]) == 'R';
+    for (std::size_t at = FindNoCase(block, key); at != std::string_view::npos; at = FindNoCase(block, key, at + 1)) {
+        if (round && StartsWithWord(block, at, "ROUND")) continue;
+        return at;
     }
     return std::string_view::npos;
 }
@@ -153,14 +157,14 @@ bool ValueReader::AppendFunction(std::string_view block, std::size_t& i, bool ro
     return true;
 }
 
-double ValueReader::WordValue(std::string_view block, char letter) {
+double ValueReader::WordValue(std::string_view block, std::string_view key) {
     // 1. Find the letter.
     WordMissing = false;
-    std::size_t at = FindWordLetter(block, letter);
+    std::size_t at = FindWordKey(block, key);
     if (at == std::string_view::npos) { WordMissing = true; return 0; }
     // 2. Collect the expression text behind it.
     std::string expr;
-    std::size_t i = at + 1;
+    std::size_t i = at + key.size();
     while (i < block.size()) {
         char c = block[i];
         char up = UpperChar(c);
@@ -190,12 +194,12 @@ double ValueReader::WordValue(std::string_view block, char letter) {
     return EvaluateExpression(expr);
 }
 
-double ValueReader::WordNumber(std::string_view block, char letter) {
+double ValueReader::WordNumber(std::string_view block, std::string_view key) {
     WordMissing = false;
-    std::size_t at = FindWordLetter(block, letter);
+    std::size_t at = FindWordKey(block, key);
     std::size_t start = std::string_view::npos, end = 0;
     if (at != std::string_view::npos) {
-        for (std::size_t i = at + 1; i < block.size(); ++i) {
+        for (std::size_t i = at + key.size(); i < block.size(); ++i) {
             char c = block[i];
             if (c == ' ' && start == std::string_view::npos) continue;
             if (!IsExpressionChar(c)) break;
@@ -207,13 +211,13 @@ double ValueReader::WordNumber(std::string_view block, char letter) {
     return ToNumber(block.substr(start, end - start));
 }
 
-std::int16_t ValueReader::WordInteger(std::string_view block, char letter) {
+std::int16_t ValueReader::WordInteger(std::string_view block, std::string_view key) {
     WordMissing = false;
-    std::size_t at = FindWordLetter(block, letter);
+    std::size_t at = FindWordKey(block, key);
     std::string digits;
     bool signTaken = false;
     if (at != std::string_view::npos) {
-        for (std::size_t i = at + 1; i < block.size(); ++i) {
+        for (std::size_t i = at + key.size(); i < block.size(); ++i) {
             char c = block[i];
             if (c == ' ') {
                 if (digits.empty()) continue;

@@ -32,11 +32,16 @@ public:
     // Left-to-right arithmetic without precedence; parentheses are the only grouping.
     double EvaluateExpression(std::string_view text);
     // The full reader: numbers, expressions, P parameters, ROUND and TRUNC.
-    double WordValue(std::string_view block, char letter);
+    double WordValue(std::string_view block, char letter) { return WordValue(block, std::string_view(&letter, 1)); }
     // The plain reader: the leading number of the collected text, no evaluation.
-    double WordNumber(std::string_view block, char letter);
+    double WordNumber(std::string_view block, char letter) { return WordNumber(block, std::string_view(&letter, 1)); }
     // The integer reader: sign and digits, truncated towards zero to 16 bits.
-    std::int16_t WordInteger(std::string_view block, char letter);
+    std::int16_t WordInteger(std::string_view block, char letter) { return WordInteger(block, std::string_view(&letter, 1)); }
+    // The same readers for a key of several characters, such as "P8=": the value is read
+    // behind the key's first occurrence.
+    double WordValue(std::string_view block, std::string_view key);
+    double WordNumber(std::string_view block, std::string_view key);
+    std::int16_t WordInteger(std::string_view block, std::string_view key);
 
 private:
     double ScanGroup(std::string_view group, bool& divisionByZero);
@@ -49,5 +54,7 @@ private:
 // Position of the word's letter in the block (case-insensitive); for "R" the first one that
 // doesn't start "ROUND". npos when there is none.
 std::size_t FindWordLetter(std::string_view block, char letter);
+// The same for a key of one or more characters.
+std::size_t FindWordKey(std::string_view block, std::string_view key);
 
 }  // namespace kirvana

@@ -183,3 +183,15 @@ TEST(WordInteger, SignAndDigits) {
     EXPECT_EQ(r.WordInteger("T99999", 'T'), 0);
     EXPECT_TRUE(r.IntegerOverflow);
 }
+
+TEST(WordKeys, ValueBehindAKeyOfSeveralCharacters) {
+    ValueReader r;
+    EXPECT_DOUBLE_EQ(r.WordValue("G36 P1=25 P5=90 P8=2.5", "P8="), 2.5);
+    EXPECT_DOUBLE_EQ(r.WordValue("G36 P1=25 P5=90", "P5="), 90);
+    EXPECT_EQ(r.WordInteger("G26 P1=4 P3=2", "P3="), 2);
+    EXPECT_DOUBLE_EQ(r.WordNumber("G26 p7=30.5", "P7="), 30.5);
+    r.WordValue("G26 P1=4", "P10=");
+    EXPECT_TRUE(r.WordMissing);
+    EXPECT_EQ(FindWordKey("XROUND(1) R2", "R"), 10u);
+    EXPECT_EQ(FindWordKey("G01", ""), std::string_view::npos);
+}
