@@ -2,6 +2,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <iterator>
 #include <limits>
 
 #include "core/number.h"
@@ -18,13 +20,35 @@ namespace {
 
 constexpr auto npos = std::string::npos;
 
-bool Has(std::string_view text, std::string_view word) { return text.find(word) != npos; }
-bool Has(std::string_view text, char c) { return text.find(c) != npos; }
+// Position of the first occurrence of a short word in a short block. A plain loop: blocks and
+// codes are a few characters long, and this search is the pass's inner loop.
+inline std::size_t Find(std::string_view text, std::string_view word) {
+    const std::size_t n = text.size(), m = word.size();
+    if (m == 0) return 0;
+    if (m > n) return npos;
+    const char first = word[0];
+    for (std::size_t i = 0, last = n - m; i <= last; ++i) {
+        if (text[i] != first) continue;
+        std::size_t k = 1;
+        while (k < m && text[i + k] == word[k]) ++k;
+        if (k == m) return i;
+    }
+    return npos;
+}
+
+inline std::size_t Find(std::string_view text, char c) {
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if (text[i] == c) return i;
+    return npos;
+}
+
+inline bool Has(std::string_view text, std::string_view word) { return Find(text, word) != npos; }
+inline bool Has(std::string_view text, char c) { return Find(text, c) != npos; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Replaces the first occurrence; false when there is none.
 bool ReplaceFirst(std::string& text, std::string_view from, std::string_view to) {
-    std::size_t at = text.find(from);
+    std::size_t at = Find(text, from);
     if (at == npos) return false;
     text.replace(at, from.size(), to);
     return true;
@@ -53,7 +77,7 @@ std::string SubroutineLabel(std::int16_t number) { return "N" + LongText(1000 * 
 std::string CountText(std::int16_t count) { return IntegerText(count < 1 ? std::int16_t{1} : count); }
 
 // Position of the earliest of two letters, npos when neither stands in the block.
-std::size_t FirstOf(std::string_view block, char a, char b) { return Earlier(block.find(a), block.find(b)); }
+std::size_t FirstOf(std::string_view block, char a, char b) { return Earlier(Find(block, a), Find(block, b)); }
 
 // Where the G77 and the implicit hit rules insert their code: the first axis word, else the
 // first "C", else the first "R". npos when none of these stands in the block.
@@ -62,9 +86,9 @@ std::size_t HitPoint(std::string_view block) {
     std::size_t y = FirstOf(block, 'Y', 'V');
     if (x != npos) return (y != npos && y < x) ? y : x;
     if (y != npos) return y;
-    std::size_t c = block.find('C');
+    std::size_t c = Find(block, 'C');
     if (c != npos) return c;
-    return block.find('R');
+    return Find(block, 'R');
 }
 
 std::string FreeFormat(double value) { return FormatNumber(value, -1); }
@@ -80,6 +104,38 @@ double P8Value(std::string_view block, ValueReader& reader) {
 }  // namespace
 
 namespace convert {
+
+// ---------------------------------------------------------------------------------------
+// Code index
+
+void CodeIndex::Build(std::string_view block) {
+    count_ = 0;
+    many_ = false;
+    for (std::size_t i = 0; i < block.size(); ++i) {
+        if (block[i] != 'G' && block[i] != 'M') continue;
+        if (count_ == static_cast<int>(std::size(at_))) {
+            many_ = true;
+            return;
+        }
+        at_[count_++] = static_cast<std::uint32_t>(i);
+    }
+}
+
+bool CodeIndex::Has(std::string_view block, std::string_view word) const {
+    if (word.empty() || (word[0] != 'G' && word[0] != 'M') || many_) return kirvana::Has(block, word);
+    bool found = false;
+    for (int k = 0; k < count_ && !found; ++k) {
+        std::size_t at = at_[k];
+        if (at + word.size() > block.size() || block[at] != word[0]) continue;
+        std::size_t i = 1;
+        while (i < word.size() && block[at + i] == word[i]) ++i;
+        found = i == word.size();
+    }
+#ifndef NDEBUG
+    if (found != kirvana::Has(block, word)) std::abort();  // the index was not rebuilt after a change
+#endif
+    return found;
+}
 
 // ---------------------------------------------------------------------------------------
 // Subroutine table
@@ -217,8 +273,8 @@ std::string DialectRewriteBracket(std::string_view line, const SubroutineTable& 
 // Conditions and jumps
 
 bool PositionTest(std::string_view block, std::string_view word, std::string_view excluded) {
-    std::size_t w = block.find(word);
-    std::size_t e = block.find(excluded);
+    std::size_t w = Find(block, word);
+    std::size_t e = Find(block, excluded);
     long long wordAt = w == npos ? 0 : static_cast<long long>(w) + 1;
     long long excludedAt = e == npos ? 0 : static_cast<long long>(e) + 1;
     return (wordAt & ~excludedAt) != 0;
@@ -228,7 +284,7 @@ namespace {
 
 // Takes out the first "N" behind the first "GOTO" and trims what follows it.
 void DropJumpN(std::string& block) {
-    std::size_t g = block.find("GOTO");
+    std::size_t g = Find(block, "GOTO");
     if (g == npos) return;
     std::size_t n = block.find('N', g);
     if (n == npos) return;
@@ -238,15 +294,15 @@ void DropJumpN(std::string& block) {
 }  // namespace
 
 std::string ConditionRewrite(std::string_view block) {
-    std::size_t p = block.find("IF");
+    std::size_t p = Find(block, "IF");
     if (p == npos) return std::string(block);
     // 1. The prefix in front of "IF".
     std::string prefix(Trim(block.substr(0, p)));
     // 2. The jump keyword and where the condition ends (1-based positions, as the lengths count).
     std::string keyword, target;
     long long end;
-    std::size_t g = block.find("GOTO");
-    std::size_t a = block.find("ABORT");
+    std::size_t g = Find(block, "GOTO");
+    std::size_t a = Find(block, "ABORT");
     if (g != npos) {
         keyword = "GOTO";
         target = Trim(block.substr(g + 4));
@@ -293,7 +349,7 @@ std::string ConditionRewrite(std::string_view block) {
 std::string JumpRewrite(std::string_view block) {
     std::size_t at = npos;
     for (const char* form : {"(  GOTO", "( GOTO", "(GOTO", "GOTO"}) {
-        at = block.find(form);
+        at = Find(block, form);
         if (at != npos) break;
     }
     if (at == npos) return std::string(block);
@@ -340,8 +396,8 @@ bool HasAxis(std::string_view block) {
     return Has(block, 'X') || Has(block, 'Y') || Has(block, 'H') || Has(block, 'V');
 }
 
-bool HasAny(std::string_view block, std::initializer_list<const char*> words) {
-    for (const char* word : words)
+bool HasAny(std::string_view block, std::initializer_list<std::string_view> words) {
+    for (std::string_view word : words)
         if (Has(block, word)) return true;
     return false;
 }
@@ -401,7 +457,7 @@ void RewriteCentre(std::string& block, ValueReader& reader) {
 void G77Rule(std::string& block, const ConvertState& state) {
     if (state.ProfilerMode) return;
     std::size_t at = HitPoint(block);
-    if (at == npos) at = block.find('T');
+    if (at == npos) at = Find(block, 'T');
     if (at != npos) block.insert(at, " G80 ");
     ReplaceFirst(block, "G77", "");
 }
@@ -414,57 +470,89 @@ void ImplicitHitRule(std::string& block, const ConvertState& state) {
         return;
     }
     // A tool selection alone never hits.
-    at = block.find('T');
+    at = Find(block, 'T');
     if (at != npos) block.insert(at, " G80 ");
 }
 
-std::string WordOrdering(std::string_view block, ValueReader& reader) {
-    if (Has(block, "GOTO") || Has(block, "ENDIF") || Has(block, "IF")) return std::string(block);
-    std::string slots[8];
-    int current = 0;
-    for (std::size_t i = 0; i < block.size(); ++i) {
-        char c = block[i];
-        switch (c) {
-            case 'N': current = 1; break;
-            case 'G': current = 2; break;
-            case 'T':
-            case 'S': current = 4; break;
-            case 'M': current = 5; break;
-            case 'P':
-                if (reader.WordInteger(block.substr(i), 'P') < 13) current = 6;
-                break;
-            default:
-                if (c >= 'A' && c <= 'Z') current = 3;
-                break;
-        }
-        slots[current] += c;
+namespace {
+
+void TrimInPlace(std::string& text) {
+    std::string_view trimmed = Trim(text);
+    if (trimmed.size() == text.size()) return;
+    std::size_t front = static_cast<std::size_t>(trimmed.data() - text.data());
+    text.erase(front + trimmed.size());
+    text.erase(0, front);
+}
+
+// The group a character goes to, and the group that is current behind it.
+int OrderingSlot(std::string_view block, std::size_t i, int current, ValueReader& reader) {
+    char c = block[i];
+    switch (c) {
+        case 'N': return 1;
+        case 'G': return 2;
+        case 'T':
+        case 'S': return 4;
+        case 'M': return 5;
+        case 'P': return reader.WordInteger(block.substr(i), 'P') < 13 ? 6 : current;
+        default: return (c >= 'A' && c <= 'Z') ? 3 : current;
     }
-    // 1, 2. The listed codes to the front of their group, the last moved standing first.
-    auto toFront = [](std::string& slot, std::initializer_list<const char*> codes) {
-        for (const char* code : codes) {
-            std::size_t at = slot.find(code);
-            if (at == npos) continue;
-            std::string_view word(code);
-            slot.erase(at, word.size());
-            slot = std::string(Trim(std::string(word) + " " + slot));
-        }
-    };
-    toFront(slots[2], {"G53", "G91", "G90", "G71", "G70"});
-    toFront(slots[5], {"M30", "M99", "M01", "M00", "M87", "M50", "M60", "M13", "M12", "M11", "M10"});
-    // 3. The block-skip word to a group of its own.
-    for (const char* skip : {"M875=1", "M875=2"}) {
-        std::size_t at = slots[5].find(skip);
+}
+
+// Cuts each listed code out of the group and puts it in front, the last moved standing first.
+void CodesToFront(std::string& slot, std::initializer_list<std::string_view> codes) {
+    for (std::string_view word : codes) {
+        std::size_t at = Find(slot, word);
         if (at == npos) continue;
-        slots[5].erase(at, 6);
+        slot.erase(at, word.size());
+        slot.insert(0, 1, ' ');
+        slot.insert(0, word);
+        TrimInPlace(slot);
+    }
+}
+
+}  // namespace
+
+std::string WordOrdering(std::string_view block, ValueReader& reader) {
+    std::string slots[8];
+    return WordOrdering(block, reader, slots);
+}
+
+std::string WordOrdering(std::string_view block, ValueReader& reader, std::string (&slots)[8]) {
+    if (Has(block, "GOTO") || Has(block, "ENDIF") || Has(block, "IF")) return std::string(block);
+    for (std::string& slot : slots) slot.clear();
+    // Each character to its group; runs of characters of one group are copied at once.
+    int current = 0;
+    std::size_t runStart = 0;
+    for (std::size_t i = 0; i < block.size(); ++i) {
+        int next = OrderingSlot(block, i, current, reader);
+        if (next != current) {
+            slots[current].append(block.substr(runStart, i - runStart));
+            runStart = i;
+            current = next;
+        }
+    }
+    slots[current].append(block.substr(runStart));
+    // 1, 2. The listed G and M codes to the front of their groups.
+    CodesToFront(slots[2], {"G53", "G91", "G90", "G71", "G70"});
+    CodesToFront(slots[5], {"M30", "M99", "M01", "M00", "M87", "M50", "M60", "M13", "M12", "M11", "M10"});
+    // 3. The block-skip word to a group of its own.
+    for (std::string_view skip : {std::string_view("M875=1"), std::string_view("M875=2")}) {
+        std::size_t at = Find(slots[5], skip);
+        if (at == npos) continue;
+        slots[5].erase(at, skip.size());
         slots[7] = skip;
     }
     // 4. N, skip, P words below 13, G, axis and other words, T and S, M.
-    std::string out = slots[0] + slots[1];
+    std::string out;
+    out.reserve(block.size() + 16);
+    out += slots[0];
+    out += slots[1];
     for (int slot : {7, 6, 2, 3, 4, 5}) {
         out += ' ';
         out += slots[slot];
     }
-    return std::string(Trim(out));
+    TrimInPlace(out);
+    return out;
 }
 
 std::optional<std::pair<float, float>> SheetSize(std::string_view comment) {
@@ -553,10 +641,25 @@ std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::
     const bool mainText = context.Pass == BlockPass::Main;
     const bool bracket = context.Dialect == BracketDialect;
     ValueReader& reader = state.Reader;
+    std::string block;
+    CodeIndex& codes = state.Codes;
+    auto has = [&](std::string_view word) { return codes.Has(block, word); };
+    auto hasAny = [&](std::initializer_list<std::string_view> words) {
+        for (std::string_view word : words)
+            if (codes.Has(block, word)) return true;
+        return false;
+    };
+    // Rewrites the first occurrence of a code.
+    auto changed = [&]() { codes.Build(block); };
+    auto rewrite = [&](std::string_view from, std::string_view to) {
+        if (!has(from) || !ReplaceFirst(block, from, to)) return false;
+        changed();
+        return true;
+    };
 
     // 1. The line, trimmed, is the source line.
     state.SourceLine.assign(Trim(line));
-    std::string block = state.SourceLine;
+    block = state.SourceLine;
     // 2. Subroutine text: the sequence word at the start goes, a leading "/" stays.
     if (!mainText) block = StripBlockNumber(block);
     // 3. The dialect's own forms: messages, program marks, subroutines and calls.
@@ -583,159 +686,184 @@ std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::
             block = "N" + ZeroPad(state.SequenceCount, 4) + " " + block;
         }
     }
+    changed();
     // 8. The optional stop is a stop.
-    ReplaceFirst(block, "M01", "M00");
+    rewrite("M01", "M00");
     // 9. A dwell's time in F goes to X.
-    if (Has(block, "G04") && Has(block, 'F') && !Has(block, 'X')) ReplaceFirst(block, "F", "X");
-    // 10. The mirror codes G10 to G13 become M10 to M13.
-    if (!Has(block, "G101") && !Has(block, "G102") && !Has(block, "G103")) ReplaceFirst(block, "G10", "M10");
-    ReplaceFirst(block, "G11", "M11");
-    ReplaceFirst(block, "G12", "M12");
-    ReplaceFirst(block, "G13", "M13");
-    // 11. G61 to G63 are nibbling moves with "R" as the step.
-    if (ReplaceFirst(block, "G61", "G01")) ReplaceFirst(block, "R", "P8=");
-    if (ReplaceFirst(block, "G62", context.Settings.SwapArcWords ? "G03" : "G02")) {
-        ReplaceFirst(block, "R", "P8=");
-        if (context.Settings.ArcCentreIncremental) RewriteCentre(block, reader);
+    if (has("G04") && Has(block, 'F') && !Has(block, 'X')) {
+        ReplaceFirst(block, "F", "X");
+        changed();
     }
-    if (ReplaceFirst(block, "G63", context.Settings.SwapArcWords ? "G02" : "G03")) {
+    // 10. The mirror codes G10 to G13 become M10 to M13.
+    if (!has("G101") && !has("G102") && !has("G103")) rewrite("G10", "M10");
+    rewrite("G11", "M11");
+    rewrite("G12", "M12");
+    rewrite("G13", "M13");
+    // 11. G61 to G63 are nibbling moves with "R" as the step.
+    if (rewrite("G61", "G01")) {
+        ReplaceFirst(block, "R", "P8=");
+        changed();
+    }
+    if (rewrite("G62", context.Settings.SwapArcWords ? "G03" : "G02")) {
         ReplaceFirst(block, "R", "P8=");
         if (context.Settings.ArcCentreIncremental) RewriteCentre(block, reader);
+        changed();
+    }
+    if (rewrite("G63", context.Settings.SwapArcWords ? "G02" : "G03")) {
+        ReplaceFirst(block, "R", "P8=");
+        if (context.Settings.ArcCentreIncremental) RewriteCentre(block, reader);
+        changed();
     }
     // 12. M20 is a move without a hit.
-    ReplaceFirst(block, "M20", "G77");
+    rewrite("M20", "G77");
     // 13. M22 is a sheet reposition with X as I and Y as J.
-    if (ReplaceFirst(block, "M22", "G95")) {
+    if (rewrite("M22", "G95")) {
         ReplaceFirst(block, "X", "I");
         ReplaceFirst(block, "Y", "J");
         if (!Has(block, 'J')) block += " J-999";
         if (!Has(block, 'K')) block += " K-999";
+        changed();
     }
     // 14. M91 is a sheet reposition with P10 as I and P11 as J.
-    if (ReplaceFirst(block, "M91", "G95")) {
+    if (rewrite("M91", "G95")) {
         ReplaceFirst(block, "P10=", "I");
         ReplaceFirst(block, "P11=", "J");
         if (!Has(block, 'J')) block += " J-999";
         if (!Has(block, 'K')) block += " K-999";
+        changed();
     }
     // 15. No code recognised yet.
     state.UnknownBlock = true;
     // 16. A condition to its fixed form.
     if (PositionTest(block, "IF", "ENDIF")) {
         block = ConditionRewrite(block);
+        changed();
         state.UnknownBlock = false;
     }
     // 17. The end of a conditional section.
     if (Has(block, "ENDIF")) state.UnknownBlock = false;
     // 18. A jump to its fixed form.
-    if (Has(block, "GOTO") && PositionTest(block, "GOTO", "IF")) {
+    if (has("GOTO") && PositionTest(block, "GOTO", "IF")) {
         block = JumpRewrite(block);
+        changed();
         state.UnknownBlock = false;
     }
     // 19. The block as it stands before the motion steps.
     state.BlockBeforeMotion = block;
     const std::string& before = state.BlockBeforeMotion;
     // 20. Cycles and repositioning end the modal moves.
-    if (HasAny(block, {"G95", "G66", "G65", "G64", "G37", "G36", "G28", "G26"})) {
+    if (hasAny({"G95", "G66", "G65", "G64", "G37", "G36", "G28", "G26"})) {
         state.MotionMode = 0;
         state.ArcMode = 0;
     }
     // 21. Positioning at speed ends them too.
-    if (Has(block, "G00")) {
+    if (has("G00")) {
         state.MotionMode = 0;
         state.ArcMode = 0;
         state.UnknownBlock = false;
     }
     // 22 to 24. Nibbling lines and arcs, given or modal: code, step and P6, P8.
     for (int code = 1; code <= 3; ++code) {
-        bool given = code == 1 ? Has(block, "G01") : Has(before, MotionCode(code));
+        bool given = code == 1 ? has("G01") : Has(before, MotionCode(code));
         if (!(given || (state.MotionMode == code && !bracket))) continue;
         ModalFillMotion(block, code, state);
         StepFill(block, state);
         ParameterFill(block, 6, 6, "-999");
         ParameterFill(block, 8, 8, "-999");
+        changed();
         state.UnknownBlock = false;
     }
     // 25. Profile lines and arcs, given or modal.
     for (int code = 1; code <= 3; ++code) {
-        bool given = code == 1 ? Has(block, "G101") : Has(before, ArcCode(code));
+        bool given = code == 1 ? has("G101") : Has(before, ArcCode(code));
         if (!(given || state.ArcMode == code)) continue;
         ModalFillArc(block, code, state, context.Settings);
+        changed();
         state.UnknownBlock = false;
     }
     // 26. Dwell.
-    if (Has(block, "G04")) state.UnknownBlock = false;
+    if (has("G04")) state.UnknownBlock = false;
     // 27. The card's macro block gets its parameters.
-    if (Has(block, "G06")) {
+    if (has("G06")) {
         if (mainText) {
             ParameterFill(block, 11, 19, "-999");
             ParameterFill(block, 101, 110, "-999");
         } else {
             ParameterFill(block, 1, 9, "-999");
         }
+        changed();
         state.UnknownBlock = false;
     }
     // 28. Grid, arc and nibbling patterns get their cycle parameters.
-    if (Has(block, "G26")) {
+    if (has("G26")) {
         ParameterFill(block, 1, 9, "-999");
         ParameterFill(block, 10, 11, "0");
+        changed();
         state.UnknownBlock = false;
     }
-    if (Has(block, "G28")) {
+    if (has("G28")) {
         ParameterFill(block, 1, 10, "-999");
+        changed();
         state.UnknownBlock = false;
     }
-    if (Has(block, "G36")) {
+    if (has("G36")) {
         StepFill(block, state);
         ParameterFill(block, 1, 9, "-999");
         ParameterFill(block, 10, 11, "0");
+        changed();
         state.UnknownBlock = false;
     }
-    if (Has(block, "G37")) {
+    if (has("G37")) {
         StepFill(block, state);
         ParameterFill(block, 1, 10, "-999");
+        changed();
         state.UnknownBlock = false;
     }
     // 29. Circle and row of hits; the nibbled rectangle gets its step.
-    if (Has(block, "G64") || Has(block, "G66")) state.UnknownBlock = false;
-    if (Has(block, "G65")) {
+    if (has("G64") || has("G66")) state.UnknownBlock = false;
+    if (has("G65")) {
         G65StepRule(block, state);
+        changed();
         state.UnknownBlock = false;
     }
     // 30. Calls get their P10, the grid call its parameters.
-    if (Has(block, "G68") || Has(block, "G69")) {
+    if (has("G68") || has("G69")) {
         ParameterFill(block, 10, 10, "1");
+        changed();
         state.UnknownBlock = false;
     }
-    if (Has(block, "G98")) {
+    if (has("G98")) {
         ParameterFill(block, 1, 9, "-999");
         ParameterFill(block, 10, 11, "1");
+        changed();
         state.UnknownBlock = false;
     }
     // 31. Codes that are known and need nothing more.
-    if (HasAny(block, {"G53", "G56", "G92", "G93", "G72", "G80", "G81", "M60", "M50", "M03", "M04", "M05", "M06"}))
+    if (hasAny({"G53", "G56", "G92", "G93", "G72", "G80", "G81", "M60", "M50", "M03", "M04", "M05", "M06"}))
         state.UnknownBlock = false;
     // 32. Sheet reposition.
-    if (Has(block, "G95")) {
+    if (has("G95")) {
         ParameterFill(block, 6, 6, "-999");
+        changed();
         state.UnknownBlock = false;
     }
     // 33. Profiling mode on and off.
-    if (Has(block, "M100")) {
+    if (has("M100")) {
         state.ProfilerMode = true;
         state.ArcMode = 0;
         state.MotionMode = 0;
         state.UnknownBlock = false;
     }
-    if (Has(block, "M101")) {
+    if (has("M101")) {
         state.ProfilerMode = false;
         state.ArcMode = 0;
         state.MotionMode = 0;
         state.UnknownBlock = false;
     }
     // 34. A move without a hit.
-    if (Has(block, "G77")) {
+    if (has("G77")) {
         G77Rule(block, state);
+        changed();
         state.UnknownBlock = false;
     }
     // 35. Subroutine text: the end of a subroutine is written as it stands.
@@ -749,7 +877,7 @@ std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::
             block = std::string(Trim(std::string_view(block).substr(1))) + " M875=1";
         }
         // 38. Canonical word order.
-        block = WordOrdering(block, reader);
+        block = WordOrdering(block, reader, state.OrderingSlots);
         // 39. No double blanks.
         block = CollapseBlanks(block);
     }

@@ -33,6 +33,21 @@ private:
     std::vector<std::pair<std::string, std::int16_t>> entries_;
 };
 
+// A search aid for the codes the block steps look for, all of which start with "G" or "M": it
+// keeps the positions of those letters in the block and answers from them. The block pass
+// rebuilds it after every change of the block; debug builds check each answer against a plain
+// search.
+class CodeIndex {
+public:
+    void Build(std::string_view block);
+    bool Has(std::string_view block, std::string_view word) const;
+
+private:
+    std::uint32_t at_[16] = {};
+    int count_ = 0;
+    bool many_ = false;
+};
+
 // Which text the block pass works on.
 enum class BlockPass { Main, Subroutines };  // A1 -> M1, A2 -> M2
 
@@ -56,7 +71,8 @@ struct ConvertState {
     std::int16_t SequenceCount = 0;   // running block count of the A1 pass
     ProgramParameters Parameters;     // P values the readers see (never assigned by this pass)
     ValueReader Reader{&Parameters};
-    bool IntegerOverflow = false;     // a whole number did not fit 16 bits
+    CodeIndex Codes;                  // search aid, no state of the pass
+    std::string OrderingSlots[8];     // work space of the word ordering
 };
 
 // What the per-block function needs besides the state.
@@ -109,6 +125,7 @@ void RewriteCentre(std::string& block, ValueReader& reader);
 void G77Rule(std::string& block, const ConvertState& state);
 void ImplicitHitRule(std::string& block, const ConvertState& state);
 std::string WordOrdering(std::string_view block, ValueReader& reader);
+std::string WordOrdering(std::string_view block, ValueReader& reader, std::string (&slots)[8]);
 
 // A sheet size given in a comment, or nothing.
 std::optional<std::pair<float, float>> SheetSize(std::string_view comment);
