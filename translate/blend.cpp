@@ -1,0 +1,566 @@
+#include "translate/blend.h"
+
+#include <cmath>
+#include <ctime>
+#include <filesystem>
+
+#include "core/geometry.h"
+#include "core/number.h"
+#include "core/paths.h"
+#include "core/text.h"
+#include "translate/cycle_maths.h"
+
+namespace kirvana {
+
+namespace {
+
+constexpr double Inch = 25.4;
+constexpr double Missing = -999;
+
+bool Holds(const std::string& block, const char* code) { return block.find(code) != std::string::npos; }
+
+double Round(float value, int places) { return RoundHalfEven(Number(value), places); }
+
+std::string LocalTime() {
+    std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    char text[32];
+    std::strftime(text, sizeof text, "%d/%m/%y %H:%M", &local);
+    return text;
+}
+
+}  // namespace
+
+BlendSettings BlendSettingsFrom(const MachineData& machine, const Directories& dirs) {
+    BlendSettings s;
+    s.MachineQ10 = machine.LoadPositionX;
+    s.MachineQ11 = machine.LoadPositionY;
+    s.XLimitMin = machine.XLimitMin;
+    s.XLimitMax = machine.XLimitMax;
+    s.YLimitMin = machine.YLimitMin;
+    s.YLimitMax = machine.YLimitMax;
+    s.ProfilerValue = machine.ProfilerValue;
+    s.MachineOrientation = machine.MachineOrientation;
+    s.RootDir = dirs.RootDir;
+    s.ServiceDir = dirs.ServiceDir;
+    return s;
+}
+
+BlendPass::BlendPass(const BlendSettings& settings) : settings_(settings) { Start(); }
+
+void BlendPass::Start() {
+    State = BlendState{};
+    State.BlendX = State.BlendPrevX = settings_.MachineQ10;
+    State.BlendY = State.BlendPrevY = settings_.MachineQ11;
+    State.BlendXMin = settings_.XLimitMin;
+    State.BlendXMax = settings_.XLimitMax;
+    State.BlendYMin = settings_.YLimitMin;
+    State.BlendYMax = settings_.YLimitMax;
+    Reader = ValueReader(&State.BlendParameters);
+}
+
+double BlendPass::BlendValue(std::string_view block, std::string_view key) {
+    double value = Reader.WordValue(block, key);
+    if (Reader.WordMissing || value == Missing) {
+        Reader.WordMissing = true;
+        return Missing;
+    }
+    return value;
+}
+
+std::int16_t BlendPass::BlendInteger(std::string_view block, std::string_view key) {
+    std::int16_t value = Reader.WordInteger(block, key);
+    if (Reader.WordMissing || value == Missing) {
+        Reader.WordMissing = true;
+        return static_cast<std::int16_t>(Missing);
+    }
+    return value;
+}
+
+double BlendPass::MirrorAngle(double angle) const {
+    return kirvana::MirrorAngle(angle, State.BlendMirrorX, State.BlendMirrorY);
+}
+
+void BlendPass::BlendError(std::string_view block, std::string_view message, bool critical) {
+    if (report_) {
+        *report_ << '\n'
+                 << (critical ? "****** CRITICAL ERROR ******" : "****** WARNING ERROR ******") << '\n'
+                 << Trim(message) << '\n'
+                 << Trim(block) << '\n';
+    }
+    if (critical && State.BlendCritical < 32767) ++State.BlendCritical;
+}
+
+void BlendPass::StoreAssignments(const std::string& block) {
+    // "Pnn=" words: a "P" whose third following character is "=". Each one's piece runs to
+    // the next such word or the end of the block.
+    std::size_t marks[101];
+    int count = 0;
+    for (std::size_t i = 0; i + 3 < block.size() && count < 100; ++i)
+        if (block[i] == 'P' && block[i + 3] == '=') marks[count++] = i;
+    marks[count] = block.size();
+    for (int k = 0; k < count; ++k) {
+        std::string_view piece = std::string_view(block).substr(marks[k], marks[k + 1] - marks[k]);
+        std::int16_t number = BlendInteger(piece.substr(0, 3), "P");
+        if (number < 12 || number > 100) continue;
+        std::string key = "P" + std::to_string(number) + "=";
+        State.BlendParameters.P[number] = BlendValue(piece, key);
+    }
+}
+
+void BlendPass::ReadTool(const std::string& block) {
+    // The first T that is part of neither "GOTO" nor "TRUNC".
+    for (std::size_t i = block.find('T'); i != std::string::npos; i = block.find('T', i + 1)) {
+        bool inGoto = i >= 2 && block.compare(i - 2, 4, "GOTO") == 0;
+        bool inTrunc = block.compare(i, 5, "TRUNC") == 0;
+        if (inGoto || inTrunc) continue;
+        State.BlendTool = BlendInteger(std::string_view(block).substr(i), "T");
+        return;
+    }
+}
+
+void BlendPass::CheckLimits(double x, double y, const std::string& block) {
+    if ((x < State.BlendXMin || x > State.BlendXMax) && !State.BlendWarnedX) {
+        BlendError(block, blend_message::OutOfLimitsX, false);
+        State.BlendWarnedX = true;
+    }
+    if ((y < State.BlendYMin || y > State.BlendYMax) && !State.BlendWarnedY) {
+        BlendError(block, blend_message::OutOfLimitsY, false);
+        State.BlendWarnedY = true;
+    }
+}
+
+void BlendPass::PositionUpdate(const std::string& block) {
+    BlendState& s = State;
+    // 1. The previous position.
+    s.BlendPrevX = s.BlendX;
+    s.BlendPrevY = s.BlendY;
+    s.BlendPrevC = s.BlendC;
+    // 2. X and Y.
+    double x = BlendValue(block, "X");
+    double y = BlendValue(block, "Y");
+    if (s.BlendInch) {
+        if (x != Missing) x *= Inch;
+        if (y != Missing) y *= Inch;
+    }
+    // 3. H and V, always incremental.
+    double h = BlendValue(block, "H");
+    if (h == Missing) h = 0;
+    double v = BlendValue(block, "V");
+    if (v == Missing) v = 0;
+    if (s.BlendInch) {
+        h *= Inch;
+        v *= Inch;
+    }
+    // 4. R and A, a polar increment, unless the letters belong to an arc.
+    double r = 0, a = 0;
+    if (!Holds(block, "G02") && !Holds(block, "G03") && !Holds(block, "G28") && !Holds(block, "G37")) {
+        r = BlendValue(block, "R");
+        if (r == Missing) r = 0;
+        if (s.BlendInch) r *= Inch;
+        a = BlendValue(block, "A");
+        if (a == Missing) a = 0;
+    }
+    // 5. C.
+    double c = BlendValue(block, "C");
+    // 6. No coordinate at all: no move.
+    if (x == Missing && y == Missing && c == Missing && h == 0 && v == 0 && r == 0 && a == 0) {
+        s.BlendHit = false;
+        return;
+    }
+    bool mirrored = s.BlendMirrorX || s.BlendMirrorY;
+    if (!s.BlendIncremental) {
+        // 7. Absolute.
+        if (x != Missing) s.BlendX = static_cast<float>(s.BlendMirrorX ? s.BlendOriginX - x : s.BlendOriginX + x);
+        if (y != Missing) s.BlendY = static_cast<float>(s.BlendMirrorY ? s.BlendOriginY - y : s.BlendOriginY + y);
+        if (c != Missing) s.BlendC = static_cast<float>(mirrored ? MirrorAngle(c) : c);
+    } else {
+        // 8. Incremental.
+        if (x != Missing) s.BlendX = static_cast<float>(s.BlendMirrorX ? s.BlendX - x : s.BlendX + x);
+        if (y != Missing) s.BlendY = static_cast<float>(s.BlendMirrorY ? s.BlendY - y : s.BlendY + y);
+        if (c != Missing) s.BlendC = static_cast<float>(s.BlendC + (mirrored ? MirrorAngle(c) : c));
+    }
+    // 9. C within a turn.
+    s.BlendC = static_cast<float>(NormaliseAngle(s.BlendC));
+    // 10. The increments H, V and the polar R, A.
+    double dx, dy;
+    PolarToXY(r, a, dx, dy);
+    h += dx;
+    v += dy;
+    s.BlendX = static_cast<float>(s.BlendMirrorX ? s.BlendX - h : s.BlendX + h);
+    s.BlendY = static_cast<float>(s.BlendMirrorY ? s.BlendY - v : s.BlendY + v);
+    // 11. Travel limits, except for the arc patterns.
+    if (!Holds(block, "G37") && !Holds(block, "G28")) CheckLimits(s.BlendX, s.BlendY, block);
+}
+
+bool BlendPass::Tangent(double startDirection) const {
+    const LastMoveRecord& last = State.LastMove;
+    double a = NormaliseAngle(startDirection);
+    double b;
+    if (last.Kind == 1) {
+        b = NormaliseAngle(last.Angle);
+    } else if (last.Kind == 2 || last.Kind == 3) {
+        b = NormaliseAngle(static_cast<double>(last.StartAngle) + last.Sweep);
+        b = last.Sweep >= 0 ? NormaliseAngle(b + 90) : NormaliseAngle(b - 90);
+    } else {
+        return false;
+    }
+    double low = b - settings_.ProfilerValue, high = b + settings_.ProfilerValue;
+    for (double candidate : {a, a - 360, a + 360})
+        if (candidate >= low && candidate <= high) return true;
+    return false;
+}
+
+void BlendPass::InsertMark(std::string_view code, const std::string& mark) {
+    std::size_t at = FindNoCase(State.BlendOutLine, code);
+    if (at != std::string::npos) State.BlendOutLine.insert(at + code.size(), mark);
+}
+
+void BlendPass::ProfileLine(const std::string& block) {
+    BlendState& s = State;
+    // 1. A straight cut.
+    s.BlendArcCode = 1;
+    // 2. Length and direction from the points rounded to 4 decimals.
+    double length, angle;
+    XYToPolar(Round(s.BlendX, 4) - Round(s.BlendPrevX, 4), Round(s.BlendY, 4) - Round(s.BlendPrevY, 4), length, angle);
+    length = RoundHalfEven(length, 4);
+    angle = RoundHalfEven(angle, 3);
+    // 3. No cut with the torch off: no mark, and the chain ends.
+    if (!s.BlendTorchOn) {
+        ClearLastMove();
+        return;
+    }
+    // 4, 5. Tangency mark.
+    InsertMark("G101", Tangent(angle) ? " B1" : " B0");
+    // 6. This move becomes the last.
+    ClearLastMove();
+    s.LastMove.Kind = 1;
+    s.LastMove.Length = static_cast<float>(length);
+    s.LastMove.Angle = static_cast<float>(angle);
+    s.LastMove.StartX = s.BlendPrevX;
+    s.LastMove.StartY = s.BlendPrevY;
+    s.LastMove.EndX = s.BlendX;
+    s.LastMove.EndY = s.BlendY;
+}
+
+namespace {
+
+// The sweep of an arc given by its centre, by the machine's orientation and the mirrors.
+double CentreSweep(double sweep, bool g103, std::int16_t orientation, bool mirrorsEqual) {
+    bool clockwiseFirst = (orientation == 1) != g103;  // the case that starts with -360
+    if (clockwiseFirst) {
+        if (sweep == 0) sweep = -360;
+        if (mirrorsEqual) {
+            if (sweep > 0) sweep -= 360;
+            if (sweep == 0) sweep = -360;
+        } else {
+            if (sweep < 0) sweep += 360;
+            if (sweep == 0) sweep = 360;
+        }
+    } else {
+        if (sweep == 0) sweep = 360;
+        if (!mirrorsEqual) {
+            if (sweep > 0) sweep -= 360;
+            if (sweep == 0) sweep = -360;
+        } else {
+            if (sweep < 0) sweep += 360;
+            if (sweep == 0) sweep = 360;
+        }
+    }
+    return sweep;
+}
+
+// The sweep of a candidate arc given by its radius: G102 turns positive with equal mirrors.
+double RadiusSweep(double sweep, bool g103, bool mirrorsEqual) {
+    if (sweep == 0) sweep = 360;
+    if (mirrorsEqual != g103) {
+        while (sweep < 0) sweep += 360;
+        if (sweep == 0) sweep = 360;
+    } else {
+        if (sweep > 0) sweep -= 360;
+        if (sweep == 0) sweep = -360;
+    }
+    return sweep;
+}
+
+}  // namespace
+
+void BlendPass::ProfileArc(const std::string& block, bool g103) {
+    BlendState& s = State;
+    // 1. R, I, J; the mirrors turn the centre offset.
+    auto read = [&](const char* key) {
+        double value = BlendValue(block, key);
+        if (value == Missing) value = 0;
+        return s.BlendInch ? value * Inch : value;
+    };
+    double r = read("R"), i = read("I"), j = read("J");
+    if (s.BlendMirrorX) i = 0 - i;
+    if (s.BlendMirrorY) j = 0 - j;
+    s.BlendArcCode = g103 ? 3 : 2;
+    bool mirrorsEqual = s.BlendMirrorX == s.BlendMirrorY;
+    double radius, centreX, centreY, startAngle, sweep;
+    if (r == 0) {
+        // 2. Given by its centre.
+        radius = std::sqrt(i * i + j * j);
+        centreX = s.BlendPrevX + i;
+        centreY = s.BlendPrevY + j;
+        double startRadius, endRadius, endAngle;
+        XYToPolar(s.BlendPrevX - centreX, s.BlendPrevY - centreY, startRadius, startAngle);
+        XYToPolar(s.BlendX - centreX, s.BlendY - centreY, endRadius, endAngle);
+        if (std::fabs(startRadius - endRadius) > 0.05) {
+            BlendError(block, blend_message::InvalidIJ, true);
+            return;
+        }
+        sweep = CentreSweep(endAngle - startAngle, g103, settings_.MachineOrientation, mirrorsEqual);
+    } else {
+        // 3. Given by its radius: negative R asks for the longer arc.
+        bool largeArc = r < 0;
+        r = std::fabs(r);
+        double dx = static_cast<double>(s.BlendX) - s.BlendPrevX;
+        double dy = static_cast<double>(s.BlendY) - s.BlendPrevY;
+        if (dx == 0) dx = 1E-15;
+        double chordAngle = RadToDeg(std::atan(dy / dx));
+        double halfChord = std::sqrt(dx * dx + dy * dy) / 2;
+        if (r < halfChord) {
+            BlendError(block, blend_message::InvalidR, true);
+            return;
+        }
+        double midX = s.BlendPrevX + dx / 2, midY = s.BlendPrevY + dy / 2;
+        double height = std::sqrt(r * r - halfChord * halfChord);
+        struct Candidate {
+            double CentreX, CentreY, StartAngle, Sweep;
+        } candidates[2];
+        for (int k = 0; k < 2; ++k) {
+            double ox, oy;
+            PolarToXY(height, chordAngle + (k == 0 ? 90 : 270), ox, oy);
+            Candidate& c = candidates[k];
+            c.CentreX = midX + ox;
+            c.CentreY = midY + oy;
+            double startRadius, endRadius, endAngle;
+            XYToPolar(s.BlendPrevX - c.CentreX, s.BlendPrevY - c.CentreY, startRadius, c.StartAngle);
+            XYToPolar(s.BlendX - c.CentreX, s.BlendY - c.CentreY, endRadius, endAngle);
+            c.Sweep = RadiusSweep(endAngle - c.StartAngle, g103, mirrorsEqual);
+        }
+        bool shortSecond = std::fabs(candidates[1].Sweep) <= 180;
+        const Candidate& kept = candidates[(shortSecond != largeArc) ? 1 : 0];
+        radius = r;
+        centreX = kept.CentreX;
+        centreY = kept.CentreY;
+        startAngle = kept.StartAngle;
+        sweep = kept.Sweep;
+    }
+    if (!s.BlendTorchOn) {
+        // 4. No cut: no mark, and the chain ends.
+        ClearLastMove();
+    } else {
+        // 5, 6. Tangency with the arc's start direction, and the radius.
+        double direction = sweep >= 0 ? NormaliseAngle(startAngle + 90) : NormaliseAngle(startAngle - 90);
+        std::string mark = Tangent(direction) ? " B1 E" : " B0 E";
+        mark += FormatNumber(RoundHalfEven(Number(static_cast<float>(radius)), 3), -1);
+        InsertMark(g103 ? "G103" : "G102", mark);
+        // 7. This arc becomes the last move.
+        ClearLastMove();
+        LastMoveRecord& m = s.LastMove;
+        m.Kind = g103 ? 3 : 2;
+        m.StartX = s.BlendPrevX;
+        m.StartY = s.BlendPrevY;
+        m.EndX = s.BlendX;
+        m.EndY = s.BlendY;
+        m.CentreX = static_cast<float>(centreX);
+        m.CentreY = static_cast<float>(centreY);
+        m.Radius = static_cast<float>(radius);
+        m.StartAngle = static_cast<float>(startAngle);
+        m.Sweep = static_cast<float>(sweep);
+    }
+    // 8. The arc's travel, checked at every whole degree.
+    int step = sweep > 0 ? 1 : (sweep < 0 ? -1 : 0);
+    if (step == 0) return;
+    double whole = RoundHalfEven(sweep, 0);
+    double a = startAngle;
+    for (double k = step; step > 0 ? k <= whole : k >= whole; k += step) {
+        double px, py;
+        PolarToXY(radius, a, px, py);
+        CheckLimits(px + centreX, py + centreY, block);
+        a += step;
+    }
+}
+
+void BlendPass::LoadPosition(const std::string& block) {
+    BlendState& s = State;
+    s.BlendX = settings_.MachineQ10;
+    s.BlendY = settings_.MachineQ11;
+    if (settings_.MachineQ10 < s.BlendXMin || settings_.MachineQ10 > s.BlendXMax)
+        BlendError(block, blend_message::OutOfLimitsX, false);
+    if (settings_.MachineQ11 < s.BlendYMin || settings_.MachineQ11 > s.BlendYMax)
+        BlendError(block, blend_message::OutOfLimitsY, false);
+}
+
+const std::string& BlendPass::BlendBlock(std::string_view line) {
+    BlendState& s = State;
+    // 1. A new block: no limit warning yet.
+    s.BlendWarnedX = s.BlendWarnedY = false;
+    s.BlendLine = std::string(Trim(line));
+    if (s.BlendBlockCount < 2147483647) ++s.BlendBlockCount;
+    // 2. The line to write, and the working block.
+    s.BlendOutLine = s.BlendLine;
+    block_ = UpperCase(StripBlanks(BeforeComment(s.BlendLine)));
+    const std::string& b = block_;
+    // 3. Variable assignments.
+    if (Holds(b, "P")) StoreAssignments(b);
+    // 4. The tool, in punch mode.
+    if (!s.BlendProfiling && Holds(b, "T")) ReadTool(b);
+    // 5. Absolute or incremental, metric or inch: the later code wins.
+    if (Holds(b, "G90")) s.BlendIncremental = false;
+    if (Holds(b, "G91")) s.BlendIncremental = true;
+    if (Holds(b, "G70")) s.BlendInch = true;
+    if (Holds(b, "G71")) s.BlendInch = false;
+    // 6. Subroutine calls end the tangency chain.
+    if (Holds(b, "G98") || Holds(b, "G69") || Holds(b, "G68")) ClearLastMove();
+    // 7. The move.
+    s.BlendHit = true;
+    if (!Holds(b, "G56") && !Holds(b, "G92") && !Holds(b, "G04")) PositionUpdate(b);
+    // 8. Pattern start: no hit.
+    if (Holds(b, "G72")) s.BlendHit = false;
+    // 9. Origin shift.
+    if (Holds(b, "G56")) {
+        double x = BlendValue(b, "X"), y = BlendValue(b, "Y");
+        x = x == Missing ? 0 : (s.BlendInch ? x * Inch : x);
+        y = y == Missing ? 0 : (s.BlendInch ? y * Inch : y);
+        s.BlendOriginX = static_cast<float>(s.BlendMirrorX ? s.BlendOriginX - x : s.BlendOriginX + x);
+        s.BlendOriginY = static_cast<float>(s.BlendMirrorY ? s.BlendOriginY - y : s.BlendOriginY + y);
+        s.BlendHit = false;
+    }
+    // 10. Origin cleared.
+    if (Holds(b, "G53")) s.BlendOriginX = s.BlendOriginY = 0;
+    // 11. Origin set so that the position reads X, Y (the words as written, not converted).
+    if (Holds(b, "G92")) {
+        double x = BlendValue(b, "X");
+        if (x != Missing) s.BlendOriginX = static_cast<float>(s.BlendMirrorX ? s.BlendX + x : s.BlendX - x);
+        double y = BlendValue(b, "Y");
+        if (y != Missing) s.BlendOriginY = static_cast<float>(s.BlendMirrorY ? s.BlendY + y : s.BlendY - y);
+        s.BlendHit = false;
+    }
+    // 12. Kerf, in profiling only.
+    if (s.BlendProfiling) {
+        if (Holds(b, "G40")) s.BlendKerf = 0;
+        if (Holds(b, "G41")) s.BlendKerf = 1;
+        if (Holds(b, "G42")) s.BlendKerf = 2;
+    } else {
+        s.BlendKerf = 0;
+    }
+    // 13. Rapid move.
+    if (Holds(b, "G00")) {
+        s.BlendArcCode = 0;
+        ClearLastMove();
+    }
+    // 14. Cutting moves in profiling; nibbling moves in punch mode.
+    if (s.BlendProfiling) {
+        bool g101 = Holds(b, "G101"), g102 = Holds(b, "G102"), g103 = Holds(b, "G103");
+        if (g101 && !g102 && !g103) ProfileLine(b);
+        if (g102 && !g101 && !g103) ProfileArc(b, false);
+        if (g103 && !g101 && !g102) ProfileArc(b, true);
+        if (g101 || g102 || g103) s.BlendHit = false;
+    } else if (Holds(b, "G01") || Holds(b, "G02") || Holds(b, "G03")) {
+        ClearLastMove();
+        s.BlendHit = false;
+    }
+    // 15. Dwell.
+    if (Holds(b, "G04")) {
+        ClearLastMove();
+        s.BlendHit = false;
+    }
+    // 16. The canned cycles, in punch mode.
+    if (!s.BlendProfiling) {
+        struct Cycle {
+            const char* Code;
+            void (BlendPass::*Run)(const std::string&);
+        };
+        static const Cycle cycles[] = {{"G26", &BlendPass::CycleG26}, {"G28", &BlendPass::CycleG28},
+                                       {"G36", &BlendPass::CycleG36}, {"G37", &BlendPass::CycleG37},
+                                       {"G64", &BlendPass::CycleG64}, {"G65", &BlendPass::CycleG65},
+                                       {"G66", &BlendPass::CycleG66}};
+        for (const Cycle& c : cycles) {
+            if (!Holds(b, c.Code)) continue;
+            (this->*c.Run)(b);
+            s.BlendHit = false;
+        }
+    }
+    // 17. Reposition, no-hit moves.
+    if (Holds(b, "G95") || Holds(b, "G77") || Holds(b, "G80")) {
+        ClearLastMove();
+        s.BlendHit = false;
+    }
+    // 18. A hit here.
+    if (Holds(b, "M75") || Holds(b, "G81")) {
+        s.BlendHit = true;
+        ClearLastMove();
+    }
+    // 19. Profiling mode and the torch.
+    if (Holds(b, "M100")) {
+        s.BlendProfiling = true;
+        s.BlendArcCode = s.BlendKerf = 0;
+    }
+    if (Holds(b, "M03") || Holds(b, "M04")) s.BlendTorchOn = true;
+    if (Holds(b, "M05") || Holds(b, "M06")) s.BlendTorchOn = false;
+    if (Holds(b, "M101")) {
+        s.BlendProfiling = false;
+        s.BlendArcCode = s.BlendKerf = 0;
+    }
+    // 20. Mirrors.
+    if (Holds(b, "M10") && !Holds(b, "M100") && !Holds(b, "M101")) s.BlendMirrorX = s.BlendMirrorY = false;
+    if (Holds(b, "M11")) s.BlendMirrorX = true;
+    if (Holds(b, "M12")) s.BlendMirrorY = true;
+    if (Holds(b, "M13")) s.BlendMirrorX = s.BlendMirrorY = true;
+    // 21. Load position.
+    if (Holds(b, "M60") || Holds(b, "M50")) LoadPosition(b);
+    // 22. Stops end the chain.
+    if (Holds(b, "M00") || Holds(b, "M01")) ClearLastMove();
+    // 23. The line to write.
+    return s.BlendOutLine;
+}
+
+std::int16_t BlendProgram(std::string_view directory, std::string_view name, std::string_view stem,
+                          const BlendSettings& settings) {
+    namespace fs = std::filesystem;
+    // 1. The report anew with its header; the motion text; the new text.
+    std::ofstream report(settings.ServiceDir + "Blend.txt", std::ios::binary | std::ios::trunc);
+    report << "PROGRAM   :  " << Trim(name) << '\n'
+           << "DIRECTORY :  " << Trim(directory) << '\n'
+           << "TIME      :  " << (settings.Now ? settings.Now() : LocalTime()) << '\n';
+    const std::string motion = std::string(stem) + "M1";
+    NoteFile(settings.ServiceDir, motion);
+    std::ifstream in(motion, std::ios::binary);
+    if (!in) {
+        report << EndMarker << '\n';
+        return -1;
+    }
+    const std::string temporary = settings.RootDir + "Blend.tmp";
+    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+    // 2. Start values; 3. every line.
+    BlendPass pass(settings);
+    pass.OpenReport(&report);
+    std::string line;
+    while (std::getline(in, line)) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        out << pass.BlendBlock(line) << '\n';
+    }
+    // 4. Close; the report's end.
+    in.close();
+    out.close();
+    report << EndMarker << '\n';
+    // 5. Only a text without critical errors replaces M1.
+    std::int16_t critical = pass.State.BlendCritical;
+    if (critical == 0) {
+        std::error_code error;
+        fs::remove(motion, error);
+        fs::rename(temporary, motion, error);
+        if (error) {
+            fs::copy_file(temporary, motion, fs::copy_options::overwrite_existing, error);
+            fs::remove(temporary, error);
+        }
+    }
+    return critical;
+}
+
+}  // namespace kirvana

@@ -1,0 +1,143 @@
+// The Blend pass: walks the main motion text M1 block by block with a model of where the
+// machine will be, reports what is wrong to "Blend.txt" (critical errors bar the program), marks
+// each cutting move " B1" or " B0" for the card's blending and gives each cut arc its radius
+// " E". Canned cycles in punch mode are worked through for their checks and end position.
+#pragma once
+
+#include <cstdint>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "core/config.h"
+#include "core/words.h"
+
+namespace kirvana {
+
+// The machine values and places the pass needs.
+struct BlendSettings {
+    float MachineQ10 = 0, MachineQ11 = 0;  // the load position
+    float XLimitMin = 0, XLimitMax = 0, YLimitMin = 0, YLimitMax = 0;
+    float ProfilerValue = 0;               // degrees within which moves run on tangentially
+    std::int16_t MachineOrientation = 1;
+    std::string RootDir;                   // for "Blend.tmp"
+    std::string ServiceDir;                // for "Blend.txt" and LastFile.txt
+    // The report's time line, "dd/mm/yy hh:mm"; the local time when not set.
+    std::function<std::string()> Now;
+};
+
+BlendSettings BlendSettingsFrom(const MachineData& machine, const Directories& dirs);
+
+// The previous cutting move, for the tangency test.
+struct LastMoveRecord {
+    std::int16_t Kind = 0;  // 0 none, 1 line, 2 G102 arc, 3 G103 arc
+    float Length = 0, Angle = 0;
+    float StartX = 0, StartY = 0, EndX = 0, EndY = 0;
+    float CentreX = 0, CentreY = 0, Radius = 0;
+    float StartAngle = 0, Sweep = 0;
+};
+
+// The pass's modal state, set to its start values at each run.
+struct BlendState {
+    std::string BlendLine;     // the line as read, trimmed
+    std::string BlendOutLine;  // the line to be written
+    float BlendX = 0, BlendY = 0, BlendC = 0;
+    float BlendPrevX = 0, BlendPrevY = 0, BlendPrevC = 0;
+    float BlendOriginX = 0, BlendOriginY = 0;
+    float BlendXMin = 0, BlendXMax = 0, BlendYMin = 0, BlendYMax = 0;
+    bool BlendInch = false;
+    bool BlendIncremental = false;
+    bool BlendMirrorX = false, BlendMirrorY = false;
+    bool BlendProfiling = false;
+    bool BlendTorchOn = false;
+    std::int16_t BlendKerf = 0;
+    std::int16_t BlendArcCode = 0;
+    std::int16_t BlendTool = 0;
+    bool BlendHit = false;
+    double BlendNibbleStep = 2;
+    double BlendNibbleDefault = 2;
+    std::int16_t BlendCritical = 0;
+    bool BlendWarnedX = false, BlendWarnedY = false;
+    ProgramParameters BlendParameters;
+    std::int32_t BlendBlockCount = 0;
+    LastMoveRecord LastMove;
+};
+
+// The messages of the report, with their blanks.
+namespace blend_message {
+inline constexpr const char* OutOfLimitsX = " Out of limits in X ";
+inline constexpr const char* OutOfLimitsY = " Out of limits in Y ";
+inline constexpr const char* InvalidIJ = " Non-Interpolated Arc (Invalid I,J) ";
+inline constexpr const char* InvalidR = " Non-Interpolated Arc (Invalid R) ";
+inline constexpr const char* InvalidHitsP1 = " Invalid number of Hits (P1) ";
+inline constexpr const char* InvalidHitsP1P3 = " Invalid number of Hits (P1,P3) ";
+inline constexpr const char* NoHitsOrPitch = " No Hits (P1) or Angular Pitch (P2) ";
+inline constexpr const char* DivisionByZero = " Division by Zero ";
+inline constexpr const char* MissingRadius = " Missing Radius or I/J ";
+inline constexpr const char* NibbleNotSet = " Nibble Increment (P8) has not been set ";
+inline constexpr const char* NegativeNibble = " Negative Nibble Increment (P8) ";
+inline constexpr const char* ExcessiveNibble = " Excessive Nibble Increment (P8=6.25 maximum) ";
+}  // namespace blend_message
+
+// One run of the pass over a motion text; the cycles live in blend_cycles.cpp.
+class BlendPass {
+public:
+    explicit BlendPass(const BlendSettings& settings);
+
+    // Sets the state to its start values.
+    void Start();
+    // Works one line of M1 and gives the line to write.
+    const std::string& BlendBlock(std::string_view line);
+    // The report: errors go here, one entry each.
+    void OpenReport(std::ostream* report) { report_ = report; }
+
+    BlendState State;
+
+    // WordValue and WordInteger with this pass's variables; "not found" and exactly -999
+    // set WordMissing and give -999.
+    double BlendValue(std::string_view block, std::string_view key);
+    std::int16_t BlendInteger(std::string_view block, std::string_view key);
+    // The angle as the mirrors turn it.
+    double MirrorAngle(double angle) const;
+    void BlendError(std::string_view block, std::string_view message, bool critical);
+    void ClearLastMove() { State.LastMove = LastMoveRecord{}; }
+    ValueReader Reader{&State.BlendParameters};
+
+private:
+    void StoreAssignments(const std::string& block);
+    void ReadTool(const std::string& block);
+    void PositionUpdate(const std::string& block);
+    void CheckLimits(double x, double y, const std::string& block);
+    void ProfileLine(const std::string& block);
+    void ProfileArc(const std::string& block, bool g103);
+    bool Tangent(double startDirection) const;
+    void InsertMark(std::string_view code, const std::string& mark);
+    void LoadPosition(const std::string& block);
+
+    // The canned cycles in punch mode.
+    void CycleG64(const std::string& block);
+    void CycleG65(const std::string& block);
+    void CycleG66(const std::string& block);
+    void CycleG26(const std::string& block);
+    void CycleG28(const std::string& block);
+    void CycleG36(const std::string& block);
+    void CycleG37(const std::string& block);
+    double NibbleIncrement(const std::string& block);
+    // A length word: converted under G70, the missing value taken first when `always`.
+    double Length(double value, bool given, bool always) const;
+    void ClearAndStep();
+    void MoveBy(double dx, double dy);
+
+    const BlendSettings& settings_;
+    std::ostream* report_ = nullptr;
+    std::string block_;  // the working block: no comment, no blanks, upper case
+};
+
+// The entry: blends stem + "M1", reporting to ServiceDir + "Blend.txt". Gives the count of
+// critical errors: 0 replaces M1 by the blended text; otherwise M1 stays and "Blend.tmp" is
+// left in RootDir. -1 when the motion file cannot be read.
+std::int16_t BlendProgram(std::string_view directory, std::string_view name, std::string_view stem,
+                          const BlendSettings& settings);
+
+}  // namespace kirvana
