@@ -108,28 +108,50 @@ namespace convert {
 // ---------------------------------------------------------------------------------------
 // Code index
 
+namespace {
+
+// The bit of a three-character code "G" or "M" and two digits, or -1.
+int CodeBit(char letter, char tens, char units) {
+    if (!IsDigit(tens) || !IsDigit(units)) return -1;
+    return (letter == 'M' ? 100 : 0) + (tens - '0') * 10 + (units - '0');
+}
+
+}  // namespace
+
 void CodeIndex::Build(std::string_view block) {
     count_ = 0;
     many_ = false;
+    for (std::uint64_t& word : codes_) word = 0;
     for (std::size_t i = 0; i < block.size(); ++i) {
         if (block[i] != 'G' && block[i] != 'M') continue;
+        if (i + 2 < block.size()) {
+            int bit = CodeBit(block[i], block[i + 1], block[i + 2]);
+            if (bit >= 0) codes_[bit / 64] |= std::uint64_t{1} << (bit % 64);
+        }
         if (count_ == static_cast<int>(std::size(at_))) {
             many_ = true;
-            return;
+            continue;
         }
         at_[count_++] = static_cast<std::uint32_t>(i);
     }
 }
 
 bool CodeIndex::Has(std::string_view block, std::string_view word) const {
-    if (word.empty() || (word[0] != 'G' && word[0] != 'M') || many_) return kirvana::Has(block, word);
+    if (word.empty() || (word[0] != 'G' && word[0] != 'M')) return kirvana::Has(block, word);
     bool found = false;
-    for (int k = 0; k < count_ && !found; ++k) {
-        std::size_t at = at_[k];
-        if (at + word.size() > block.size() || block[at] != word[0]) continue;
-        std::size_t i = 1;
-        while (i < word.size() && block[at + i] == word[i]) ++i;
-        found = i == word.size();
+    int bit = word.size() == 3 ? CodeBit(word[0], word[1], word[2]) : -1;
+    if (bit >= 0) {
+        found = (codes_[bit / 64] >> (bit % 64)) & 1;
+    } else if (many_) {
+        found = kirvana::Has(block, word);
+    } else {
+        for (int k = 0; k < count_ && !found; ++k) {
+            std::size_t at = at_[k];
+            if (at + word.size() > block.size() || block[at] != word[0]) continue;
+            std::size_t i = 1;
+            while (i < word.size() && block[at + i] == word[i]) ++i;
+            found = i == word.size();
+        }
     }
 #ifndef NDEBUG
     if (found != kirvana::Has(block, word)) std::abort();  // the index was not rebuilt after a change
@@ -366,11 +388,13 @@ std::string JumpRewrite(std::string_view block) {
 // Fills and rules
 
 void ParameterFill(std::string& block, int first, int last, std::string_view value) {
+    char word[16];
     for (int number = first; number <= last; ++number) {
-        std::string word = "P" + std::to_string(number) + "=";
-        if (Has(block, word)) continue;
+        int length = std::snprintf(word, sizeof word, "P%d=", number);
+        std::string_view text(word, static_cast<std::size_t>(length));
+        if (Has(block, text)) continue;
         block += ' ';
-        block += word;
+        block += text;
         block += value;
     }
 }
@@ -484,6 +508,20 @@ void TrimInPlace(std::string& text) {
     text.erase(0, front);
 }
 
+// The whole number read from the "P" at `at`. A plain run of up to four digits ended by
+// anything but a sign is read here directly; every other form goes to the integer reader.
+int ParameterNumber(std::string_view block, std::size_t at, ValueReader& reader) {
+    std::size_t end = at + 1;
+    while (end < block.size() && end - at <= 4 && IsDigit(block[end])) ++end;
+    std::size_t digits = end - at - 1;
+    bool plain = digits > 0 && digits <= 4 &&
+                 (end == block.size() || (!IsDigit(block[end]) && block[end] != '+' && block[end] != '-'));
+    if (!plain) return reader.WordInteger(block.substr(at), 'P');
+    int number = 0;
+    for (std::size_t i = at + 1; i < end; ++i) number = number * 10 + (block[i] - '0');
+    return number;
+}
+
 // The group a character goes to, and the group that is current behind it.
 int OrderingSlot(std::string_view block, std::size_t i, int current, ValueReader& reader) {
     char c = block[i];
@@ -493,7 +531,7 @@ int OrderingSlot(std::string_view block, std::size_t i, int current, ValueReader
         case 'T':
         case 'S': return 4;
         case 'M': return 5;
-        case 'P': return reader.WordInteger(block.substr(i), 'P') < 13 ? 6 : current;
+        case 'P': return ParameterNumber(block, i, reader) < 13 ? 6 : current;
         default: return (c >= 'A' && c <= 'Z') ? 3 : current;
     }
 }
@@ -613,6 +651,16 @@ void StartBlockPass(ConvertState& state, BlockPass pass) {
 }
 
 namespace {
+
+// Every run of blanks becomes one blank, in place.
+void CollapseBlanksInPlace(std::string& text) {
+    std::size_t out = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == ' ' && out > 0 && text[out - 1] == ' ') continue;
+        text[out++] = text[i];
+    }
+    text.resize(out);
+}
 
 // Splits the comment off the block: the dialect's mark, else ";".
 void SplitComment(std::string& block, std::string& comment, std::int16_t dialect) {
@@ -879,7 +927,7 @@ std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::
         // 38. Canonical word order.
         block = WordOrdering(block, reader, state.OrderingSlots);
         // 39. No double blanks.
-        block = CollapseBlanks(block);
+        CollapseBlanksInPlace(block);
     }
     // 40. The block and its comment.
     block += state.BlockComment;
@@ -969,6 +1017,11 @@ struct Run {
         while (in.Next(raw)) {
             ++lineNumber;
             std::string_view line = Trim(raw);
+            // Every mark the splitter looks for starts with "(".
+            if (!Has(line, '(')) {
+                (toA2 ? a2 : a1).Write(line);
+                continue;
+            }
             std::string up = UpperCase(line);
             // 1. A subroutine opens: its lines go to A2, its name to the table.
             if (Has(up, "(ID,GSUB") || Has(up, "(ID,PSUB")) {

@@ -43,6 +43,7 @@ public:
     bool Has(std::string_view block, std::string_view word) const;
 
 private:
+    std::uint64_t codes_[4] = {};  // "G00" to "G99" and "M00" to "M99" present in the block
     std::uint32_t at_[16] = {};
     int count_ = 0;
     bool many_ = false;
