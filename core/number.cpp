@@ -161,9 +161,11 @@ double RoundDecimalText(double value, int places, int digits) {
 }  // namespace
 
 double RoundHalfEven(Number value, int places) {
+    static constexpr double Powers[16] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                          1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     if (value.Width == Number::Kind::Int16 || value.Width == Number::Kind::Int32) return value.Value;
-    if (!std::isfinite(value.Value) || places > 15) return value.Value;
-    double scale = std::pow(10.0, places);
+    if (!std::isfinite(value.Value) || places > 15 || places < 0) return value.Value;
+    double scale = Powers[places];
     double scaled = value.Value * scale;
     if (!(std::fabs(scaled) < 4503599627370496.0)) return value.Value;  // already whole at this scale
     double fraction = scaled - std::floor(scaled);

@@ -22,10 +22,16 @@ std::string_view Trim(std::string_view text) {
 
 std::size_t FindNoCase(std::string_view text, std::string_view what, std::size_t from) {
     if (what.empty()) return from <= text.size() ? from : std::string_view::npos;
-    for (std::size_t i = from; i + what.size() <= text.size(); ++i) {
-        std::size_t k = 0;
-        while (k < what.size() && UpperChar(text[i + k]) == UpperChar(what[k])) ++k;
-        if (k == what.size()) return i;
+    // Candidates are found by their first character in either case, then compared.
+    const char upper = UpperChar(what[0]);
+    const char lower = (upper >= 'A' && upper <= 'Z') ? static_cast<char>(upper - 'A' + 'a') : upper;
+    const std::size_t m = what.size();
+    for (std::size_t i = from; i + m <= text.size(); ++i) {
+        char c = text[i];
+        if (c != upper && c != lower) continue;
+        std::size_t k = 1;
+        while (k < m && UpperChar(text[i + k]) == UpperChar(what[k])) ++k;
+        if (k == m) return i;
     }
     return std::string_view::npos;
 }

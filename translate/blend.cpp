@@ -17,8 +17,6 @@ namespace {
 constexpr double Inch = 25.4;
 constexpr double Missing = -999;
 
-bool Holds(const std::string& block, const char* code) { return block.find(code) != std::string::npos; }
-
 double Round(float value, int places) { return RoundHalfEven(Number(value), places); }
 
 std::string LocalTime() {
@@ -76,6 +74,18 @@ std::int16_t BlendPass::BlendInteger(std::string_view block, std::string_view ke
         return static_cast<std::int16_t>(Missing);
     }
     return value;
+}
+
+bool BlendPass::Holds(const char* code) const {
+    if (codes_ < 0) return block_.find(code) != std::string::npos;
+    for (int k = 0; k < codes_; ++k) {
+        std::size_t at = codeAt_[k];
+        if (block_[at] != code[0]) continue;
+        std::size_t i = 1;
+        while (code[i] && at + i < block_.size() && block_[at + i] == code[i]) ++i;
+        if (!code[i]) return true;
+    }
+    return false;
 }
 
 double BlendPass::MirrorAngle(double angle) const {
@@ -155,7 +165,7 @@ void BlendPass::PositionUpdate(const std::string& block) {
     }
     // 4. R and A, a polar increment, unless the letters belong to an arc.
     double r = 0, a = 0;
-    if (!Holds(block, "G02") && !Holds(block, "G03") && !Holds(block, "G28") && !Holds(block, "G37")) {
+    if (!Holds("G02") && !Holds("G03") && !Holds("G28") && !Holds("G37")) {
         r = BlendValue(block, "R");
         if (r == Missing) r = 0;
         if (s.BlendInch) r *= Inch;
@@ -191,7 +201,7 @@ void BlendPass::PositionUpdate(const std::string& block) {
     s.BlendX = static_cast<float>(s.BlendMirrorX ? s.BlendX - h : s.BlendX + h);
     s.BlendY = static_cast<float>(s.BlendMirrorY ? s.BlendY - v : s.BlendY + v);
     // 11. Travel limits, except for the arc patterns.
-    if (!Holds(block, "G37") && !Holds(block, "G28")) CheckLimits(s.BlendX, s.BlendY, block);
+    if (!Holds("G37") && !Holds("G28")) CheckLimits(s.BlendX, s.BlendY, block);
 }
 
 bool BlendPass::Tangent(double startDirection) const {
@@ -404,26 +414,34 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
     if (s.BlendBlockCount < 2147483647) ++s.BlendBlockCount;
     // 2. The line to write, and the working block.
     s.BlendOutLine = s.BlendLine;
-    block_ = UpperCase(StripBlanks(BeforeComment(s.BlendLine)));
+    block_ = StripBlanks(BeforeComment(s.BlendLine));
+    for (char& c : block_) c = UpperChar(c);
     const std::string& b = block_;
+    // Where the codes can stand: every "G" and "M" (more than the index holds: search all).
+    codes_ = 0;
+    for (std::size_t i = 0; i < b.size() && codes_ >= 0; ++i) {
+        if (b[i] != 'G' && b[i] != 'M') continue;
+        if (codes_ == 32) codes_ = -1;
+        else codeAt_[codes_++] = i;
+    }
     // 3. Variable assignments.
-    if (Holds(b, "P")) StoreAssignments(b);
+    if (b.find('P') != std::string::npos) StoreAssignments(b);
     // 4. The tool, in punch mode.
-    if (!s.BlendProfiling && Holds(b, "T")) ReadTool(b);
+    if (!s.BlendProfiling && b.find('T') != std::string::npos) ReadTool(b);
     // 5. Absolute or incremental, metric or inch: the later code wins.
-    if (Holds(b, "G90")) s.BlendIncremental = false;
-    if (Holds(b, "G91")) s.BlendIncremental = true;
-    if (Holds(b, "G70")) s.BlendInch = true;
-    if (Holds(b, "G71")) s.BlendInch = false;
+    if (Holds("G90")) s.BlendIncremental = false;
+    if (Holds("G91")) s.BlendIncremental = true;
+    if (Holds("G70")) s.BlendInch = true;
+    if (Holds("G71")) s.BlendInch = false;
     // 6. Subroutine calls end the tangency chain.
-    if (Holds(b, "G98") || Holds(b, "G69") || Holds(b, "G68")) ClearLastMove();
+    if (Holds("G98") || Holds("G69") || Holds("G68")) ClearLastMove();
     // 7. The move.
     s.BlendHit = true;
-    if (!Holds(b, "G56") && !Holds(b, "G92") && !Holds(b, "G04")) PositionUpdate(b);
+    if (!Holds("G56") && !Holds("G92") && !Holds("G04")) PositionUpdate(b);
     // 8. Pattern start: no hit.
-    if (Holds(b, "G72")) s.BlendHit = false;
+    if (Holds("G72")) s.BlendHit = false;
     // 9. Origin shift.
-    if (Holds(b, "G56")) {
+    if (Holds("G56")) {
         double x = BlendValue(b, "X"), y = BlendValue(b, "Y");
         x = x == Missing ? 0 : (s.BlendInch ? x * Inch : x);
         y = y == Missing ? 0 : (s.BlendInch ? y * Inch : y);
@@ -432,9 +450,9 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
         s.BlendHit = false;
     }
     // 10. Origin cleared.
-    if (Holds(b, "G53")) s.BlendOriginX = s.BlendOriginY = 0;
+    if (Holds("G53")) s.BlendOriginX = s.BlendOriginY = 0;
     // 11. Origin set so that the position reads X, Y (the words as written, not converted).
-    if (Holds(b, "G92")) {
+    if (Holds("G92")) {
         double x = BlendValue(b, "X");
         if (x != Missing) s.BlendOriginX = static_cast<float>(s.BlendMirrorX ? s.BlendX + x : s.BlendX - x);
         double y = BlendValue(b, "Y");
@@ -443,30 +461,30 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
     }
     // 12. Kerf, in profiling only.
     if (s.BlendProfiling) {
-        if (Holds(b, "G40")) s.BlendKerf = 0;
-        if (Holds(b, "G41")) s.BlendKerf = 1;
-        if (Holds(b, "G42")) s.BlendKerf = 2;
+        if (Holds("G40")) s.BlendKerf = 0;
+        if (Holds("G41")) s.BlendKerf = 1;
+        if (Holds("G42")) s.BlendKerf = 2;
     } else {
         s.BlendKerf = 0;
     }
     // 13. Rapid move.
-    if (Holds(b, "G00")) {
+    if (Holds("G00")) {
         s.BlendArcCode = 0;
         ClearLastMove();
     }
     // 14. Cutting moves in profiling; nibbling moves in punch mode.
     if (s.BlendProfiling) {
-        bool g101 = Holds(b, "G101"), g102 = Holds(b, "G102"), g103 = Holds(b, "G103");
+        bool g101 = Holds("G101"), g102 = Holds("G102"), g103 = Holds("G103");
         if (g101 && !g102 && !g103) ProfileLine(b);
         if (g102 && !g101 && !g103) ProfileArc(b, false);
         if (g103 && !g101 && !g102) ProfileArc(b, true);
         if (g101 || g102 || g103) s.BlendHit = false;
-    } else if (Holds(b, "G01") || Holds(b, "G02") || Holds(b, "G03")) {
+    } else if (Holds("G01") || Holds("G02") || Holds("G03")) {
         ClearLastMove();
         s.BlendHit = false;
     }
     // 15. Dwell.
-    if (Holds(b, "G04")) {
+    if (Holds("G04")) {
         ClearLastMove();
         s.BlendHit = false;
     }
@@ -481,41 +499,41 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
                                        {"G64", &BlendPass::CycleG64}, {"G65", &BlendPass::CycleG65},
                                        {"G66", &BlendPass::CycleG66}};
         for (const Cycle& c : cycles) {
-            if (!Holds(b, c.Code)) continue;
+            if (!Holds(c.Code)) continue;
             (this->*c.Run)(b);
             s.BlendHit = false;
         }
     }
     // 17. Reposition, no-hit moves.
-    if (Holds(b, "G95") || Holds(b, "G77") || Holds(b, "G80")) {
+    if (Holds("G95") || Holds("G77") || Holds("G80")) {
         ClearLastMove();
         s.BlendHit = false;
     }
     // 18. A hit here.
-    if (Holds(b, "M75") || Holds(b, "G81")) {
+    if (Holds("M75") || Holds("G81")) {
         s.BlendHit = true;
         ClearLastMove();
     }
     // 19. Profiling mode and the torch.
-    if (Holds(b, "M100")) {
+    if (Holds("M100")) {
         s.BlendProfiling = true;
         s.BlendArcCode = s.BlendKerf = 0;
     }
-    if (Holds(b, "M03") || Holds(b, "M04")) s.BlendTorchOn = true;
-    if (Holds(b, "M05") || Holds(b, "M06")) s.BlendTorchOn = false;
-    if (Holds(b, "M101")) {
+    if (Holds("M03") || Holds("M04")) s.BlendTorchOn = true;
+    if (Holds("M05") || Holds("M06")) s.BlendTorchOn = false;
+    if (Holds("M101")) {
         s.BlendProfiling = false;
         s.BlendArcCode = s.BlendKerf = 0;
     }
     // 20. Mirrors.
-    if (Holds(b, "M10") && !Holds(b, "M100") && !Holds(b, "M101")) s.BlendMirrorX = s.BlendMirrorY = false;
-    if (Holds(b, "M11")) s.BlendMirrorX = true;
-    if (Holds(b, "M12")) s.BlendMirrorY = true;
-    if (Holds(b, "M13")) s.BlendMirrorX = s.BlendMirrorY = true;
+    if (Holds("M10") && !Holds("M100") && !Holds("M101")) s.BlendMirrorX = s.BlendMirrorY = false;
+    if (Holds("M11")) s.BlendMirrorX = true;
+    if (Holds("M12")) s.BlendMirrorY = true;
+    if (Holds("M13")) s.BlendMirrorX = s.BlendMirrorY = true;
     // 21. Load position.
-    if (Holds(b, "M60") || Holds(b, "M50")) LoadPosition(b);
+    if (Holds("M60") || Holds("M50")) LoadPosition(b);
     // 22. Stops end the chain.
-    if (Holds(b, "M00") || Holds(b, "M01")) ClearLastMove();
+    if (Holds("M00") || Holds("M01")) ClearLastMove();
     // 23. The line to write.
     return s.BlendOutLine;
 }

@@ -129,9 +129,14 @@ private:
     void ClearAndStep();
     void MoveBy(double dx, double dy);
 
+    // Substring tests of "G" and "M" codes look only where those letters stand in the block.
+    bool Holds(const char* code) const;
+
     const BlendSettings& settings_;
     std::ostream* report_ = nullptr;
     std::string block_;  // the working block: no comment, no blanks, upper case
+    std::size_t codeAt_[32];
+    int codes_ = 0;
 };
 
 // The entry: blends stem + "M1", reporting to ServiceDir + "Blend.txt". Gives the count of
