@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <sstream>
@@ -38,6 +39,13 @@ std::string ValueText(double v) {
 
 const std::string Error003 = std::string(1, pmac::Bell) + "ERR003" + pmac::Cr;
 
+// The whole part of a value as the card's 48-bit integers hold it; out of range is clamped.
+std::int64_t Whole(double v) {
+    constexpr double Limit = 140737488355327.0;  // 2^47 - 1
+    if (!(v == v)) return 0;
+    return static_cast<std::int64_t>(std::trunc(std::clamp(v, -Limit, Limit)));
+}
+
 }  // namespace
 
 CardSimulator::CardSimulator() = default;
@@ -66,15 +74,14 @@ double CardSimulator::Evaluate(const std::string& expression, bool& ok) {
             ok = false;
             break;
         }
-        auto whole = [](double v) { return static_cast<std::int64_t>(std::trunc(v)); };
         switch (op) {
             case '=': result = value; break;
             case '+': result += value; break;
             case '-': result -= value; break;
             case '*': result *= value; break;
             case '/': result = value == 0 ? 0 : result / value; break;
-            case '|': result = static_cast<double>(whole(result) | whole(value)); break;
-            case '&': result = static_cast<double>(whole(result) & whole(value)); break;
+            case '|': result = static_cast<double>(Whole(result) | Whole(value)); break;
+            case '&': result = static_cast<double>(Whole(result) & Whole(value)); break;
         }
         if (i < expression.size()) op = expression[i++];
         if (i == expression.size() && op != '=' && expression.back() == op) ok = false;  // trailing operator
@@ -137,7 +144,9 @@ std::string CardSimulator::ExecuteLocked(const std::string& line) {
     std::string answer;
     if (text.starts_with("OPEN PROG")) {
         received_.push_back(text);
-        openProgram_ = static_cast<int>(ToNumber(text.substr(9)));
+        double number = ToNumber(text.substr(9));
+        if (!(number >= 1 && number <= 32767)) return answer + Error003;
+        openProgram_ = static_cast<int>(number);
         return answer + pmac::Ack;
     }
     std::istringstream tokens(text);
@@ -200,14 +209,14 @@ double CardSimulator::Variable(const std::string& name) {
 void CardSimulator::RaiseStatusBits(std::int64_t bits) {
     std::lock_guard lock(mutex_);
     double& status = Slot("P1022");
-    status = static_cast<double>(static_cast<std::int64_t>(status) | bits);
+    status = static_cast<double>(Whole(status) | bits);
 }
 
 void CardSimulator::SetStation(int station) {
     std::lock_guard lock(mutex_);
     Slot("M802") = station;
     double& status = Slot("P1022");
-    status = static_cast<double>(static_cast<std::int64_t>(status) | 512);
+    status = static_cast<double>(Whole(status) | 512);
 }
 
 void CardSimulator::StepHits(int hits) {
@@ -260,43 +269,44 @@ std::string CardSimulator::Command(const std::string& line) {
     in >> verb >> a >> b >> c;
     verb = UpperCase(verb);
     auto number = [](const std::string& t) { return ToNumber(t); };
+    auto whole = [](const std::string& t) { return static_cast<int>(std::clamp(ToNumber(t), -2e9, 2e9)); };
     if (verb == "SET" && !a.empty() && !b.empty()) {
         SetVariable(a, number(b));
         return UpperCase(a) + "=" + ValueText(number(b));
     }
     if (verb == "GET" && !a.empty()) return UpperCase(a) + "=" + ValueText(Variable(a));
     if (verb == "RAISE" && !a.empty()) {
-        RaiseStatusBits(static_cast<std::int64_t>(number(a)));
+        RaiseStatusBits(Whole(number(a)));
         return "P1022=" + ValueText(Variable("P1022"));
     }
     if (verb == "STATION" && !a.empty()) {
-        SetStation(static_cast<int>(number(a)));
+        SetStation(whole(a));
         return "M802=" + a;
     }
     if (verb == "HIT") {
-        StepHits(a.empty() ? 1 : static_cast<int>(number(a)));
+        StepHits(a.empty() ? 1 : whole(a));
         return "M869=" + ValueText(Variable("M869"));
     }
     if (verb == "HOLD" && !a.empty()) {
-        HoldNextAnswer(static_cast<int>(number(a)));
+        HoldNextAnswer(whole(a));
         return "next answer held " + a + " ms";
     }
     if (verb == "MOTOR" && !a.empty() && !b.empty()) {
-        SetMotor(static_cast<int>(number(a)), number(b), number(c));
+        SetMotor(whole(a), number(b), number(c));
         return "motor " + a + " at " + b;
     }
     if (verb == "AXIS" && !a.empty() && !b.empty()) {
-        SetAxisDefinition(static_cast<int>(number(a)), UpperCase(b));
+        SetAxisDefinition(whole(a), UpperCase(b));
         return "#" + a + "->" + UpperCase(b);
     }
     if (verb == "PC" && !a.empty() && !b.empty()) {
-        SetProgramCounter(static_cast<int>(number(a)), static_cast<int>(number(b)));
+        SetProgramCounter(whole(a), whole(b));
         return "PC=P" + a + ":" + b;
     }
     if (verb == "PROGRAM" && !a.empty()) {
         std::string out;
-        for (const auto& l : Program(static_cast<int>(number(a)))) out += l + "\n";
-        return out + "(" + std::to_string(Program(static_cast<int>(number(a))).size()) + " lines)";
+        for (const auto& l : Program(whole(a))) out += l + "\n";
+        return out + "(" + std::to_string(Program(whole(a)).size()) + " lines)";
     }
     if (verb == "LOG") {
         std::string out;
