@@ -23,5 +23,9 @@ int Format(const Args& args);
 // Converts STEM + "org" to A1, A2, sbs, M1 and M2 and prints the dialect.
 int Convert(const Args& args);
 int Tool(const Args& args);
+// Lists the records of a drawing file.
+int Drawing(const Args& args);
+// Expands STEM + "drw" into STEM + "dr1" and prints the number of hits.
+int Expand(const Args& args);
 
 }  // namespace kirvana::office

@@ -43,6 +43,8 @@ const Command Commands[] = {
     {"format", Format, "format VALUE DECIMALS [--single]  format a number"},
     {"convert", Convert, "convert STEM --root ROOT         convert STEM + \"org\", print the dialect"},
     {"tool", Tool, "tool \"TEXT\" [--inches] [--station-type N]   read a tool text, print the record and its description"},
+    {"drawing", Drawing, "drawing FILE                     list the records of a drawing file"},
+    {"expand", Expand, "expand STEM                      expand STEM + \"drw\" into single hits in STEM + \"dr1\", print the hits"},
 };
 
 int Help() {

@@ -1,0 +1,28 @@
+// `ExpandDrawing`: the expanded file (`.dr1`) of a drawing, the Sheet record and then one
+// Punch record per hit of every Punch, Linear Pattern, Grid Pattern and Arc Pattern.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "analysis/drawing_file.h"
+
+namespace kirvana {
+
+// The most hits one expansion writes. A pattern's counts are 16-bit, but a grid of 32767 rows
+// of 32767 hits would fill a disk: the expansion stops at this many hits and says so.
+inline constexpr std::int32_t MaxExpandedHits = 4'000'000;
+
+struct ExpandResult {
+    bool Done = false;          // false: the drawing could not be opened, or the output not written
+    std::int32_t Records = 0;   // records of the expanded file, the Sheet included
+    bool LimitReached = false;  // the hits stopped at the limit
+};
+
+// Builds stem + "dr1" from stem + "drw" (a stem ends in "."). A missing drawing writes nothing.
+ExpandResult ExpandDrawing(const std::string& stem, std::int32_t maxHits = MaxExpandedHits);
+
+// The expansion between two open files; `expanded` is written from record 1 on.
+ExpandResult ExpandRecords(DrawingFile& drawing, DrawingFile& expanded, std::int32_t maxHits = MaxExpandedHits);
+
+}  // namespace kirvana
