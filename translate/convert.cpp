@@ -1003,88 +1003,83 @@ struct Run {
         return true;
     }
 
-    bool SplitPlain() {
-        const std::string org = File("org");
-        NoteFile(Settings.ServiceDir, org);
-        LineReader in(org);
-        if (!in.IsOpen()) return Fail(ConvertStatus::MissingProgram, org);
-        LineWriter a1(File("A1")), a2(File("A2")), sbs(File("sbs"));
-        if (!a1.IsOpen() || !a2.IsOpen() || !sbs.IsOpen()) return Fail(ConvertStatus::FileFault, File("A1"));
-        std::int16_t count = 0;
-        bool toA2 = false;
-        long lineNumber = 0;
-        std::string_view raw;
-        while (in.Next(raw)) {
-            ++lineNumber;
-            std::string_view line = Trim(raw);
-            // Every mark the splitter looks for starts with "(".
-            if (!Has(line, '(')) {
-                (toA2 ? a2 : a1).Write(line);
-                continue;
-            }
-            std::string up = UpperCase(line);
-            // 1. A subroutine opens: its lines go to A2, its name to the table.
-            if (Has(up, "(ID,GSUB") || Has(up, "(ID,PSUB")) {
-                toA2 = true;
-                NoteCount(count);
-                sbs.Write(SubroutineName(line) + ", " + IntegerText(count));
-            }
-            // 2. The line to the current text.
-            (toA2 ? a2 : a1).Write(line);
-            // 3. A subroutine closes.
-            if (Has(up, "(END,GSUB") || Has(up, "(END,PSUB")) toA2 = false;
-            // 4. A call of a ".GSB" file copies the file to A2 as a subroutine of its own.
-            if (Has(up, "(GSUB,")) {
-                std::string name = SubroutineName(line);
-                std::string path = ResolveNoCase(Settings.CurrentDir + name + ".GSB");
-                if (FileExists(path)) {
-                    NoteCount(count);
-                    sbs.Write(name + ", " + IntegerText(count));
-                    NoteFile(Settings.ServiceDir, path);
-                    LineReader gsb(path);
-                    std::string_view gsbLine;
-                    while (gsb.Next(gsbLine)) {
-                        std::string_view trimmed = Trim(gsbLine);
-                        if (!trimmed.empty()) a2.Write(trimmed);
-                    }
-                }
-            }
-            NoteOverflow("org", lineNumber);
+    // The splitter's outputs: main text, subroutine text, subroutine table.
+    struct SplitFiles {
+        LineWriter A1, A2, Sbs;
+        std::int16_t Count = 0;
+        bool ToA2 = false;
+        LineWriter& Current() { return ToA2 ? A2 : A1; }
+    };
+
+    // Dialects 0 and 1: "(ID,PSUB," to "(END,PSUB" (and GSUB) go to A2; a "(GSUB," call of a
+    // ".GSB" file copies the file to A2 as a subroutine of its own.
+    void SplitPlainLine(SplitFiles& files, std::string_view line) {
+        // Every mark looked for starts with "(".
+        if (!Has(line, '(')) {
+            files.Current().Write(line);
+            return;
         }
-        sbs.Write(EndMarker);
-        if (!a1.Close() || !a2.Close() || !sbs.Close()) return Fail(ConvertStatus::FileFault, File("A1"));
-        return true;
+        std::string up = UpperCase(line);
+        // 1. A subroutine opens: its lines go to A2, its name to the table.
+        if (Has(up, "(ID,GSUB") || Has(up, "(ID,PSUB")) {
+            files.ToA2 = true;
+            NoteCount(files.Count);
+            files.Sbs.Write(SubroutineName(line) + ", " + IntegerText(files.Count));
+        }
+        // 2. The line to the current text.
+        files.Current().Write(line);
+        // 3. A subroutine closes.
+        if (Has(up, "(END,GSUB") || Has(up, "(END,PSUB")) files.ToA2 = false;
+        // 4. A ".GSB" file, named as a relative path.
+        if (Has(up, "(GSUB,")) {
+            std::string name = SubroutineName(line);
+            std::string path = ResolveNoCase(Settings.CurrentDir + name + ".GSB");
+            if (!FileExists(path)) return;
+            NoteCount(files.Count);
+            files.Sbs.Write(name + ", " + IntegerText(files.Count));
+            NoteFile(Settings.ServiceDir, path);
+            LineReader gsb(path);
+            std::string_view gsbLine;
+            while (gsb.Next(gsbLine)) {
+                std::string_view trimmed = Trim(gsbLine);
+                if (!trimmed.empty()) files.A2.Write(trimmed);
+            }
+        }
     }
 
-    bool SplitBracket() {
+    // Dialect 2: from the first code part with "S" on all goes to A2, each subroutine closed
+    // by "(ENDSUB)" ahead of the next one.
+    void SplitBracketLine(SplitFiles& files, std::string_view line) {
+        std::string_view code = line.substr(0, line.find('('));
+        std::size_t s = FindNoCase(code, "S");
+        if (s != npos) {
+            files.ToA2 = true;
+            if (files.Count > 0) files.A2.Write("(ENDSUB)");
+            NoteCount(files.Count);
+            files.Sbs.Write(DigitsAfter(code, s) + ", " + IntegerText(files.Count));
+        }
+        files.Current().Write(line);
+    }
+
+    bool Split(bool bracket) {
         const std::string org = File("org");
         NoteFile(Settings.ServiceDir, org);
         LineReader in(org);
         if (!in.IsOpen()) return Fail(ConvertStatus::MissingProgram, org);
-        LineWriter a1(File("A1")), a2(File("A2")), sbs(File("sbs"));
-        if (!a1.IsOpen() || !a2.IsOpen() || !sbs.IsOpen()) return Fail(ConvertStatus::FileFault, File("A1"));
-        std::int16_t count = 0;
-        bool toA2 = false;
+        SplitFiles files{LineWriter(File("A1")), LineWriter(File("A2")), LineWriter(File("sbs"))};
+        if (!files.A1.IsOpen() || !files.A2.IsOpen() || !files.Sbs.IsOpen())
+            return Fail(ConvertStatus::FileFault, File("A1"));
         long lineNumber = 0;
         std::string_view raw;
         while (in.Next(raw)) {
             ++lineNumber;
-            std::string_view line = Trim(raw);
-            std::string_view code = line.substr(0, line.find('('));
-            std::size_t s = FindNoCase(code, "S");
-            if (s != npos) {
-                // A subroutine opens: from here on all goes to A2, each one closed by "(ENDSUB)".
-                toA2 = true;
-                if (count > 0) a2.Write("(ENDSUB)");
-                NoteCount(count);
-                sbs.Write(DigitsAfter(code, s) + ", " + IntegerText(count));
-            }
-            (toA2 ? a2 : a1).Write(line);
+            if (bracket) SplitBracketLine(files, Trim(raw));
+            else SplitPlainLine(files, Trim(raw));
             NoteOverflow("org", lineNumber);
         }
-        if (count >= 1 && toA2) a2.Write("(ENDSUB)");
-        sbs.Write(EndMarker);
-        if (!a1.Close() || !a2.Close() || !sbs.Close()) return Fail(ConvertStatus::FileFault, File("A1"));
+        if (bracket && files.Count >= 1 && files.ToA2) files.A2.Write("(ENDSUB)");
+        files.Sbs.Write(EndMarker);
+        if (!files.A1.Close() || !files.A2.Close() || !files.Sbs.Close()) return Fail(ConvertStatus::FileFault, File("A1"));
         return true;
     }
 
@@ -1166,7 +1161,7 @@ ConvertResult ConvertProgram(std::string_view stem, std::int16_t& dialect, const
     // 3. The dialect.
     if (!run.Detect(dialect)) return run.Result;
     // 4. Main text, subroutine text and the subroutine table.
-    if (!(dialect == BracketDialect ? run.SplitBracket() : run.SplitPlain())) return run.Result;
+    if (!run.Split(dialect == BracketDialect)) return run.Result;
     SubroutineTable table;
     if (!run.ReadTable(table)) return run.Result;
     // 5. The values kept across both block passes.
