@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "core/config.h"
+
 namespace kirvana::office {
 
 using Args = std::vector<std::string>;
@@ -14,6 +16,9 @@ int Usage(const char* line);
 // The value behind "--name" in the arguments, or "" when absent; `found` tells which.
 std::string Option(const Args& args, const std::string& name, bool* found = nullptr);
 bool Flag(const Args& args, const std::string& name);
+// The directories and Machine.dat of the installation at `root`, as the passes need them;
+// false (with the reason on stderr) when Machine.dat can't be read.
+bool MachineAt(std::string root, Directories& dirs, MachineData& machine);
 
 int Start(const Args& args);
 int Card(const Args& args);
@@ -23,6 +28,8 @@ int Format(const Args& args);
 // Converts STEM + "org" to A1, A2, sbs, M1 and M2 and prints the dialect.
 int Convert(const Args& args);
 int Tool(const Args& args);
+// Blends STEM + "M1" and prints the number of critical errors.
+int Blend(const Args& args);
 // Lists the records of a drawing file.
 int Drawing(const Args& args);
 // Expands STEM + "drw" into STEM + "dr1" and prints the number of hits.

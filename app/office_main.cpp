@@ -27,6 +27,18 @@ bool Flag(const Args& args, const std::string& name) {
     return false;
 }
 
+bool MachineAt(std::string root, Directories& dirs, MachineData& machine) {
+    if (!root.empty() && root.back() != '/') root += '/';
+    dirs.RootDir = root;
+    dirs.DataDir = root + "Data/";
+    dirs.ServiceDir = root + "Service/";
+    if (auto fault = ReadMachineFiles(dirs, machine)) {
+        std::fprintf(stderr, "%s\n", fault->Message().c_str());
+        return false;
+    }
+    return true;
+}
+
 namespace {
 
 struct Command {
@@ -42,6 +54,7 @@ const Command Commands[] = {
     {"word", Word, "word \"BLOCK\" LETTER [--number|--integer]   read a word of a block"},
     {"format", Format, "format VALUE DECIMALS [--single]  format a number"},
     {"convert", Convert, "convert STEM --root ROOT         convert STEM + \"org\", print the dialect"},
+    {"blend", Blend, "blend STEM --root ROOT --program NAME --directory DIR   blend STEM + \"M1\", print the critical errors"},
     {"tool", Tool, "tool \"TEXT\" [--inches] [--station-type N]   read a tool text, print the record and its description"},
     {"drawing", Drawing, "drawing FILE                     list the records of a drawing file"},
     {"expand", Expand, "expand STEM                      expand STEM + \"drw\" into single hits in STEM + \"dr1\", print the hits"},

@@ -56,6 +56,16 @@ case "$message" in *"Logic.msg"*) passed=$((passed + 1)) ;; *) failed=$((failed 
 if grep -q "Logic.msg" "$work/demo/Service/LastFile.txt"; then passed=$((passed + 1)); else failed=$((failed + 1)); echo "FAILED LastFile.txt"; fi
 check_code start-no-root 3 "$office" start --root "$work/none"
 
+# The blend command on a motion text of the demo installation.
+mkdir -p "$work/demo2" && cp -r "$demo/." "$work/demo2/" && mkdir -p "$work/demo2/Service"
+printf 'N0001 M100\nN0002 M03\nN0003 G00 X100 Y100\nN0004 G101 X200 Y100\nN0005 G101 X300 Y100\n' > "$work/demo2/P.M1"
+check blend-clean "0" "$office" blend "$work/demo2/P." --root "$work/demo2" --program P --directory Dorvenis
+check blend-marks "N0005 G101 B1 X300 Y100" tail -n 1 "$work/demo2/P.M1"
+printf 'N0001 M100\nN0002 G00 X0 Y0\nN0003 G102 X100 Y0 R40\n' > "$work/demo2/Q.M1"
+check_code blend-critical 1 "$office" blend "$work/demo2/Q." --root "$work/demo2" --program Q --directory Dorvenis
+check blend-report "Non-Interpolated Arc (Invalid R)" sed -n 6p "$work/demo2/Service/Blend.txt"
+check_code blend-usage 2 "$office" blend "$work/demo2/Q." --root "$work/demo2"
+
 # The card command against the simulator, as an installer checks the link.
 cp -r "$demo" "$work/card"
 printf 'Card in use: TRUE\nPoll log: FALSE\n******\n' > "$work/card/Control.cnc"
