@@ -295,6 +295,22 @@ TEST(BlockPass, ConditionsAndJumpsKeepTheirOrder) {
     EXPECT_EQ(pass("(GOTO N20)"), " GOTO 20");
 }
 
+TEST(BlockPass, BitwisePositionTestCanSkipTheCondition) {
+    // "IF" at 1 and "ENDIF" at 5: the test fails and the block is not rewritten.
+    Blocks pass;
+    EXPECT_EQ(pass("IF  ENDIF"), "IF ENDIF");
+    // "IF" at 1 and "ENDIF" at 6: the test passes; the condition runs to the block's length
+    // less one, so it is "ENDI".
+    EXPECT_EQ(pass("IF   ENDIF"), " IF (ENDI) ");
+}
+
+TEST(BlockPass, RoundHoldsAnNThatCountsAsSequenceWord) {
+    Blocks pass;
+    pass("N0005 X1");
+    EXPECT_EQ(pass("G01 X10 YROUND(2.5)"), "N P8=2.5 P6=-999 G01 X10 YROUD(2.5)");
+    EXPECT_EQ(pass.State.SequenceCount, 0);
+}
+
 TEST(BlockPass, ReturnInSubroutineTextIsWrittenAsItStands) {
     Blocks pass(BangDialect, BlockPass::Subroutines);
     EXPECT_EQ(pass("(END,PSUB)"), "RETURN ;(END,PSUB)");
@@ -406,6 +422,28 @@ TEST(ConvertProgram, BinaryGarbageAndLongLines) {
     ConvertResult result = program.Run(garbage);
     EXPECT_EQ(result.Status, ConvertStatus::Done);
     EXPECT_FALSE(program.File("M1").empty());
+}
+
+TEST(ConvertProgram, DeeplyNestedExpressionsEndQuietly) {
+    Program program;
+    program.Settings.ProfilerArcCentre = true;
+    std::string nested = std::string(20000, '(') + "1" + std::string(20000, ')');
+    std::string rounds;
+    for (int i = 0; i < 200; ++i) rounds += "ROUND(";
+    rounds += "2.5" + std::string(200, ')');
+    ConvertResult result =
+        program.Run("! deep\nM100\nG102 X1 I" + nested + " J" + rounds + "\nG102 X1 I(((1 J1)\nM30\n");
+    EXPECT_EQ(result.Status, ConvertStatus::Done);
+    std::string m1 = program.File("M1");
+    // The first arc: I reads 1 and J, ROUND nested beyond the reader's depth, reads 0. The
+    // rewrite copies the parentheses behind the new values, and each "N" of "ROUND" counts as
+    // the sequence word: the count starts again at 1.
+    std::size_t third = m1.find("\nN");
+    ASSERT_NE(third, std::string::npos);
+    EXPECT_NE(m1.find(" G102 X1 I-1 ((((("), std::string::npos);
+    EXPECT_NE(m1.find(" J0 ROUD(ROUD("), std::string::npos);
+    // Unbalanced parentheses read 0.
+    EXPECT_NE(m1.find("\nN0001 G102 X1 I0 (((1 J0 )\nN0002 M30\n"), std::string::npos);
 }
 
 TEST(ConvertProgram, RoundOverflowIsReported) {
