@@ -353,6 +353,22 @@ TEST(ConvertProgram, BangInLastLineOnlyGivesDialectZero) {
     EXPECT_EQ(program.File("M1"), "N0001 G81 X10 Y10 T1\nN0002 G81 X20\nN ED M30 !\n");
 }
 
+TEST(ConvertProgram, SettingsComeFromTheMachineData) {
+    MachineData machine;
+    machine.SwapArcWords = true;
+    machine.ProfilerArcCentre = true;
+    Directories dirs;
+    dirs.ServiceDir = "/srv/Service/";
+    ConvertSettings settings = ConvertSettingsFrom(machine, dirs);
+    EXPECT_TRUE(settings.SwapArcWords);
+    EXPECT_FALSE(settings.ArcCentreIncremental);
+    EXPECT_FALSE(settings.ProfilerArcSwap);
+    EXPECT_TRUE(settings.ProfilerArcCentre);
+    EXPECT_FALSE(settings.AmadaMachine);
+    EXPECT_EQ(settings.ServiceDir, "/srv/Service/");
+    EXPECT_EQ(settings.CurrentDir, "");
+}
+
 TEST(ConvertProgram, AmadaMachineIsNotYetConverted) {
     Program program;
     program.Settings.AmadaMachine = true;
