@@ -52,8 +52,8 @@ std::int32_t Conversation::GetRspnsLng(std::string_view query) {
 }
 
 float Conversation::GetRspnsSngl(std::string_view query, int places) {
-    float value = static_cast<float>(LeadingNumber("GetRspnsSngl", query));
-    if (places >= 0) value = static_cast<float>(RoundHalfEven(value, places));
+    float value = ToSingle(LeadingNumber("GetRspnsSngl", query));
+    if (places >= 0) value = ToSingle(RoundHalfEven(value, places));
     return value;
 }
 

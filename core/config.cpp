@@ -149,7 +149,7 @@ ConfigResult ReadMachineFiles(const Directories& dirs, MachineData& machine) {
     if (auto fault = ReadRequired(dirs, path, path, lines)) return fault;
     if (lines.size() < 18) return ConfigFault{path, "has fewer than 18 lines"};
 
-    auto number = [&](std::size_t i) { return static_cast<float>(ToNumber(ConfigValue(lines[i]))); };
+    auto number = [&](std::size_t i) { return ToSingle(ToNumber(ConfigValue(lines[i]))); };
     std::optional<ConfigFault> fault;
     auto integer = [&](std::size_t i) -> std::int16_t {
         auto value = TruncateToInt16(ToNumber(ConfigValue(lines[i])));
@@ -189,7 +189,7 @@ ConfigResult ReadMachineFiles(const Directories& dirs, MachineData& machine) {
         if (lines.size() > 0) machine.ProfilerArcSwap = YesNoValue(lines[0]);
         if (lines.size() > 1) machine.ProfilerArcCentre = YesNoValue(lines[1]);
         if (lines.size() > 2) {
-            machine.ProfilerValue = static_cast<float>(ToNumber(ConfigValue(lines[2])));
+            machine.ProfilerValue = ToSingle(ToNumber(ConfigValue(lines[2])));
             if (lines.size() > 3) machine.ProfilerFlag = YesNoValue(lines[3]);
         }
     }

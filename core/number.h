@@ -59,6 +59,10 @@ std::optional<std::int16_t> TruncateToInt16(double value);
 std::optional<std::int16_t> RoundToInt16(double value);
 std::optional<std::int32_t> RoundToInt32(double value);
 
+// A double into a single field: values beyond the range of a single become an infinity of
+// their sign, as the hardware conversion gives, instead of undefined behaviour.
+float ToSingle(double value);
+
 // Exchange two values or two 16-bit words.
 void SwapValues(Number& a, Number& b);
 void SwapWords(std::int16_t& a, std::int16_t& b);

@@ -1,24 +1,13 @@
-// Storing a double into a single field without undefined behaviour: values beyond the range
-// of a single become an infinity of their sign, as the hardware conversion gives.
+// Storing numbers read from the tooling files into their fields.
 #pragma once
 
-#include <cfloat>
-#include <cmath>
 #include <cstdint>
+
+#include "core/number.h"
 
 namespace kirvana {
 
-inline float ToSingle(double value) {
-    if (value > FLT_MAX) return HUGE_VALF;
-    if (value < -FLT_MAX) return -HUGE_VALF;
-    return static_cast<float>(value);
-}
-
 // A 16-bit field read from a number, truncated; a value that does not fit reads as 0.
-inline std::int16_t ToWordOrZero(double value) {
-    double t = std::trunc(value);
-    if (!(t >= -32768.0 && t <= 32767.0)) return 0;
-    return static_cast<std::int16_t>(t);
-}
+inline std::int16_t ToWordOrZero(double value) { return TruncateToInt16(value).value_or(0); }
 
 }  // namespace kirvana

@@ -1,6 +1,7 @@
 #include "tooling/tool_record.h"
 
 #include <array>
+#include <cmath>
 
 #include "core/number.h"
 #include "core/station_kind.h"

@@ -1,5 +1,7 @@
 #include "tooling/turret.h"
 
+#include <cmath>
+
 #include "core/number.h"
 #include "core/paths.h"
 #include "core/station_kind.h"

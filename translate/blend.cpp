@@ -182,24 +182,24 @@ void BlendPass::PositionUpdate(const std::string& block) {
     bool mirrored = s.BlendMirrorX || s.BlendMirrorY;
     if (!s.BlendIncremental) {
         // 7. Absolute.
-        if (x != Missing) s.BlendX = static_cast<float>(s.BlendMirrorX ? s.BlendOriginX - x : s.BlendOriginX + x);
-        if (y != Missing) s.BlendY = static_cast<float>(s.BlendMirrorY ? s.BlendOriginY - y : s.BlendOriginY + y);
-        if (c != Missing) s.BlendC = static_cast<float>(mirrored ? MirrorAngle(c) : c);
+        if (x != Missing) s.BlendX = ToSingle(s.BlendMirrorX ? s.BlendOriginX - x : s.BlendOriginX + x);
+        if (y != Missing) s.BlendY = ToSingle(s.BlendMirrorY ? s.BlendOriginY - y : s.BlendOriginY + y);
+        if (c != Missing) s.BlendC = ToSingle(mirrored ? MirrorAngle(c) : c);
     } else {
         // 8. Incremental.
-        if (x != Missing) s.BlendX = static_cast<float>(s.BlendMirrorX ? s.BlendX - x : s.BlendX + x);
-        if (y != Missing) s.BlendY = static_cast<float>(s.BlendMirrorY ? s.BlendY - y : s.BlendY + y);
-        if (c != Missing) s.BlendC = static_cast<float>(s.BlendC + (mirrored ? MirrorAngle(c) : c));
+        if (x != Missing) s.BlendX = ToSingle(s.BlendMirrorX ? s.BlendX - x : s.BlendX + x);
+        if (y != Missing) s.BlendY = ToSingle(s.BlendMirrorY ? s.BlendY - y : s.BlendY + y);
+        if (c != Missing) s.BlendC = ToSingle(s.BlendC + (mirrored ? MirrorAngle(c) : c));
     }
     // 9. C within a turn.
-    s.BlendC = static_cast<float>(NormaliseAngle(s.BlendC));
+    s.BlendC = ToSingle(NormaliseAngle(s.BlendC));
     // 10. The increments H, V and the polar R, A.
     double dx, dy;
     PolarToXY(r, a, dx, dy);
     h += dx;
     v += dy;
-    s.BlendX = static_cast<float>(s.BlendMirrorX ? s.BlendX - h : s.BlendX + h);
-    s.BlendY = static_cast<float>(s.BlendMirrorY ? s.BlendY - v : s.BlendY + v);
+    s.BlendX = ToSingle(s.BlendMirrorX ? s.BlendX - h : s.BlendX + h);
+    s.BlendY = ToSingle(s.BlendMirrorY ? s.BlendY - v : s.BlendY + v);
     // 11. Travel limits, except for the arc patterns.
     if (!Holds("G37") && !Holds("G28")) CheckLimits(s.BlendX, s.BlendY, block);
 }
@@ -246,8 +246,8 @@ void BlendPass::ProfileLine(const std::string& block) {
     // 6. This move becomes the last.
     ClearLastMove();
     s.LastMove.Kind = 1;
-    s.LastMove.Length = static_cast<float>(length);
-    s.LastMove.Angle = static_cast<float>(angle);
+    s.LastMove.Length = ToSingle(length);
+    s.LastMove.Angle = ToSingle(angle);
     s.LastMove.StartX = s.BlendPrevX;
     s.LastMove.StartY = s.BlendPrevY;
     s.LastMove.EndX = s.BlendX;
@@ -367,7 +367,7 @@ void BlendPass::ProfileArc(const std::string& block, bool g103) {
         // 5, 6. Tangency with the arc's start direction, and the radius.
         double direction = sweep >= 0 ? NormaliseAngle(startAngle + 90) : NormaliseAngle(startAngle - 90);
         std::string mark = Tangent(direction) ? " B1 E" : " B0 E";
-        mark += FormatNumber(RoundHalfEven(Number(static_cast<float>(radius)), 3), -1);
+        mark += FormatNumber(RoundHalfEven(Number(ToSingle(radius)), 3), -1);
         InsertMark(g103 ? "G103" : "G102", mark);
         // 7. This arc becomes the last move.
         ClearLastMove();
@@ -377,11 +377,11 @@ void BlendPass::ProfileArc(const std::string& block, bool g103) {
         m.StartY = s.BlendPrevY;
         m.EndX = s.BlendX;
         m.EndY = s.BlendY;
-        m.CentreX = static_cast<float>(centreX);
-        m.CentreY = static_cast<float>(centreY);
-        m.Radius = static_cast<float>(radius);
-        m.StartAngle = static_cast<float>(startAngle);
-        m.Sweep = static_cast<float>(sweep);
+        m.CentreX = ToSingle(centreX);
+        m.CentreY = ToSingle(centreY);
+        m.Radius = ToSingle(radius);
+        m.StartAngle = ToSingle(startAngle);
+        m.Sweep = ToSingle(sweep);
     }
     // 8. The arc's travel, checked at every whole degree.
     int step = sweep > 0 ? 1 : (sweep < 0 ? -1 : 0);
@@ -445,8 +445,8 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
         double x = BlendValue(b, "X"), y = BlendValue(b, "Y");
         x = x == Missing ? 0 : (s.BlendInch ? x * Inch : x);
         y = y == Missing ? 0 : (s.BlendInch ? y * Inch : y);
-        s.BlendOriginX = static_cast<float>(s.BlendMirrorX ? s.BlendOriginX - x : s.BlendOriginX + x);
-        s.BlendOriginY = static_cast<float>(s.BlendMirrorY ? s.BlendOriginY - y : s.BlendOriginY + y);
+        s.BlendOriginX = ToSingle(s.BlendMirrorX ? s.BlendOriginX - x : s.BlendOriginX + x);
+        s.BlendOriginY = ToSingle(s.BlendMirrorY ? s.BlendOriginY - y : s.BlendOriginY + y);
         s.BlendHit = false;
     }
     // 10. Origin cleared.
@@ -454,9 +454,9 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
     // 11. Origin set so that the position reads X, Y (the words as written, not converted).
     if (Holds("G92")) {
         double x = BlendValue(b, "X");
-        if (x != Missing) s.BlendOriginX = static_cast<float>(s.BlendMirrorX ? s.BlendX + x : s.BlendX - x);
+        if (x != Missing) s.BlendOriginX = ToSingle(s.BlendMirrorX ? s.BlendX + x : s.BlendX - x);
         double y = BlendValue(b, "Y");
-        if (y != Missing) s.BlendOriginY = static_cast<float>(s.BlendMirrorY ? s.BlendY + y : s.BlendY - y);
+        if (y != Missing) s.BlendOriginY = ToSingle(s.BlendMirrorY ? s.BlendY + y : s.BlendY - y);
         s.BlendHit = false;
     }
     // 12. Kerf, in profiling only.

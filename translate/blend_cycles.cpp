@@ -34,8 +34,8 @@ void BlendPass::ClearAndStep() {
 }
 
 void BlendPass::MoveBy(double dx, double dy) {
-    State.BlendX = static_cast<float>(State.BlendX + dx);
-    State.BlendY = static_cast<float>(State.BlendY + dy);
+    State.BlendX = ToSingle(State.BlendX + dx);
+    State.BlendY = ToSingle(State.BlendY + dy);
 }
 
 // G64: a full circle of hits around the start point; the tool leaves at the first hit.
@@ -230,8 +230,8 @@ void BlendPass::CycleG28(const std::string& block) {
     ClearAndStep();
     double dx, dy;
     PolarToXY(r, arc.P3 + arc.Sweep, dx, dy);
-    State.BlendX = static_cast<float>(centreX + dx);
-    State.BlendY = static_cast<float>(centreY + dy);
+    State.BlendX = ToSingle(centreX + dx);
+    State.BlendY = ToSingle(centreY + dy);
     // 11. Back to the start unless told to stay.
     if (!stay) {
         State.BlendX = State.BlendPrevX;
@@ -298,8 +298,8 @@ void BlendPass::CycleG36(const std::string& block) {
     ClearAndStep();
     double dx, dy;
     PolarToXY(p1, p5, dx, dy);
-    State.BlendX = static_cast<float>(State.BlendPrevX + dx);
-    State.BlendY = static_cast<float>(State.BlendPrevY + dy);
+    State.BlendX = ToSingle(State.BlendPrevX + dx);
+    State.BlendY = ToSingle(State.BlendPrevY + dy);
 }
 
 // G37: a nibbled arc, tracked from the current position.
@@ -353,8 +353,8 @@ void BlendPass::CycleG37(const std::string& block) {
     PolarToXY(r, p5 + p1, dx, dy);
     MoveBy(dx, dy);
     PolarToXY(r, p5, dx, dy);
-    State.BlendPrevX = static_cast<float>(State.BlendX + dx);
-    State.BlendPrevY = static_cast<float>(State.BlendY + dy);
+    State.BlendPrevX = ToSingle(State.BlendX + dx);
+    State.BlendPrevY = ToSingle(State.BlendY + dy);
 }
 
 }  // namespace kirvana
