@@ -227,7 +227,7 @@ void BlendPass::InsertMark(std::string_view code, const std::string& mark) {
     if (at != std::string::npos) State.BlendOutLine.insert(at + code.size(), mark);
 }
 
-void BlendPass::ProfileLine(const std::string& block) {
+void BlendPass::ProfileLine() {
     BlendState& s = State;
     // 1. A straight cut.
     s.BlendArcCode = 1;
@@ -475,7 +475,7 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
     // 14. Cutting moves in profiling; nibbling moves in punch mode.
     if (s.BlendProfiling) {
         bool g101 = Holds("G101"), g102 = Holds("G102"), g103 = Holds("G103");
-        if (g101 && !g102 && !g103) ProfileLine(b);
+        if (g101 && !g102 && !g103) ProfileLine();
         if (g102 && !g101 && !g103) ProfileArc(b, false);
         if (g103 && !g101 && !g102) ProfileArc(b, true);
         if (g101 || g102 || g103) s.BlendHit = false;

@@ -109,7 +109,7 @@ private:
     void ReadTool(const std::string& block);
     void PositionUpdate(const std::string& block);
     void CheckLimits(double x, double y, const std::string& block);
-    void ProfileLine(const std::string& block);
+    void ProfileLine();
     void ProfileArc(const std::string& block, bool g103);
     bool Tangent(double startDirection) const;
     void InsertMark(std::string_view code, const std::string& mark);
