@@ -233,6 +233,7 @@ DrawingFile& DrawingFile::operator=(DrawingFile&& other) noexcept {
     if (this != &other) {
         Close();
         file_ = std::exchange(other.file_, nullptr);
+        buffer_ = std::move(other.buffer_);
         inMemory_ = std::exchange(other.inMemory_, false);
         memory_ = std::move(other.memory_);
         size_ = std::exchange(other.size_, 0);
@@ -256,12 +257,18 @@ std::int64_t FileSize(std::FILE* file) {
 
 }  // namespace
 
+void DrawingFile::UseLargeBuffer() {
+    // The buffer must be given: without one the library picks the block size.
+    if (!buffer_) buffer_ = std::make_unique<char[]>(StreamBuffer);
+    std::setvbuf(file_, buffer_.get(), _IOFBF, StreamBuffer);
+}
+
 bool DrawingFile::Open(const std::string& path, bool readOnly) {
     Close();
     if (IsDirectory(path)) return false;
     file_ = std::fopen(path.c_str(), readOnly ? "rb" : "r+b");
     if (!file_) return false;
-    std::setvbuf(file_, nullptr, _IOFBF, StreamBuffer);
+    UseLargeBuffer();
     size_ = FileSize(file_);
     seekNeeded_ = true;
     return true;
@@ -272,7 +279,7 @@ bool DrawingFile::Create(const std::string& path) {
     std::remove(path.c_str());
     file_ = std::fopen(path.c_str(), "w+b");
     if (!file_) return false;
-    std::setvbuf(file_, nullptr, _IOFBF, StreamBuffer);
+    UseLargeBuffer();
     size_ = 0;
     seekNeeded_ = true;
     return true;
@@ -340,8 +347,13 @@ bool DrawingFile::PutBytes(std::int32_t number, const RecordBytes& bytes) {
     const std::int64_t at = Offset(number);
     const std::int64_t end = at + static_cast<std::int64_t>(RecordLength);
     if (inMemory_) {
-        if (static_cast<std::int64_t>(memory_.size()) < end) memory_.resize(static_cast<std::size_t>(end), '\0');
-        std::memcpy(memory_.data() + at, bytes.data(), RecordLength);
+        const auto held = static_cast<std::int64_t>(memory_.size());
+        if (held == at) {
+            memory_.append(reinterpret_cast<const char*>(bytes.data()), RecordLength);
+        } else {
+            if (held < end) memory_.resize(static_cast<std::size_t>(end), '\0');
+            std::memcpy(memory_.data() + at, bytes.data(), RecordLength);
+        }
         size_ = static_cast<std::int64_t>(memory_.size());
         return true;
     }

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <string>
 
 #include "analysis/entity.h"
@@ -60,7 +61,10 @@ public:
     std::int32_t LastReadable();
 
 private:
+    void UseLargeBuffer();
+
     std::FILE* file_ = nullptr;
+    std::unique_ptr<char[]> buffer_;  // the stream's buffer, large for long sequential writes
     bool inMemory_ = false;
     std::string memory_;
     std::int64_t size_ = 0;      // bytes in the file
