@@ -1,5 +1,6 @@
 #include "translate/convert.h"
 
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -108,16 +109,6 @@ namespace convert {
 // ---------------------------------------------------------------------------------------
 // Code index
 
-namespace {
-
-// The bit of a three-character code "G" or "M" and two digits, or -1.
-int CodeBit(char letter, char tens, char units) {
-    if (!IsDigit(tens) || !IsDigit(units)) return -1;
-    return (letter == 'M' ? 100 : 0) + (tens - '0') * 10 + (units - '0');
-}
-
-}  // namespace
-
 void CodeIndex::Build(std::string_view block) {
     count_ = 0;
     many_ = false;
@@ -136,27 +127,20 @@ void CodeIndex::Build(std::string_view block) {
     }
 }
 
-bool CodeIndex::Has(std::string_view block, std::string_view word) const {
-    if (word.empty() || (word[0] != 'G' && word[0] != 'M')) return kirvana::Has(block, word);
-    bool found = false;
-    int bit = word.size() == 3 ? CodeBit(word[0], word[1], word[2]) : -1;
-    if (bit >= 0) {
-        found = (codes_[bit / 64] >> (bit % 64)) & 1;
-    } else if (many_) {
-        found = kirvana::Has(block, word);
-    } else {
-        for (int k = 0; k < count_ && !found; ++k) {
-            std::size_t at = at_[k];
-            if (at + word.size() > block.size() || block[at] != word[0]) continue;
-            std::size_t i = 1;
-            while (i < word.size() && block[at + i] == word[i]) ++i;
-            found = i == word.size();
-        }
+bool CodeIndex::Search(std::string_view block, std::string_view word) const {
+    if (many_) return block.find(word) != npos;
+    for (int k = 0; k < count_; ++k) {
+        std::size_t at = at_[k];
+        if (at + word.size() > block.size() || block[at] != word[0]) continue;
+        std::size_t i = 1;
+        while (i < word.size() && block[at + i] == word[i]) ++i;
+        if (i == word.size()) return true;
     }
-#ifndef NDEBUG
-    if (found != kirvana::Has(block, word)) std::abort();  // the index was not rebuilt after a change
-#endif
-    return found;
+    return false;
+}
+
+void CodeIndex::Check(std::string_view block, std::string_view word, bool found) {
+    if (found != (block.find(word) != npos)) std::abort();  // the index was not rebuilt after a change
 }
 
 // ---------------------------------------------------------------------------------------
@@ -388,10 +372,11 @@ std::string JumpRewrite(std::string_view block) {
 // Fills and rules
 
 void ParameterFill(std::string& block, int first, int last, std::string_view value) {
-    char word[16];
+    char word[16] = {'P'};
     for (int number = first; number <= last; ++number) {
-        int length = std::snprintf(word, sizeof word, "P%d=", number);
-        std::string_view text(word, static_cast<std::size_t>(length));
+        char* end = std::to_chars(word + 1, word + sizeof word - 1, number).ptr;
+        *end++ = '=';
+        std::string_view text(word, static_cast<std::size_t>(end - word));
         if (Has(block, text)) continue;
         block += ' ';
         block += text;
@@ -420,18 +405,16 @@ bool HasAxis(std::string_view block) {
     return Has(block, 'X') || Has(block, 'Y') || Has(block, 'H') || Has(block, 'V');
 }
 
-bool HasAny(std::string_view block, std::initializer_list<std::string_view> words) {
-    for (std::string_view word : words)
-        if (Has(block, word)) return true;
-    return false;
-}
 
 }  // namespace
 
 void ModalFillMotion(std::string& block, int code, ConvertState& state) {
+    CodeIndex& codes = state.Codes;
+    codes.Build(block);
     for (int other = 1; other <= 3; ++other)
-        if (other != code && Has(block, MotionCode(other))) return;
-    if (HasAny(block, {"G00", "G103", "G102", "G101", "G04", "G92", "G56", "G53", "M60", "M50"})) return;
+        if (other != code && codes.Has(block, MotionCode(other))) return;
+    for (std::string_view word : {"G00", "G103", "G102", "G101", "G04", "G92", "G56", "G53", "M60", "M50"})
+        if (codes.Has(block, word)) return;
     if (!HasAxis(block)) return;
     if (!Has(block, MotionCode(code))) block += MotionCode(code);
     state.MotionMode = static_cast<std::int16_t>(code);
@@ -439,9 +422,12 @@ void ModalFillMotion(std::string& block, int code, ConvertState& state) {
 }
 
 void ModalFillArc(std::string& block, int code, ConvertState& state, const ConvertSettings& settings) {
-    if (HasAny(block, {"G00", "G01", "G02", "G03", "G04", "G92", "G56", "G53", "M60", "M50"})) return;
+    CodeIndex& codes = state.Codes;
+    codes.Build(block);
+    for (std::string_view word : {"G00", "G01", "G02", "G03", "G04", "G92", "G56", "G53", "M60", "M50"})
+        if (codes.Has(block, word)) return;
     for (int other = 1; other <= 3; ++other)
-        if (other != code && Has(block, ArcCode(other))) return;
+        if (other != code && codes.Has(block, ArcCode(other))) return;
     if (!HasAxis(block)) return;
     // 1. The code goes in front of the first axis word.
     if (!Has(block, ArcCode(code))) {
@@ -673,14 +659,15 @@ void SplitComment(std::string& block, std::string& comment, std::int16_t dialect
     }
     if (at == npos) {
         comment.clear();
-        block = std::string(Trim(block));
+        TrimInPlace(block);
         return;
     }
     std::string_view after = std::string_view(block).substr(at + 1);
     if (bracket) after = after.substr(0, after.find(')'));
     comment = " ;";
     comment += Trim(after);
-    block = std::string(Trim(std::string_view(block).substr(0, at)));
+    block.resize(at);
+    TrimInPlace(block);
 }
 
 }  // namespace
@@ -711,8 +698,8 @@ std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::
     // 2. Subroutine text: the sequence word at the start goes, a leading "/" stays.
     if (!mainText) block = StripBlockNumber(block);
     // 3. The dialect's own forms: messages, program marks, subroutines and calls.
-    block = bracket ? DialectRewriteBracket(block, context.Table, reader)
-                    : DialectRewritePlain(block, context.Table, reader);
+    if (bracket) block = DialectRewriteBracket(block, context.Table, reader);
+    else if (Has(block, '(')) block = DialectRewritePlain(block, context.Table, reader);
     // 4. The comment goes to BlockComment.
     SplitComment(block, state.BlockComment, context.Dialect);
     // 5. Main text: the sheet size from the comment, until one has been found.
@@ -731,7 +718,9 @@ std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::
         } else {
             if (state.SequenceCount == std::numeric_limits<std::int16_t>::max()) reader.IntegerOverflow = true;
             else ++state.SequenceCount;
-            block = "N" + ZeroPad(state.SequenceCount, 4) + " " + block;
+            block.insert(0, 1, ' ');
+            block.insert(0, ZeroPad(state.SequenceCount, 4));
+            block.insert(0, 1, 'N');
         }
     }
     changed();

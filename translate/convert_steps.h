@@ -40,9 +40,26 @@ private:
 class CodeIndex {
 public:
     void Build(std::string_view block);
-    bool Has(std::string_view block, std::string_view word) const;
+    bool Has(std::string_view block, std::string_view word) const {
+        bool found;
+        if (word.empty() || (word[0] != 'G' && word[0] != 'M')) return block.find(word) != std::string_view::npos;
+        int bit = word.size() == 3 ? CodeBit(word[0], word[1], word[2]) : -1;
+        found = bit >= 0 ? ((codes_[bit / 64] >> (bit % 64)) & 1) != 0 : Search(block, word);
+#ifndef NDEBUG
+        Check(block, word, found);
+#endif
+        return found;
+    }
 
 private:
+    // The bit of a three-character code "G" or "M" and two digits, or -1.
+    static int CodeBit(char letter, char tens, char units) {
+        if (tens < '0' || tens > '9' || units < '0' || units > '9') return -1;
+        return (letter == 'M' ? 100 : 0) + (tens - '0') * 10 + (units - '0');
+    }
+    bool Search(std::string_view block, std::string_view word) const;
+    static void Check(std::string_view block, std::string_view word, bool found);
+
     std::uint64_t codes_[4] = {};  // "G00" to "G99" and "M00" to "M99" present in the block
     std::uint32_t at_[16] = {};
     int count_ = 0;
