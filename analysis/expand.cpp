@@ -3,7 +3,7 @@
 #include "analysis/pattern_walk.h"
 #include "analysis/tool_outline.h"
 #include "core/geometry.h"
-#include "tooling/single.h"
+#include "core/number.h"
 
 namespace kirvana {
 

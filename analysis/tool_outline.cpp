@@ -6,7 +6,6 @@
 #include "analysis/pattern_walk.h"
 #include "core/geometry.h"
 #include "core/number.h"
-#include "tooling/single.h"
 
 namespace kirvana {
 
