@@ -33,6 +33,7 @@ public:
         std::fprintf(stderr, "%s\n(answered no: no operator at this seat)\n", text.c_str());
         return false;
     }
+    void ShowWarning(const std::string& text) override { std::fprintf(stderr, "%s\n", text.c_str()); }
     void ShowFrontEnd() override { frontEnd_ = true; }
     bool FrontEndVisible() override { return frontEnd_; }
     void UnloadFrontEnd() override { frontEnd_ = false; }

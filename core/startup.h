@@ -10,6 +10,7 @@
 #include "controller/controller_platform.h"
 #include "controller/conversation.h"
 #include "core/config.h"
+#include "core/slots.h"
 #include "tooling/tooling.h"
 
 namespace kirvana {
@@ -27,6 +28,12 @@ struct Process {
     std::array<bool, 3> StatusEdges{};
     // Scale factors of the four axes, from "#1->" to "#4->"; never 0.
     std::array<double, 4> AxisScale{1, 1, 1, 1};
+    // The two active slots; `Config.ActiveSlot` names the one shown and run.
+    std::array<SlotRecord, 2> Slots;
+    // The machine's state as the poll cycle last read it.
+    bool Running = false;
+    bool InFeedhold = false;
+    bool InCycle = false;
 };
 
 // What Main needs of the screens, the event queue and the computer.
@@ -42,6 +49,8 @@ public:
     virtual void ShowMessageBox(const std::string& text, const std::string& title) = 0;
     // A question through the warning screen; true for yes.
     virtual bool AskOperator(const std::string& text) = 0;
+    // A warning through the warning screen, with one OK button.
+    virtual void ShowWarning(const std::string& text) = 0;
     virtual void ShowFrontEnd() = 0;
     virtual bool FrontEndVisible() = 0;
     virtual void UnloadFrontEnd() = 0;

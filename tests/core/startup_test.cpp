@@ -29,6 +29,7 @@ struct FakePlatform : StartupPlatform {
     void ShowMessageBox(const std::string& text, const std::string& title) override {
         Events.push_back("MessageBox " + text + " / " + title);
     }
+    void ShowWarning(const std::string& text) override { Events.push_back("Warning " + text); }
     bool AskOperator(const std::string& text) override {
         Questions.push_back(text);
         return AnswerYes;

@@ -1,0 +1,110 @@
+// The two active slots: what a slot holds, its files `Actvprg`n`.*` in RootDir, the selection
+// of a program into the active slot through every pass, and the load of both slots at start.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "tooling/settings.h"
+
+namespace kirvana {
+
+struct Process;
+class StartupPlatform;
+class CardLink;
+struct Directories;
+
+// The records of `.W`k, the motion blocks with words, and the records of `.RA`k and `.RM`k.
+struct SlotCounts {
+    std::int16_t MapWordCount = 0;
+    std::int16_t MotionBlockCount = 0;
+    std::int16_t SourceRecordCount = 0;
+};
+
+// The `.sts` file: hits, travel and cut length of the program.
+struct SlotStats {
+    std::int32_t Hits = 0;
+    float Travel = 0;
+    float Cut = 0;
+};
+
+// The `.btc` file: parts per sheet, parts required, sheets required, completed sheets, and a
+// fifth counter of the poll cycle.
+using SlotBatch = std::array<std::int32_t, 5>;
+
+struct SlotRecord {
+    bool Present = false;
+    std::string ProgramName;
+    std::string ProgramDirName;
+    std::string ProgramDirPath;
+    std::int16_t SourceDialect = 1;
+    std::string CommentOpen = "!";
+    std::string CommentClose;
+    std::string Material;
+    float SheetX = 0, SheetY = 0;
+    std::array<float, 4> Clamps{};
+    float SlotLoadY = 0;
+    std::int16_t ActiveStation = 1;
+    std::int16_t DrawingRecords = 0;
+    bool Imperial = false;
+    SlotStats Stats;
+    SlotBatch Batch{};
+    PlasmaSetting PlasmaSettings;
+    std::array<SlotCounts, 2> Counts;  // M1, M2
+    std::int32_t HitFileRecords = 0;
+    std::string ExpandedFilePath;
+    bool ProgramStatsUsed = false;
+    std::int32_t LastHitCount = 0, HitCount = 0, HitBase = 0, RunHitFile = 1, RunCount = 0;
+};
+
+// RootDir + "Actvprg" + slot + ".": the stem of the slot's files.
+std::string SlotStem(const Directories& dirs, int slot);
+// The caption of the slot's program button on FrontEnd, naming the key F10 or F11.
+std::string ProgramButtonCaption(int slot, const SlotRecord& record);
+// The comment marks of a dialect, at selection or at the start-up load (dialect 5 differs).
+void SetCommentMarks(SlotRecord& record, bool atStart);
+
+// Indexes the card's program counter: A and M are read line by line together; every non-empty
+// A line is a record of RA (80 characters) and RM (240, its M line); each letter of the M
+// block is a word of W, pointing at the block and the record.
+SlotCounts BuildBlockMap(const std::string& aFile, const std::string& mFile, const std::string& wFile,
+                         const std::string& raFile, const std::string& rmFile);
+
+// The motion block and source record of the card's word in program 1 to 4; 0 and 0 when the
+// map doesn't exist or the program number is out of range.
+struct SlotBlock {
+    std::int16_t MotionBlockIndex = 0;
+    std::int16_t SourceRecord = 0;
+};
+SlotBlock SlotBlockAt(const Process& process, int program, std::int32_t word);
+
+// `.sts` and `.btc`; a missing file reads as zeros.
+SlotStats ReadSlotStats(const Directories& dirs, int slot);
+bool WriteSlotStats(const Directories& dirs, int slot, const SlotStats& stats);
+SlotBatch ReadSlotBatch(const Directories& dirs, int slot);
+bool WriteSlotBatch(const Directories& dirs, int slot, const SlotBatch& batch);
+// `Actvprg`n`.cfg`.
+bool WriteSlotConfig(const Directories& dirs, int slot, const SlotRecord& record);
+bool ReadSlotConfig(const Directories& dirs, int slot, SlotRecord& record);
+
+// Empties the slot and deletes its files.
+void ClearSlot(Process& process, int slot);
+
+// The outcome of a selection: the warning shown when it was refused.
+struct SelectOutcome {
+    bool Selected = false;
+    std::string Warning;
+};
+// The Select button: the program `name` of `directory` into the active slot, through every
+// pass, then downloaded. A refusal is shown through the platform's warning screen.
+SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLink* link, const std::string& directory,
+                            const std::string& name);
+
+// Takes up both slots from their files at start and downloads them.
+void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link);
+
+// The variable blocks of the active slot to the card: M811, Q11, the station, the profiler, the batch.
+void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link);
+
+}  // namespace kirvana
