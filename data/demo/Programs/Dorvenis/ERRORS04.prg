@@ -1,0 +1,10 @@
+N0000 ! PROGRAM NAME : ERRORS04
+ ! DIRECTORY : Dorvenis
+ ! DESCRIPTION : Lesson: a circle of holes needs more than one hit
+ ! DATE : 11-05-2026
+ ! MATERIAL : MILD STEEL 2.0
+ ! SHEET SIZE : X1000 x Y500
+G90 G71
+T1 X100 Y100
+G64 X500 Y250 J60 A0 B1
+M30
