@@ -1,5 +1,6 @@
 // Golden runs of the Blend pass: a motion text in, the blended text and the report out. Each
-// expected file was worked out by hand from the pass's rules. ".out" is the new M1 when the
+// expected file was worked out by hand from the pass's rules; the "conv_" texts are the
+// Convert pass's golden M1 files, so the two passes are checked in a row. ".out" is the new M1 when the
 // run has no critical error, else the text left in "Blend.tmp" (M1 then stays as it was).
 #include <filesystem>
 #include <fstream>
@@ -58,5 +59,12 @@ TEST_P(BlendGolden, MatchesTheHandWorkedFiles) {
 
 INSTANTIATE_TEST_SUITE_P(Corpus, BlendGolden,
                          ::testing::Values(Golden{"profile_chain", "CHAIN", 0}, Golden{"punch_patterns", "PATTERNS", 0},
-                                           Golden{"errors", "ERRORS", 5}),
+                                           Golden{"errors", "ERRORS", 5},
+                                           // The Convert pass's corpus, blended.
+                                           Golden{"conv_d1_punch", "D1_PUNCH", 0}, Golden{"conv_d1_profile", "D1_PROFILE", 2},
+                                           Golden{"conv_d2_bracket", "D2_BRACKET", 0},
+                                           Golden{"conv_d1_gsb_call", "D1_GSB_CALL", 0},
+                                           Golden{"conv_d1_subroutines", "D1_SUBROUTINES", 0},
+                                           Golden{"conv_d0_inch_nibble", "D0_INCH_NIBBLE", 0},
+                                           Golden{"conv_d1_errors", "D1_ERRORS", 0}),
                          [](const auto& info) { return std::string(info.param.Name); });
