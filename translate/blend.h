@@ -124,6 +124,8 @@ private:
     void CycleG36(const std::string& block);
     void CycleG37(const std::string& block);
     double NibbleIncrement(const std::string& block);
+    // False, with the critical error reported, when a nibbled length gives fewer than two hits.
+    bool NibbleHits(const std::string& block, double length, double step);
     // A length word: converted under G70, the missing value taken first when `always`.
     double Length(double value, bool given, bool always) const;
     void ClearAndStep();

@@ -260,6 +260,20 @@ double BlendPass::NibbleIncrement(const std::string& block) {
     return step;
 }
 
+bool BlendPass::NibbleHits(const std::string& block, double length, double step) {
+    // |Fix(length / step)| + 1 hits; a single hit (or no step) leaves no pitch to divide by.
+    auto hits = step == 0 ? std::optional<std::int16_t>(1) : Count(std::fabs(Fix(length / step)) + 1);
+    if (!hits) {
+        BlendError(block, blend_message::InvalidHitsP1, true);
+        return false;
+    }
+    if (*hits == 1) {
+        BlendError(block, blend_message::DivisionByZero, true);
+        return false;
+    }
+    return true;
+}
+
 // G36: a nibbled straight line.
 void BlendPass::CycleG36(const std::string& block) {
     double i = BlendValue(block, "I");
@@ -284,15 +298,7 @@ void BlendPass::CycleG36(const std::string& block) {
         XYToPolar(i, j, p1, p5);
     }
     // 4, 5. At least two hits.
-    auto hits = step == 0 ? std::optional<std::int16_t>(1) : Count(std::fabs(Fix(p1 / step)) + 1);
-    if (!hits) {
-        BlendError(block, blend_message::InvalidHitsP1, true);
-        return;
-    }
-    if (*hits == 1) {
-        BlendError(block, blend_message::DivisionByZero, true);
-        return;
-    }
+    if (!NibbleHits(block, p1, step)) return;
     // 6-8. To the end of the line.
     if (State.BlendMirrorX || State.BlendMirrorY) p5 = MirrorAngle(p5);
     ClearAndStep();
@@ -333,16 +339,7 @@ void BlendPass::CycleG37(const std::string& block) {
         return;
     }
     // 5, 6. At least two hits along the arc.
-    double arcLength = (p1 / 360) * (r * Pi * 2);
-    auto hits = step == 0 ? std::optional<std::int16_t>(1) : Count(std::fabs(Fix(arcLength / step)) + 1);
-    if (!hits) {
-        BlendError(block, blend_message::InvalidHitsP1, true);
-        return;
-    }
-    if (*hits == 1) {
-        BlendError(block, blend_message::DivisionByZero, true);
-        return;
-    }
+    if (!NibbleHits(block, (p1 / 360) * (r * Pi * 2), step)) return;
     // 8. The mirrors.
     if (State.BlendMirrorX || State.BlendMirrorY) p5 = MirrorAngle(p5);
     if (State.BlendMirrorX) p1 = 0 - p1;
