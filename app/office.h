@@ -30,6 +30,9 @@ int Convert(const Args& args);
 int Tool(const Args& args);
 // Blends STEM + "M1" and prints the number of critical errors.
 int Blend(const Args& args);
+// Reads STEM + "M1" and "M2" back into STEM + "drw" and "Reverse.txt"; prints the critical
+// count and the number of records.
+int Reverse(const Args& args);
 // Lists the records of a drawing file.
 int Drawing(const Args& args);
 // Expands STEM + "drw" into STEM + "dr1" and prints the number of hits.

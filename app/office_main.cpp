@@ -56,6 +56,7 @@ const Command Commands[] = {
     {"convert", Convert, "convert STEM --root ROOT         convert STEM + \"org\", print the dialect"},
     {"blend", Blend, "blend STEM --root ROOT --program NAME --directory DIR   blend STEM + \"M1\", print the critical errors"},
     {"tool", Tool, "tool \"TEXT\" [--inches] [--station-type N]   read a tool text, print the record and its description"},
+    {"reverse", Reverse, "reverse STEM --root ROOT --program NAME --directory DIR   draw STEM + \"M1\", \"M2\" into STEM + \"drw\", print the critical errors and records"},
     {"drawing", Drawing, "drawing FILE                     list the records of a drawing file"},
     {"expand", Expand, "expand STEM                      expand STEM + \"drw\" into single hits in STEM + \"dr1\", print the hits"},
 };

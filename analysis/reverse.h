@@ -1,0 +1,157 @@
+// The Reverse pass: reads the motion texts M1 (main) and M2 (subroutines) back into the
+// entities of a drawing file, with a modal machine model of its own, checks the program against
+// the travel limits and the turret, and reports to "Reverse.txt". Its critical errors bar the
+// program from the machine.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "analysis/drawing_file.h"
+#include "analysis/entity.h"
+#include "core/config.h"
+#include "core/words.h"
+#include "tooling/settings.h"
+#include "tooling/turret.h"
+
+namespace kirvana {
+
+// What the pass needs of the installation and the slot, filled by the caller.
+struct ReverseSettings {
+    float LoadX = 0, LoadY = 0;  // the machine's load position: where the program starts
+    float XLimitMin = 0, XLimitMax = 0, YLimitMin = 0, YLimitMax = 0;
+    std::int16_t ClampCount = 0;
+    std::int16_t MachineType = 0;
+    std::int16_t MachineOrientation = 1;  // the sense of G102 (Machine.dat line 3)
+    StationTable Stations;                 // the slot's turret: station 1 is element 0
+    ToolRecord PlasmaTool;                 // the tool of profile entities
+    SettingsArray ProgramSettings = [] {   // the program's plasma settings; NoValue where unset
+        SettingsArray unset;
+        unset.fill(NoValue);
+        return unset;
+    }();
+    std::string ServiceDir;                // where "Reverse.txt" is written
+    // The report's time line, "dd/mm/yy hh:mm"; the local time when not set.
+    std::function<std::string()> Now;
+    // The most blocks the pass reads, calls and jumps included: a program that loops for ever
+    // (a GOTO back, a call that never finds its label) is stopped here with a critical error.
+    std::int64_t MaxBlocks = 20'000'000;
+};
+
+ReverseSettings ReverseSettingsFrom(const MachineData& machine, const Directories& dirs, const StationTable& stations,
+                                    const ToolRecord& plasmaTool);
+
+// The `.sts` slot statistics: the hits of all punches and patterns, the travel length (mm)
+// between and along them, and the cut length (mm) of the profiles.
+struct ProgramStats {
+    std::int32_t Hits = 0;
+    float Travel = 0;
+    float CutLength = 0;
+};
+
+// The pass's modal state, set to its start values at each run.
+inline constexpr int MaxDepth = 64;
+struct ReverseState {
+    float PosX = 0, PosY = 0, PosC = 0;
+    float PrevX = 0, PrevY = 0, PrevC = 0;
+    float OriginX = 0, OriginY = 0;
+    float LastHitX = 0, LastHitY = 0;
+    float LimitXLow = 0, LimitXHigh = 0, LimitYLow = 0, LimitYHigh = 0;
+    std::int16_t Station = 0;
+    bool Imperial = false;
+    bool Incremental = false;
+    bool MirrorX = false, MirrorY = false;
+    bool Profiling = false;
+    bool PlasmaOn = false;
+    std::int16_t ArcStarted = 0;
+    std::int16_t CutterSide = 0;
+    std::int16_t PathFlag = 0;
+    float FeedValue = 0;
+    SettingsArray ProcessSettings{};
+    std::int16_t Depth = 0;
+    std::array<std::int16_t, MaxDepth + 1> BlockCount{};
+    std::array<SubCall, MaxDepth + 1> CallSpecs{};
+    std::array<SubCall, MaxDepth + 1> CallStates{};
+    std::array<std::int16_t, MaxDepth + 1> CallLabel{};
+    std::array<std::size_t, MaxDepth + 1> CallLine{};  // next line of the file each depth reads
+    std::int16_t SkipTo = 0;
+    bool Skipping = false;
+    std::int16_t RecordCounter = 1;
+    std::int16_t CriticalCount = 0;
+    bool WarnedX = false, WarnedY = false;
+    ProgramStats Stats;
+    // The first measurement code (G70 or G71) has been seen; -1 when it asked for inches.
+    bool MeasurementSeen = false;
+    std::int16_t MeasurementMark = 0;
+    // The last nibble step that was given; the step of a nibbling block without one.
+    double NibbleStep = 2;
+    ProgramParameters Parameters;  // P12 to P99 of this pass
+};
+
+// What the header comment lines of M1 say.
+struct ProgramHeader {
+    std::string Material;
+    bool HasMaterial = false;
+    float SheetX = 0, SheetY = 0;
+    std::array<float, 4> Clamps{};
+    // Tool texts the header gives for stations: (station, text).
+    std::vector<std::pair<int, std::string>> Tools;
+    bool InchHeader = false;  // the block that ended the header holds G70
+};
+
+// True when every line uses only the words of the language (comments after ";" aside).
+bool CheckWords(const std::vector<std::string>& lines);
+// The header: the comment lines in front of the first block with a word other than N.
+ProgramHeader ReadHeader(const std::vector<std::string>& lines);
+
+struct ReverseResult {
+    // The pass's result: the critical count, or 1 when the words of M1 were rejected. Non-zero
+    // bars the program.
+    std::int16_t Result = 0;
+    std::int16_t CriticalCount = 0;
+    bool WordsRejected = false;
+    bool Stopped = false;        // the block bound was reached
+    bool FileFault = false;      // M1 missing, or the drawing could not be written
+    std::int32_t Records = 0;    // records of the drawing, the Sheet included
+    ProgramStats Stats;
+};
+
+// The pass on texts held in memory: the drawing goes to `drawing` (from record 1), the report
+// body (no time lines) to `report`. `toolChanges` counts the valid tool changes.
+ReverseResult ReverseTexts(const std::vector<std::string>& m1, const std::vector<std::string>& m2,
+                           DrawingFile& drawing, std::string& report, std::int16_t& toolChanges,
+                           const ReverseSettings& settings);
+
+// The entry: reads stem + "M1" and stem + "M2", writes stem + "drw" and ServiceDir +
+// "Reverse.txt" (program name, directory and time in its head).
+ReverseResult ReversePass(const std::string& stem, const std::string& programName, const std::string& directory,
+                          std::int16_t& toolChanges, const ReverseSettings& settings);
+
+// The messages of the report, with their blanks.
+namespace reverse_message {
+inline constexpr const char* OutOfLimitsX = " Out of limits in X ";
+inline constexpr const char* OutOfLimitsY = " Out of limits in Y ";
+inline constexpr const char* InvalidIJ = " Non-Interpolated Arc (Invalid I,J) ";
+inline constexpr const char* InvalidR = " Non-Interpolated Arc (Invalid R) ";
+inline constexpr const char* InvalidHitsP1 = " Invalid number of Hits (P1) ";
+inline constexpr const char* InvalidHitsP1P3 = " Invalid number of Hits (P1,P3) ";
+inline constexpr const char* NoHitsOrPitch = " No Hits (P1) or Angular Pitch (P2) ";
+inline constexpr const char* DivisionByZero = " Division by Zero ";
+inline constexpr const char* MissingRadius = " Missing Radius or I/J ";
+inline constexpr const char* NibbleNotSet = " Nibble Increment (P8) has not been set ";
+inline constexpr const char* NegativeNibble = " Negative Nibble Increment (P8) ";
+inline constexpr const char* ExcessiveBackoff = " Reposition with Excessive Backoff distance (J) ";
+inline constexpr const char* ExcessiveReturn = " Reposition with Excessive Return distance (K) ";
+// The faults of this build's bounds.
+inline constexpr const char* TooDeep = " Subroutine depth exceeds 64 ";
+inline constexpr const char* BlockLimit = " Program does not end: block limit reached ";
+inline constexpr const char* LabelNotFound = " Block number not found (N";
+inline constexpr const char* TooManyRecords = " Drawing exceeds 32767 records ";
+inline constexpr const char* TooManyBlocks = " Block count exceeds 32767 ";
+inline constexpr const char* NumberOverflow = " Number does not fit 16 bits ";
+}  // namespace reverse_message
+
+}  // namespace kirvana

@@ -1,0 +1,47 @@
+// The reverse command: the Reverse pass on STEM + "M1" and "M2" with the machine values and the
+// turret of an installation; STEM + "trt" and STEM + "pls" are the slot's table and plasma set
+// when they exist.
+#include <cstdio>
+#include <string>
+
+#include "analysis/reverse.h"
+#include "app/office.h"
+#include "core/paths.h"
+#include "tooling/tooling.h"
+
+namespace kirvana::office {
+
+int Reverse(const Args& args) {
+    const char* usage = "reverse STEM --root ROOT --program NAME --directory DIR";
+    bool haveRoot = false, haveProgram = false, haveDirectory = false;
+    std::string root = Option(args, "--root", &haveRoot);
+    std::string program = Option(args, "--program", &haveProgram);
+    std::string directory = Option(args, "--directory", &haveDirectory);
+    if (args.size() != 7 || !haveRoot || !haveProgram || !haveDirectory || args[0].starts_with("--")) return Usage(usage);
+    const std::string& stem = args[0];
+    Directories dirs;
+    MachineData machine;
+    if (!MachineAt(root, dirs, machine)) return 1;
+    dirs.SettingsDir = dirs.RootDir + "Settings/";
+    // The machine's turret, or the slot's own table beside the motion files.
+    Tooling tooling;
+    if (auto fault = ReadToolingData(dirs, machine, tooling)) {
+        std::fprintf(stderr, "%s\n", fault->Message().c_str());
+        return 1;
+    }
+    StationTable stations = tooling.MachineTable;
+    ProgramTurret turret;
+    if (FileExists(stem + "trt")) ReadProgramTurret(stem + "trt", stations, turret, dirs.ServiceDir);
+    ReverseSettings settings = ReverseSettingsFrom(machine, dirs, stations, MachinePlasmaTool(tooling));
+    if (FileExists(stem + "pls")) PlasmaToSettings(ProgramPlasmaSetting(dirs, stem + "pls"), settings.ProgramSettings);
+    std::int16_t toolChanges = 0;
+    ReverseResult result = ReversePass(stem, program, directory, toolChanges, settings);
+    if (result.FileFault) {
+        std::fprintf(stderr, "cannot read %sM1 or write %sdrw\n", stem.c_str(), stem.c_str());
+        return 1;
+    }
+    std::printf("%d %d\n", result.Result, result.Records);
+    return result.Result == 0 ? 0 : 1;
+}
+
+}  // namespace kirvana::office
