@@ -134,8 +134,11 @@ bool NumberAt(std::string_view text, std::size_t at) {
 // The number behind the first of the keys in the text; false when none has one.
 bool ValueBehind(std::string_view text, std::string_view key, float& value) {
     std::size_t at = text.find(key);
-    if (at == std::string_view::npos || !NumberAt(text, at + key.size())) return false;
-    value = ToSingle(ToNumber(text.substr(at + key.size())));
+    if (at == std::string_view::npos) return false;
+    at += key.size();
+    while (at < text.size() && text[at] == ' ') ++at;
+    if (!NumberAt(text, at)) return false;
+    value = ToSingle(ToNumber(text.substr(at)));
     return true;
 }
 
@@ -217,7 +220,8 @@ ProgramHeader ReadHeader(const std::vector<std::string>& lines) {
             ReadSheet(rest, header);
             sheetFound = header.SheetX > 0;
         } else if (stripped.find("CLAMP") != std::string::npos && colon != std::string::npos) {
-            ReadClamps(rest, header);
+            // The blanks part the values here: "1=300 2=900".
+            ReadClamps(std::string_view(upper).substr(upper.find(':') + 1), header);
         } else if (stripped.size() > 2 && stripped[0] == 'T' && Digit(stripped[1])) {
             // "T" station "=" tool text.
             std::size_t equals = comment.find('=');
