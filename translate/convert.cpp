@@ -10,6 +10,8 @@
 #include "core/number.h"
 #include "core/paths.h"
 #include "core/text.h"
+#include "translate/amada.h"
+#include "translate/amada_steps.h"
 #include "translate/convert_steps.h"
 #include "translate/line_files.h"
 
@@ -243,18 +245,21 @@ std::string DialectRewritePlain(std::string_view block, const SubroutineTable& t
     return text;
 }
 
-std::string DialectRewriteBracket(std::string_view line, const SubroutineTable& table, ValueReader& reader) {
+namespace {
+
+// The dialect 2 forms; `reader` is null when calls ("C" words) are left as they stand.
+std::string RewriteBracket(std::string_view line, const SubroutineTable& table, ValueReader* reader) {
     std::size_t paren = line.find('(');
     std::string code = RightTrim(line.substr(0, paren));
     std::string comment = paren == npos ? std::string() : RightTrim(line.substr(paren));
     std::string upCode = UpperCase(code);
     std::size_t c = upCode.find('C');
     std::size_t s = upCode.find('S');
-    if (c != npos) {
+    if (reader != nullptr && c != npos) {
         // A call: the code in front of the "C", the modal codes it lost, then the call.
         std::string name = DigitsAfter(code, c);
         std::int16_t number = table.SubroutineNumber(name);
-        std::int16_t count = reader.WordInteger(code, 'B');
+        std::int16_t count = reader->WordInteger(code, 'B');
         std::string newCode = code.substr(0, c);
         std::string upNew = UpperCase(newCode);
         for (const char* word : {"G00", "G10", "G11", "G12", "G13", "G70", "G71", "G90", "G91", "M00", "M20",
@@ -273,6 +278,16 @@ std::string DialectRewriteBracket(std::string_view line, const SubroutineTable& 
     }
     if (FindNoCase(comment, "ENDSUB") != npos) code = "RETURN";
     return code + comment;
+}
+
+}  // namespace
+
+std::string DialectRewriteBracket(std::string_view line, const SubroutineTable& table, ValueReader& reader) {
+    return RewriteBracket(line, table, &reader);
+}
+
+std::string SubroutineRewriteBracket(std::string_view line, const SubroutineTable& table) {
+    return RewriteBracket(line, table, nullptr);
 }
 
 // ---------------------------------------------------------------------------------------
@@ -672,11 +687,15 @@ void SplitComment(std::string& block, std::string& comment, std::int16_t dialect
 
 }  // namespace
 
-std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::string_view line) {
-    const bool mainText = context.Pass == BlockPass::Main;
-    const bool bracket = context.Dialect == BracketDialect;
-    ValueReader& reader = state.Reader;
-    std::string block;
+void BlockSkipMarks(std::string& block) {
+    if (block.starts_with("//") || block.starts_with("\\\\")) {
+        block = std::string(Trim(std::string_view(block).substr(2))) + " M875=2";
+    } else if (block.starts_with('/') || block.starts_with('\\')) {
+        block = std::string(Trim(std::string_view(block).substr(1))) + " M875=1";
+    }
+}
+
+void CompletionSteps(ConvertState& state, std::string& block, const CompletionContext& context) {
     CodeIndex& codes = state.Codes;
     auto has = [&](std::string_view word) { return codes.Has(block, word); };
     auto hasAny = [&](std::initializer_list<std::string_view> words) {
@@ -684,6 +703,141 @@ std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::
             if (codes.Has(block, word)) return true;
         return false;
     };
+    auto changed = [&]() { codes.Build(block); };
+    // 19. The block as it stands before the motion steps.
+    state.BlockBeforeMotion = block;
+    const std::string& before = state.BlockBeforeMotion;
+    const bool amada = context.Amada;
+    const bool mainText = context.MainText;
+    const bool bracket = context.Bracket;
+    // 20. Cycles and repositioning end the modal moves.
+    if (hasAny({"G95", "G66", "G65", "G64", "G37", "G36", "G28", "G26"})) {
+        state.MotionMode = 0;
+        state.ArcMode = 0;
+    }
+    // 21. Positioning at speed ends them too.
+    if (has("G00")) {
+        state.MotionMode = 0;
+        state.ArcMode = 0;
+        state.UnknownBlock = false;
+    }
+    // 22 to 24. Nibbling lines and arcs, given or modal: code, step and P6, P8. The AMADA
+    // dialect has no nibbling codes G01 to G03: its linear and arc codes are profile moves.
+    for (int code = 1; code <= 3 && !amada; ++code) {
+        bool given = code == 1 ? has("G01") : Has(before, MotionCode(code));
+        if (!(given || (state.MotionMode == code && !bracket))) continue;
+        ModalFillMotion(block, code, state);
+        StepFill(block, state);
+        ParameterFill(block, 6, 6, "-999");
+        ParameterFill(block, 8, 8, "-999");
+        changed();
+        state.UnknownBlock = false;
+    }
+    // 25. Profile lines and arcs, given or modal.
+    for (int code = 1; code <= 3; ++code) {
+        bool given = code == 1 ? has("G101") : Has(before, ArcCode(code));
+        if (!(given || state.ArcMode == code)) continue;
+        ModalFillArc(block, code, state, context.Settings);
+        changed();
+        state.UnknownBlock = false;
+    }
+    // 26. Dwell.
+    if (has("G04")) state.UnknownBlock = false;
+    // 27. The card's macro block gets its parameters (not in the AMADA dialect).
+    if (!amada && has("G06")) {
+        if (mainText) {
+            ParameterFill(block, 11, 19, "-999");
+            ParameterFill(block, 101, 110, "-999");
+        } else {
+            ParameterFill(block, 1, 9, "-999");
+        }
+        changed();
+        state.UnknownBlock = false;
+    }
+    // 28. Grid, arc and nibbling patterns get their cycle parameters.
+    if (has("G26")) {
+        ParameterFill(block, 1, 9, "-999");
+        ParameterFill(block, 10, 11, "0");
+        changed();
+        state.UnknownBlock = false;
+    }
+    if (has("G28")) {
+        ParameterFill(block, 1, 10, "-999");
+        changed();
+        state.UnknownBlock = false;
+    }
+    if (has("G36")) {
+        StepFill(block, state);
+        ParameterFill(block, 1, 9, "-999");
+        ParameterFill(block, 10, 11, "0");
+        changed();
+        state.UnknownBlock = false;
+    }
+    if (has("G37")) {
+        StepFill(block, state);
+        ParameterFill(block, 1, 10, "-999");
+        changed();
+        state.UnknownBlock = false;
+    }
+    // 29. Circle and row of hits; the nibbled rectangle gets its step.
+    if (has("G64") || has("G66")) state.UnknownBlock = false;
+    if (has("G65")) {
+        // The AMADA rectangle has its P8 from the G67 rewrite.
+        if (!amada) {
+            G65StepRule(block, state);
+            changed();
+        }
+        state.UnknownBlock = false;
+    }
+    // 30. Calls get their P10, the grid call its parameters.
+    if (has("G68") || has("G69")) {
+        ParameterFill(block, 10, 10, "1");
+        changed();
+        state.UnknownBlock = false;
+    }
+    if (has("G98")) {
+        ParameterFill(block, 1, 9, "-999");
+        ParameterFill(block, 10, 11, "1");
+        changed();
+        state.UnknownBlock = false;
+    }
+    // 31. Codes that are known and need nothing more.
+    if (hasAny({"G53", "G56", "G92", "G93", "G72", "G80", "G81", "M60", "M50", "M03", "M04", "M05", "M06"}))
+        state.UnknownBlock = false;
+    // 32. Sheet reposition.
+    if (has("G95")) {
+        ParameterFill(block, 6, 6, "-999");
+        changed();
+        state.UnknownBlock = false;
+    }
+    // 33. Profiling mode on and off.
+    if (has("M100")) {
+        state.ProfilerMode = true;
+        state.ArcMode = 0;
+        state.MotionMode = 0;
+        state.UnknownBlock = false;
+    }
+    if (has("M101")) {
+        state.ProfilerMode = false;
+        state.ArcMode = 0;
+        state.MotionMode = 0;
+        state.UnknownBlock = false;
+    }
+    // 34. A move without a hit.
+    if (has("G77")) {
+        G77Rule(block, state);
+        changed();
+        state.UnknownBlock = false;
+    }
+}
+
+std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::string_view line) {
+    const bool mainText = context.Pass == BlockPass::Main;
+    const bool bracket = context.Dialect == BracketDialect;
+    ValueReader& reader = state.Reader;
+    std::string block;
+    CodeIndex& codes = state.Codes;
+    auto has = [&](std::string_view word) { return codes.Has(block, word); };
     // Rewrites the first occurrence of a code.
     auto changed = [&]() { codes.Build(block); };
     auto rewrite = [&](std::string_view from, std::string_view to) {
@@ -785,134 +939,14 @@ std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::
         changed();
         state.UnknownBlock = false;
     }
-    // 19. The block as it stands before the motion steps.
-    state.BlockBeforeMotion = block;
-    const std::string& before = state.BlockBeforeMotion;
-    // 20. Cycles and repositioning end the modal moves.
-    if (hasAny({"G95", "G66", "G65", "G64", "G37", "G36", "G28", "G26"})) {
-        state.MotionMode = 0;
-        state.ArcMode = 0;
-    }
-    // 21. Positioning at speed ends them too.
-    if (has("G00")) {
-        state.MotionMode = 0;
-        state.ArcMode = 0;
-        state.UnknownBlock = false;
-    }
-    // 22 to 24. Nibbling lines and arcs, given or modal: code, step and P6, P8.
-    for (int code = 1; code <= 3; ++code) {
-        bool given = code == 1 ? has("G01") : Has(before, MotionCode(code));
-        if (!(given || (state.MotionMode == code && !bracket))) continue;
-        ModalFillMotion(block, code, state);
-        StepFill(block, state);
-        ParameterFill(block, 6, 6, "-999");
-        ParameterFill(block, 8, 8, "-999");
-        changed();
-        state.UnknownBlock = false;
-    }
-    // 25. Profile lines and arcs, given or modal.
-    for (int code = 1; code <= 3; ++code) {
-        bool given = code == 1 ? has("G101") : Has(before, ArcCode(code));
-        if (!(given || state.ArcMode == code)) continue;
-        ModalFillArc(block, code, state, context.Settings);
-        changed();
-        state.UnknownBlock = false;
-    }
-    // 26. Dwell.
-    if (has("G04")) state.UnknownBlock = false;
-    // 27. The card's macro block gets its parameters.
-    if (has("G06")) {
-        if (mainText) {
-            ParameterFill(block, 11, 19, "-999");
-            ParameterFill(block, 101, 110, "-999");
-        } else {
-            ParameterFill(block, 1, 9, "-999");
-        }
-        changed();
-        state.UnknownBlock = false;
-    }
-    // 28. Grid, arc and nibbling patterns get their cycle parameters.
-    if (has("G26")) {
-        ParameterFill(block, 1, 9, "-999");
-        ParameterFill(block, 10, 11, "0");
-        changed();
-        state.UnknownBlock = false;
-    }
-    if (has("G28")) {
-        ParameterFill(block, 1, 10, "-999");
-        changed();
-        state.UnknownBlock = false;
-    }
-    if (has("G36")) {
-        StepFill(block, state);
-        ParameterFill(block, 1, 9, "-999");
-        ParameterFill(block, 10, 11, "0");
-        changed();
-        state.UnknownBlock = false;
-    }
-    if (has("G37")) {
-        StepFill(block, state);
-        ParameterFill(block, 1, 10, "-999");
-        changed();
-        state.UnknownBlock = false;
-    }
-    // 29. Circle and row of hits; the nibbled rectangle gets its step.
-    if (has("G64") || has("G66")) state.UnknownBlock = false;
-    if (has("G65")) {
-        G65StepRule(block, state);
-        changed();
-        state.UnknownBlock = false;
-    }
-    // 30. Calls get their P10, the grid call its parameters.
-    if (has("G68") || has("G69")) {
-        ParameterFill(block, 10, 10, "1");
-        changed();
-        state.UnknownBlock = false;
-    }
-    if (has("G98")) {
-        ParameterFill(block, 1, 9, "-999");
-        ParameterFill(block, 10, 11, "1");
-        changed();
-        state.UnknownBlock = false;
-    }
-    // 31. Codes that are known and need nothing more.
-    if (hasAny({"G53", "G56", "G92", "G93", "G72", "G80", "G81", "M60", "M50", "M03", "M04", "M05", "M06"}))
-        state.UnknownBlock = false;
-    // 32. Sheet reposition.
-    if (has("G95")) {
-        ParameterFill(block, 6, 6, "-999");
-        changed();
-        state.UnknownBlock = false;
-    }
-    // 33. Profiling mode on and off.
-    if (has("M100")) {
-        state.ProfilerMode = true;
-        state.ArcMode = 0;
-        state.MotionMode = 0;
-        state.UnknownBlock = false;
-    }
-    if (has("M101")) {
-        state.ProfilerMode = false;
-        state.ArcMode = 0;
-        state.MotionMode = 0;
-        state.UnknownBlock = false;
-    }
-    // 34. A move without a hit.
-    if (has("G77")) {
-        G77Rule(block, state);
-        changed();
-        state.UnknownBlock = false;
-    }
+    // 19 to 34. The motion steps and the completion of every code.
+    CompletionSteps(state, block, CompletionContext{context.Settings, mainText, bracket, false});
     // 35. Subroutine text: the end of a subroutine is written as it stands.
     if (!(!mainText && Has(block, "RETURN"))) {
         // 36. A block with no code hits, or with a tool alone only selects it.
         if (state.UnknownBlock) ImplicitHitRule(block, state);
         // 37. Block-skip marks become M875 words.
-        if (block.starts_with("//") || block.starts_with("\\\\")) {
-            block = std::string(Trim(std::string_view(block).substr(2))) + " M875=2";
-        } else if (block.starts_with('/') || block.starts_with('\\')) {
-            block = std::string(Trim(std::string_view(block).substr(1))) + " M875=1";
-        }
+        BlockSkipMarks(block);
         // 38. Canonical word order.
         block = WordOrdering(block, reader, state.OrderingSlots);
         // 39. No double blanks.
@@ -942,7 +976,6 @@ ConvertSettings ConvertSettingsFrom(const MachineData& machine, const Directorie
 const char* ConvertStatusText(ConvertStatus status) {
     switch (status) {
         case ConvertStatus::Done: return "converted";
-        case ConvertStatus::AmadaNotYet: return "the AMADA dialect pass is not available yet";
         case ConvertStatus::MissingProgram: return "the program file cannot be opened";
         case ConvertStatus::FileFault: return "a work file cannot be opened or written";
     }
@@ -1087,7 +1120,10 @@ struct Run {
         return true;
     }
 
-    bool BlockPassFile(const char* from, const char* to, BlockPass pass, const BlockContext& context) {
+    // Runs `block` (state, context, line) -> text over every line of `from`, writing `to`.
+    template <class PerBlock>
+    bool BlockPassFile(const char* from, const char* to, BlockPass pass, const BlockContext& context,
+                       PerBlock block) {
         const std::string source = File(from);
         NoteFile(Settings.ServiceDir, source);
         LineReader in(source);
@@ -1099,7 +1135,7 @@ struct Run {
         std::string_view line;
         while (in.Next(line)) {
             ++lineNumber;
-            out.Write(ConvertBlock(State, context, line));
+            out.Write(block(State, context, line));
             NoteOverflow(from, lineNumber);
         }
         if (!out.Close()) return Fail(ConvertStatus::FileFault, File(to));
@@ -1142,11 +1178,7 @@ ConvertResult ConvertProgram(std::string_view stem, std::int16_t& dialect, const
     // 1. The stem, trimmed.
     run.State.ConvertStem = std::string(Trim(stem));
     // 2. An AMADA machine has a pass of its own.
-    if (settings.AmadaMachine) {
-        dialect = AmadaDialect;
-        run.Result.Status = ConvertStatus::AmadaNotYet;
-        return run.Result;
-    }
+    if (settings.AmadaMachine) return AmadaProgram(run.State.ConvertStem, dialect, settings);
     // 3. The dialect.
     if (!run.Detect(dialect)) return run.Result;
     // 4. Main text, subroutine text and the subroutine table.
@@ -1158,15 +1190,48 @@ ConvertResult ConvertProgram(std::string_view stem, std::int16_t& dialect, const
     run.State.SheetX = 0;
     run.State.SheetY = 0;
     // 6, 7. The block pass over the main text, then over the subroutines.
-    if (!run.BlockPassFile("A1", "M1", BlockPass::Main, BlockContext{settings, dialect, BlockPass::Main, table}))
+    if (!run.BlockPassFile("A1", "M1", BlockPass::Main, BlockContext{settings, dialect, BlockPass::Main, table},
+                           ConvertBlock))
         return run.Result;
     if (!run.BlockPassFile("A2", "M2", BlockPass::Subroutines,
-                           BlockContext{settings, dialect, BlockPass::Subroutines, table}))
+                           BlockContext{settings, dialect, BlockPass::Subroutines, table}, ConvertBlock))
         return run.Result;
     // 8. Calls inside the subroutines are G69.
     if (!run.CallFix()) return run.Result;
     run.Result.SheetX = run.State.SheetX;
     run.Result.SheetY = run.State.SheetY;
+    run.Result.NibbleStep = run.State.NibbleStep;
+    return run.Result;
+}
+
+}  // namespace kirvana
+
+namespace kirvana {
+
+ConvertResult AmadaProgram(std::string_view stem, std::int16_t& dialect, const ConvertSettings& settings) {
+    Run run(settings);
+    amada::AmadaState amadaState;
+    run.State.ConvertStem = std::string(Trim(stem));
+    // 1. The dialect is the AMADA one.
+    dialect = AmadaDialect;
+    // 2. Main text, subroutine text and the table, split at the "S" words.
+    if (!run.Split(true)) return run.Result;
+    SubroutineTable table;
+    if (!run.ReadTable(table)) return run.Result;
+    // 3. Metric, and the default nibbling step.
+    amadaState.AmadaInch = false;
+    run.State.NibbleStep = 2.5;
+    auto block = [&amadaState](ConvertState& state, const BlockContext& context, std::string_view line) {
+        return amada::AmadaBlock(state, amadaState, context, line);
+    };
+    // 4, 5. The block pass over the main text, then over the subroutines.
+    if (!run.BlockPassFile("A1", "M1", BlockPass::Main, BlockContext{settings, dialect, BlockPass::Main, table}, block))
+        return run.Result;
+    if (!run.BlockPassFile("A2", "M2", BlockPass::Subroutines,
+                           BlockContext{settings, dialect, BlockPass::Subroutines, table}, block))
+        return run.Result;
+    // 6. Calls inside the subroutines are G69.
+    if (!run.CallFix()) return run.Result;
     run.Result.NibbleStep = run.State.NibbleStep;
     return run.Result;
 }

@@ -29,7 +29,6 @@ ConvertSettings ConvertSettingsFrom(const MachineData& machine, const Directorie
 
 enum class ConvertStatus {
     Done,
-    AmadaNotYet,     // an AMADA machine: dialect 5, its own pass is not built yet
     MissingProgram,  // the "org" file could not be opened
     FileFault,       // a work file could not be opened or written
 };
@@ -43,7 +42,8 @@ struct ConvertResult {
     double NibbleStep = 2.5;       // the last P8 value at the end of the run
 };
 
-// The entry: `dialect` receives the detected dialect (5 on an AMADA machine).
+// The entry: `dialect` receives the detected dialect; an AMADA machine runs the AMADA
+// dialect pass (translate/amada.h) and gets 5.
 ConvertResult ConvertProgram(std::string_view stem, std::int16_t& dialect, const ConvertSettings& settings);
 
 // The text of a status for the operator.

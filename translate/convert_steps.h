@@ -101,6 +101,21 @@ struct BlockContext {
     const SubroutineTable& Table;
 };
 
+// What the completion steps need to know about the block's pass.
+struct CompletionContext {
+    const ConvertSettings& Settings;
+    bool MainText;  // the A1 pass
+    bool Bracket;   // dialect 2: G01 to G03 are not modal
+    bool Amada;     // the AMADA dialect: no G01 to G03, no G06, no step rule on G65
+};
+
+// The steps from the copy taken before the motion steps to the G77 rule (19 to 34): modal
+// moves, the fills of every code and the flag UnknownBlock. The code index of the state must
+// describe the block on entry.
+void CompletionSteps(ConvertState& state, std::string& block, const CompletionContext& context);
+// A leading "//" or "\\" becomes " M875=2" at the end, a leading "/" or "\" " M875=1".
+void BlockSkipMarks(std::string& block);
+
 // Clears the modal values at the start of a block pass (and the running count for A1).
 void StartBlockPass(ConvertState& state, BlockPass pass);
 // One line of A1 or A2 to one line of M1 or M2: the forty steps.
@@ -126,6 +141,8 @@ std::string SubroutineName(std::string_view line);
 // Rewrites before the comment is split off.
 std::string DialectRewritePlain(std::string_view block, const SubroutineTable& table, ValueReader& reader);
 std::string DialectRewriteBracket(std::string_view line, const SubroutineTable& table, ValueReader& reader);
+// The same without the "C" call form: the start and the end of a subroutine only.
+std::string SubroutineRewriteBracket(std::string_view line, const SubroutineTable& table);
 // The fixed forms "IF (...) GOTO n" and "GOTO n". A condition whose length comes out negative
 // (a block ending in "ENDIF") leaves the block unchanged.
 std::string ConditionRewrite(std::string_view block);

@@ -369,13 +369,15 @@ TEST(ConvertProgram, SettingsComeFromTheMachineData) {
     EXPECT_EQ(settings.CurrentDir, "");
 }
 
-TEST(ConvertProgram, AmadaMachineIsNotYetConverted) {
+TEST(ConvertProgram, AmadaMachineRunsTheAmadaPass) {
     Program program;
     program.Settings.AmadaMachine = true;
-    ConvertResult result = program.Run("X1\n");
-    EXPECT_EQ(result.Status, ConvertStatus::AmadaNotYet);
+    // "!" would make dialect 1; no detection runs, and the AMADA scaling applies.
+    ConvertResult result = program.Run("X1000Y500T1 ! A\nM30\n");
+    EXPECT_EQ(result.Status, ConvertStatus::Done);
     EXPECT_EQ(program.Dialect, 5);
-    EXPECT_FALSE(FileExists(program.Dir.Path() + "prog.A1"));
+    EXPECT_TRUE(FileExists(program.Dir.Path() + "prog.A1"));
+    EXPECT_TRUE(FileExists(program.Dir.Path() + "prog.M1"));
 }
 
 TEST(ConvertProgram, MissingProgramIsAFault) {

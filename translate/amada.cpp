@@ -1,0 +1,628 @@
+#include "translate/amada.h"
+
+#include <cmath>
+#include <limits>
+
+#include "core/geometry.h"
+#include "core/number.h"
+#include "core/text.h"
+#include "translate/amada_steps.h"
+
+namespace kirvana {
+
+using namespace convert;
+
+namespace {
+
+constexpr auto npos = std::string::npos;
+
+bool Has(std::string_view text, std::string_view word) { return text.find(word) != npos; }
+bool Has(std::string_view text, char c) { return text.find(c) != npos; }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsNumberChar(char c) { return IsDigit(c) || c == '.'; }
+
+bool ReplaceFirst(std::string& text, std::string_view from, std::string_view to) {
+    std::size_t at = text.find(from);
+    if (at == npos) return false;
+    text.replace(at, from.size(), to);
+    return true;
+}
+
+// The end of the number that stands behind position `letter`: signs, then digits and points.
+std::size_t NumberEnd(std::string_view text, std::size_t letter) {
+    std::size_t end = letter + 1;
+    while (end < text.size() && (text[end] == '+' || text[end] == '-')) ++end;
+    while (end < text.size() && IsNumberChar(text[end])) ++end;
+    return end;
+}
+
+// Removes the first word of the letter (the letter and its number) and gives its number text;
+// false when the letter does not stand in the block.
+bool TakeWord(std::string& block, char letter, std::string& number) {
+    std::size_t at = block.find(letter);
+    if (at == npos) return false;
+    std::size_t end = NumberEnd(block, at);
+    number = block.substr(at + 1, end - at - 1);
+    block.erase(at, end - at);
+    return true;
+}
+
+// The value of the first word of the letter, taken out of the block; 0 when it is missing.
+double TakeValue(std::string& block, char letter) {
+    std::string number;
+    return TakeWord(block, letter, number) ? ToNumber(number) : 0.0;
+}
+
+// Moves the first word of `from` to the end of the block under the new name `to`.
+void RenameWord(std::string& block, char from, std::string_view to, std::string& words) {
+    std::string number;
+    if (!TakeWord(block, from, number)) return;
+    words += to;
+    words += number;
+}
+
+// A computed length or angle: rounded half to even to 3 decimals, in free format.
+std::string LengthText(double value) { return FormatNumber(RoundHalfEven(value, 3), -1); }
+
+double Sign(double value) { return value > 0 ? 1.0 : value < 0 ? -1.0 : 0.0; }
+
+// The pitch of a side nibbled or punched with a tool of size `tool`: q := |side| / tool; n is
+// Fix(q) + 1 when q is whole, else Fix(q) + 2; the pitch is side / (n - 1), rounded to 3
+// decimals and taken absolute. With no tool, or a side too short for two hits, it is 0.
+double SidePitch(double side, double tool) {
+    if (tool == 0 || !std::isfinite(side) || !std::isfinite(tool)) return 0;
+    double q = std::fabs(side) / tool;
+    if (!std::isfinite(q) || q > 1e9 || q < 0) return 0;
+    double whole = std::trunc(q);
+    double n = whole == q ? whole + 1 : whole + 2;
+    if (n - 1 <= 0) return 0;
+    return std::fabs(RoundHalfEven(side / (n - 1), 3));
+}
+
+// The X and Y of the previous block as written; a missing word counts as 0.
+void LastPosition(const amada::AmadaState& amada, ValueReader& reader, double& x, double& y) {
+    x = reader.WordValue(amada.LastBlock, 'X');
+    if (reader.WordMissing) x = 0;
+    y = reader.WordValue(amada.LastBlock, 'Y');
+    if (reader.WordMissing) y = 0;
+}
+
+// The leading block-skip marks and sequence word of a block: what a block that is replaced
+// as a whole keeps.
+std::string BlockPrefix(std::string_view block) {
+    std::size_t end = 0;
+    while (end < block.size() && (block[end] == '/' || block[end] == '\\')) ++end;
+    if (end < block.size() && block[end] == 'N') {
+        ++end;
+        while (end < block.size() && IsDigit(block[end])) ++end;
+    }
+    return std::string(block.substr(0, end));
+}
+
+// A whole number for a 16-bit field, with the overflow reported to the reader's caller.
+std::int16_t WholeNumber(double value, ValueReader& reader) {
+    std::optional<std::int16_t> whole = TruncateToInt16(value);
+    if (!whole) {
+        reader.IntegerOverflow = true;
+        return 0;
+    }
+    return *whole;
+}
+
+std::int16_t PlusOne(std::int16_t value, ValueReader& reader) {
+    if (value == std::numeric_limits<std::int16_t>::max()) {
+        reader.IntegerOverflow = true;
+        return value;
+    }
+    return static_cast<std::int16_t>(value + 1);
+}
+
+// Splits the comment off a trimmed line: "(" to the first ")", else ";" to the end.
+void SplitComment(std::string& block, std::string& comment) {
+    std::size_t at = block.find('(');
+    bool bracket = at != npos;
+    if (!bracket) at = block.find(';');
+    if (at == npos) {
+        comment.clear();
+        block = std::string(Trim(block));
+        return;
+    }
+    std::string_view after = std::string_view(block).substr(at + 1);
+    if (bracket) after = after.substr(0, after.find(')'));
+    comment = " ;";
+    comment += Trim(after);
+    block = std::string(Trim(std::string_view(block).substr(0, at)));
+}
+
+// The number of a one- or two-digit word 1 to 99 of the letter, or 0.
+int MacroNumber(std::string_view block, char letter, ValueReader& reader) {
+    if (!Has(block, letter)) return 0;
+    std::int16_t number = reader.WordInteger(block, letter);
+    return number >= 1 && number <= 99 ? number : 0;
+}
+
+}  // namespace
+
+namespace amada {
+
+// ---------------------------------------------------------------------------------------
+// Number scaling
+
+int ScalingCode(std::string_view block, ValueReader& reader) {
+    int code = reader.WordInteger(block, 'G');
+    if (Has(block, "G1") || Has(block, "G01")) code = 1;
+    if (Has(block, "G2") || Has(block, "G02")) code = 2;
+    if (Has(block, "G3") || Has(block, "G03")) code = 3;
+    if (Has(block, "G4") || Has(block, "G04")) code = 4;
+    for (int own : {25, 27, 26, 29, 36, 37, 66, 67, 68, 69, 78, 79, 75, 76, 98, 31}) {
+        char word[4] = {'G', static_cast<char>('0' + own / 10), static_cast<char>('0' + own % 10), 0};
+        if (Has(block, std::string_view(word, 3))) code = own;
+    }
+    return code;
+}
+
+namespace {
+
+bool In(int code, std::initializer_list<int> codes) {
+    for (int c : codes)
+        if (c == code) return true;
+    return false;
+}
+
+// The class of a word: 0 kept, 1 whole number, 2 length, 3 hundredths, 4 dwell.
+int WordClass(char letter, int code) {
+    switch (letter) {
+        case 'A': case 'B': case 'U': case 'V': case 'W': return 1;
+        case 'K':
+            if (In(code, {26, 29, 36, 98})) return 1;
+            if (In(code, {68, 78})) return 3;
+            return 2;
+        case 'P':
+            if (In(code, {31, 36, 98})) return 1;
+            if (code == 29) return 3;
+            return 2;
+        case 'Q': return In(code, {31, 75, 76}) ? 1 : 2;
+        case 'J': return In(code, {26, 29, 66, 68, 69, 78, 79}) ? 3 : 2;
+        case 'X': return code == 4 ? 4 : 2;
+        case 'D': case 'I': case 'Y': return 2;
+        default: return 0;
+    }
+}
+
+}  // namespace
+
+std::string ScaleNumbers(std::string_view block, int code, bool inch) {
+    std::string out;
+    out.reserve(block.size() + 16);
+    std::size_t i = 0;
+    while (i < block.size()) {
+        char letter = block[i];
+        int wordClass = letter >= 'A' && letter <= 'Z' ? WordClass(letter, code) : 0;
+        if (wordClass == 0) {
+            out += letter;
+            ++i;
+            continue;
+        }
+        std::size_t end = NumberEnd(block, i);
+        std::string_view number = block.substr(i + 1, end - i - 1);
+        bool digits = false, point = false;
+        for (char c : number) {
+            digits = digits || IsDigit(c);
+            point = point || c == '.';
+        }
+        out += letter;
+        if (!digits) {
+            // No number: the word stays as it stands.
+            out += number;
+            i = end;
+            continue;
+        }
+        double value = ToNumber(number);
+        switch (wordClass) {
+            case 1: out += FormatNumber(value, 0); break;
+            case 2: out += FormatNumber(point ? value : value / (inch ? 1000 : 100), inch ? 3 : 2); break;
+            default: out += FormatNumber(point ? value : value / 100, 2); break;
+        }
+        i = end;
+    }
+    return out;
+}
+
+// ---------------------------------------------------------------------------------------
+// Profile codes and moves
+
+namespace {
+
+const char* ProfileCode(int code) { return code == 1 ? "G101" : code == 2 ? "G102" : "G103"; }
+
+// The handler of one AMADA code: "G1"/"G01", "G2"/"G02" or "G3"/"G03".
+void ProfileHandler(std::string& block, int code) {
+    const char digit = static_cast<char>('0' + code);
+    const char shortCode[] = {'G', digit, 0};
+    const char longCode[] = {'G', '0', digit, 0};
+    if (!Has(block, shortCode) && !Has(block, longCode)) return;
+    // The other two codes in both forms.
+    for (int other = 1; other <= 3; ++other) {
+        if (other == code) continue;
+        const char o = static_cast<char>('0' + other);
+        const char otherShort[] = {'G', o, 0};
+        const char otherLong[] = {'G', '0', o, 0};
+        if (Has(block, otherShort) || Has(block, otherLong)) return;
+    }
+    // The codes of this decade: G10 to G19, G20 to G29, G30 to G39.
+    for (char units = '0'; units <= '9'; ++units) {
+        const char decade[] = {'G', digit, units, 0};
+        if (Has(block, decade)) return;
+    }
+    for (const char* word : {"G00", "G101", "G102", "G103", "G04", "G93", "G92", "G56", "G53", "M60", "M50"})
+        if (Has(block, word)) return;
+    // The handler runs only with its code in the block, so one of the two forms is there.
+    if (!ReplaceFirst(block, longCode, ProfileCode(code))) ReplaceFirst(block, shortCode, ProfileCode(code));
+}
+
+// The sheet reposition of G25 and G27: the first "X" is the distance "I".
+void RepositionRule(std::string& block) {
+    ReplaceFirst(block, "X", "I");
+    if (!Has(block, 'J')) block += " J-999";
+    if (!Has(block, 'K')) block += " K-999";
+}
+
+}  // namespace
+
+void ProfileCodes(std::string& block) {
+    for (int code = 1; code <= 3; ++code) ProfileHandler(block, code);
+}
+
+void MoveCodes(std::string& block) {
+    ReplaceFirst(block, "G70", "G77");
+    if (ReplaceFirst(block, "G25", "G95")) RepositionRule(block);
+    if (ReplaceFirst(block, "G27", "G95")) RepositionRule(block);
+}
+
+// ---------------------------------------------------------------------------------------
+// Cycle mapping
+
+namespace {
+
+// The rows of the cycle mapping table, in the order they are tested.
+enum class Row { G28, G26, G29, G36, G37, G66, G67, G68, G69, G98, G75, G76, W, G31, None };
+
+Row FindRow(std::string_view block, std::string& source) {
+    static constexpr struct {
+        const char* Code;
+        Row Which;
+    } rows[] = {{"G28", Row::G28}, {"G26", Row::G26}, {"G29", Row::G29}, {"G36", Row::G36}, {"G37", Row::G37},
+                {"G66", Row::G66}, {"G67", Row::G67}, {"G68", Row::G68}, {"G78", Row::G68}, {"G69", Row::G69},
+                {"G79", Row::G69}, {"G98", Row::G98}, {"G75", Row::G75}, {"G76", Row::G76}, {"W", Row::W},
+                {"G31", Row::G31}};
+    for (const auto& row : rows) {
+        if (Has(block, row.Code)) {
+            source = row.Code;
+            return row.Which;
+        }
+    }
+    return Row::None;
+}
+
+// G66 shear proof. The source gives I the length of the row, J its angle, P the tool's size
+// along the row, Q its size across (0: as P) and D the side of the line the tool stands on.
+// As for G67 the tool's reach along the row is the sign of I times P: the row starts half a
+// reach in from the previous position (X, Y of the last block moved along the row) and ends
+// half a reach short of the line's end, so its length P7 is I shortened by the reach. The row
+// stands half the tool's width off the line, to the left of its direction (J + 90) for D at 0
+// or more, to the right (J - 90) for D below 0, as G69 picks the side by its P; that offset
+// is the pattern's first-hit offset P10, P11. The pitch count is that of G67 on the length
+// P7, and P2 the pitch as a whole number. The row stays at its end (P9=1).
+std::string ShearProof(std::string& block, const AmadaState& amada, ValueReader& reader) {
+    double length = TakeValue(block, 'I');
+    double angle = TakeValue(block, 'J');
+    double tool = TakeValue(block, 'P');
+    double width = TakeValue(block, 'Q');
+    double side = TakeValue(block, 'D');
+    if (width == 0) width = tool;
+    double reach = Sign(length) * tool;
+    double lastX, lastY;
+    LastPosition(amada, reader, lastX, lastY);
+    double alongX, alongY;
+    PolarToXY(reach / 2, angle, alongX, alongY);
+    double offsetX, offsetY;
+    PolarToXY(std::fabs(width / 2), side >= 0 ? angle + 90 : angle - 90, offsetX, offsetY);
+    double rowLength = length - reach;
+    double pitch = SidePitch(rowLength, tool);
+    return "X" + LengthText(lastX + alongX) + "Y" + LengthText(lastY + alongY) + "P7=" + LengthText(rowLength) +
+           "P5=" + LengthText(angle) + "P2=" + FormatNumber(pitch, 0) + "P9=1" + "P10=" + LengthText(offsetX) +
+           "P11=" + LengthText(offsetY);
+}
+
+// G67 nibbled rectangle: with P the tool's size, the sign of I times P and the sign of J
+// times P are the tool's reach in each axis. The corner moves by half the reach, the sides
+// are shortened by it, and P8 is the larger side pitch as a whole number.
+std::string Rectangle(std::string& block, const AmadaState& amada, ValueReader& reader) {
+    double i = TakeValue(block, 'I');
+    double j = TakeValue(block, 'J');
+    double tool = TakeValue(block, 'P');
+    double reachX = Sign(i) * tool;
+    double reachY = Sign(j) * tool;
+    double lastX, lastY;
+    LastPosition(amada, reader, lastX, lastY);
+    double sideX = i - reachX;
+    double sideY = j - reachY;
+    double pitch = std::max(SidePitch(sideX, tool), SidePitch(sideY, tool));
+    return "X" + LengthText(lastX + reachX / 2) + "Y" + LengthText(lastY + reachY / 2) + "I" + LengthText(sideX) +
+           "J" + LengthText(sideY) + "P8=" + FormatNumber(pitch, 0);
+}
+
+// G69 and G79 nibbled line: the start is the last position moved half the tool across the
+// line, to the left for P at 0 or more and to the right below 0.
+std::string NibbleLine(std::string& block, const AmadaState& amada, ValueReader& reader) {
+    std::string length, angleText;
+    bool hasLength = TakeWord(block, 'I', length);
+    bool hasAngle = TakeWord(block, 'J', angleText);
+    double angle = hasAngle ? ToNumber(angleText) : 0;
+    double tool = TakeValue(block, 'P');
+    double step = TakeValue(block, 'Q');
+    double shiftX, shiftY;
+    PolarToXY(std::fabs(tool / 2), tool >= 0 ? angle + 90 : angle - 90, shiftX, shiftY);
+    double lastX, lastY;
+    LastPosition(amada, reader, lastX, lastY);
+    std::string words = "X" + LengthText(lastX + shiftX) + "Y" + LengthText(lastY + shiftY);
+    if (hasLength) words += "P1=" + length;
+    if (hasAngle) words += "P5=" + angleText;
+    words += "P8=" + FormatNumber(step, 0);
+    words += "P10=" + LengthText(shiftX - 2) + "P11=" + LengthText(shiftY - 2);
+    return words;
+}
+
+// G75 and G76: the subroutine over the stored grid, from the corner Q.
+std::string GridCall(std::string& block, bool yFirst, const AmadaState& amada, const SubroutineTable& table,
+                     ValueReader& reader) {
+    std::string name;
+    TakeWord(block, 'W', name);
+    std::int16_t corner = WholeNumber(TakeValue(block, 'Q'), reader);
+    const float lastColumn = static_cast<float>(amada.GridColumns - 1);
+    const float lastRow = static_cast<float>(amada.GridRows - 1);
+    float startX = amada.GridX, startY = amada.GridY;
+    float pitchX = amada.GridPitchX, pitchY = amada.GridPitchY;
+    if (corner == 2 || corner == 4) {
+        startX = amada.GridX + lastColumn * amada.GridPitchX;
+        pitchX = -amada.GridPitchX;
+    }
+    if (corner == 3 || corner == 4) {
+        startY = amada.GridY + lastRow * amada.GridPitchY;
+        pitchY = -amada.GridPitchY;
+    }
+    return "G98S" + IntegerText(table.SubroutineNumber(name)) + "X" + FormatNumber(startX, -1) + "Y" +
+           FormatNumber(startY, -1) + "P2=" + FormatNumber(pitchX, -1) + "P4=" + FormatNumber(pitchY, -1) +
+           "P1=" + IntegerText(amada.GridColumns) + "P3=" + IntegerText(amada.GridRows) + "P6=" + (yFirst ? "1" : "0");
+}
+
+}  // namespace
+
+bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, const SubroutineTable& table,
+                  ValueReader& reader) {
+    std::string source;
+    const Row row = FindRow(block, source);
+    if (row == Row::None) return false;
+    // The tail: from the first "T", else the first "M" (for a call from the first "M").
+    std::size_t tailAt = row == Row::W ? npos : block.find('T');
+    if (tailAt == npos) tailAt = block.find('M');
+    std::string tail = tailAt == npos ? std::string() : block.substr(tailAt);
+    std::string rest = block.substr(0, tailAt == npos ? block.size() : tailAt);
+    // The source code leaves the text; the row puts its target code and words behind the rest.
+    if (row != Row::W) {
+        std::size_t at = rest.find(source);
+        if (at != npos) rest.erase(at, source.size());
+    }
+    std::string words;
+    switch (row) {
+        case Row::G28: {
+            double radius = TakeValue(rest, 'I');
+            double angle = TakeValue(rest, 'J');
+            double x, y;
+            PolarToXY(radius, angle, x, y);
+            words = "G66I" + LengthText(x) + "J" + LengthText(y);
+            RenameWord(rest, 'K', "B", words);
+            break;
+        }
+        case Row::G26:
+            words = "G64";
+            RenameWord(rest, 'I', "J", words);
+            RenameWord(rest, 'J', "A", words);
+            RenameWord(rest, 'K', "B", words);
+            break;
+        case Row::G29:
+            words = "G28";
+            RenameWord(rest, 'I', "R", words);
+            RenameWord(rest, 'J', "P3=", words);
+            RenameWord(rest, 'P', "P2=", words);
+            RenameWord(rest, 'K', "P1=", words);
+            words += "P9=1";
+            break;
+        case Row::G36:
+        case Row::G37:
+            words = "G26";
+            RenameWord(rest, 'I', "P2=", words);
+            RenameWord(rest, 'J', "P4=", words);
+            RenameWord(rest, 'P', "P1=", words);
+            RenameWord(rest, 'K', "P3=", words);
+            words += row == Row::G36 ? "P5=0P9=1" : "P5=270P9=1";
+            break;
+        case Row::G66: {
+            std::string x, y;
+            TakeWord(rest, 'X', x);
+            TakeWord(rest, 'Y', y);
+            words = "G26" + ShearProof(rest, amada, reader);
+            break;
+        }
+        case Row::G67: {
+            std::string x, y;
+            TakeWord(rest, 'X', x);
+            TakeWord(rest, 'Y', y);
+            words = "G65" + Rectangle(rest, amada, reader);
+            break;
+        }
+        case Row::G68: {
+            amada.ToolSide = source == "G68";
+            std::string radius, number;
+            bool hasRadius = TakeWord(rest, 'I', radius);
+            std::string angle, hits, step;
+            bool hasAngle = TakeWord(rest, 'J', angle);
+            bool hasHits = TakeWord(rest, 'K', hits);
+            double tool = TakeValue(rest, 'P');
+            bool hasStep = TakeWord(rest, 'Q', step);
+            words = "G37";
+            if (hasRadius) words += "R" + LengthText(ToNumber(radius) + tool / 2);
+            if (hasAngle) words += "P5=" + angle;
+            if (hasHits) words += "P1=" + hits;
+            if (hasStep) words += "P8=" + step;
+            break;
+        }
+        case Row::G69: {
+            std::string x, y;
+            TakeWord(rest, 'X', x);
+            TakeWord(rest, 'Y', y);
+            words = "G36" + NibbleLine(rest, amada, reader);
+            break;
+        }
+        case Row::G98: {
+            amada.GridX = static_cast<float>(TakeValue(rest, 'X'));
+            amada.GridY = static_cast<float>(TakeValue(rest, 'Y'));
+            amada.GridPitchX = static_cast<float>(TakeValue(rest, 'I'));
+            amada.GridPitchY = static_cast<float>(TakeValue(rest, 'J'));
+            amada.GridColumns = PlusOne(WholeNumber(TakeValue(rest, 'P'), reader), reader);
+            amada.GridRows = PlusOne(WholeNumber(TakeValue(rest, 'K'), reader), reader);
+            amada.GridSet = true;
+            rest = BlockPrefix(rest);
+            words = "G00";
+            break;
+        }
+        case Row::G75:
+        case Row::G76:
+            words = GridCall(rest, row == Row::G76, amada, table, reader);
+            rest = BlockPrefix(rest);
+            break;
+        case Row::W: {
+            // A call as in the bracket dialect: what stands before the "W", the modal codes
+            // behind it, then the call; the name goes to the comment.
+            std::size_t w = rest.find('W');
+            std::string behind = rest.substr(w);
+            std::string name;
+            for (std::size_t k = w + 1; k < rest.size() && IsDigit(rest[k]); ++k) name += rest[k];
+            rest.erase(w);
+            for (const char* code : {"G75", "G76", "G00", "G20", "G21", "G90", "G91", "M00", "M01", "M50", "M60", "M75"})
+                if (Has(behind, code) && !Has(rest, code)) rest += code;
+            words = "G68S" + IntegerText(table.SubroutineNumber(name)) + "Q0";
+            comment = (amada.LastComment.empty() ? std::string(" ; ") : amada.LastComment) + name;
+            break;
+        }
+        case Row::G31: {
+            double p = TakeValue(rest, 'P');
+            double q = TakeValue(rest, 'Q');
+            words = p == 0 && q == 0 ? "M05" : "M03";
+            break;
+        }
+        case Row::None: break;
+    }
+    block = rest + words + tail;
+    return true;
+}
+
+// ---------------------------------------------------------------------------------------
+// The block pass
+
+std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContext& context, std::string_view line) {
+    const bool mainText = context.Pass == BlockPass::Main;
+    ValueReader& reader = state.Reader;
+    // 1. The line, trimmed; a subroutine's start and end in their internal form (subroutine
+    // text loses its leading sequence word first); the comment split off; upper case.
+    state.SourceLine.assign(Trim(line));
+    std::string block = mainText ? state.SourceLine : StripBlockNumber(state.SourceLine);
+    block = SubroutineRewriteBracket(block, context.Table);
+    SplitComment(block, state.BlockComment);
+    for (char& c : block) c = UpperChar(c);
+    // 2. Main text: the sequence word; then all blanks go, words are found in packed text.
+    if (mainText) {
+        if (Has(block, 'N')) {
+            state.SequenceCount = reader.WordInteger(StripBlanks(block), 'N');
+        } else {
+            if (state.SequenceCount == std::numeric_limits<std::int16_t>::max()) reader.IntegerOverflow = true;
+            else ++state.SequenceCount;
+            block = "N" + ZeroPad(state.SequenceCount, 4) + " " + block;
+        }
+    }
+    block = StripBlanks(block);
+    // 3. "A" stores the block (without its A word) as a macro, "B" replays one.
+    if (int store = MacroNumber(block, 'A', reader)) {
+        std::string stored = block;
+        std::size_t at = stored.find('A');
+        stored.erase(at, NumberEnd(stored, at) - at);
+        amada.MacroTable[static_cast<std::size_t>(store)] = stored;
+    }
+    if (int replay = MacroNumber(block, 'B', reader)) block = amada.MacroTable[static_cast<std::size_t>(replay)];
+    // 4. Inch and metric; G90 and G91 clear AmadaFlag.
+    if (Has(block, "G20")) amada.AmadaInch = true;
+    if (Has(block, "G21")) amada.AmadaInch = false;
+    if (Has(block, "G90") || Has(block, "G91")) amada.AmadaFlag = false;
+    // 5. Every numbered word written anew by its class.
+    block = ScaleNumbers(block, ScalingCode(block, reader), amada.AmadaInch);
+    // 6. The optional stop is a stop.
+    ReplaceFirst(block, "M01", "M00");
+    // 7. The linear and arc codes are profile moves.
+    ProfileCodes(block);
+    // 8. A move without a hit, and the sheet repositions.
+    MoveCodes(block);
+    // 9. The unit codes of the internal language.
+    ReplaceFirst(block, "G20", "G70");
+    ReplaceFirst(block, "G21", "G71");
+    // 10. The origin word, only with AmadaFlag, which nothing sets.
+    if (amada.AmadaFlag) ReplaceFirst(block, "G93", "G92");
+    // 11. The first cycle row whose source code stands in the block.
+    CycleMapping(block, state.BlockComment, amada, context.Table, reader);
+    // 12. The completion of every code, as in the Convert pass, without the nibbling codes.
+    state.UnknownBlock = true;
+    if (Has(block, "ENDIF")) state.UnknownBlock = false;
+    state.Codes.Build(block);
+    CompletionSteps(state, block, CompletionContext{context.Settings, mainText, false, true});
+    // 13. Unless a subroutine ends here: the implicit hit, block skip, word order, spacing.
+    if (mainText || !Has(block, "RETURN")) {
+        if (state.UnknownBlock) ImplicitHitRule(block, state);
+        BlockSkipMarks(block);
+        block = WordOrdering(block, reader, state.OrderingSlots);
+        block = CollapseBlanks(SpaceWords(block));
+    }
+    // 14. The block as written, and its comment, are the last block.
+    amada.LastBlock = block;
+    amada.LastComment = state.BlockComment;
+    return block + state.BlockComment;
+}
+
+}  // namespace amada
+
+// ---------------------------------------------------------------------------------------
+// Tool comments
+
+std::string AmadaToolDescription(std::string_view comment) {
+    static constexpr struct {
+        const char* Code;
+        const char* Text;
+    } codes[] = {{"RO", "Diameter "},   {"SQ", "Square "},   {"RE", "Rectangle "},     {"OB", "Obround "},
+                 {"SD", "Single-D "},   {"DD", "Double-D "}, {"RC", "Radius Corner "}, {"CR", "Corner Radius "},
+                 {"TR", "Triangle "},   {"CP", "Centre Punch "}, {"CS", "Counter Sink "}, {"SP", "Special "}};
+    std::string text = UpperCase(StripBlanks(comment));
+    if (text.size() < 2) return {};
+    std::string_view code = std::string_view(text).substr(0, 2);
+    // The sizes behind the code, with "Z" put in front, are read behind "Z", "X" and "A".
+    std::string sizes = "Z" + text.substr(2);
+    ValueReader reader;
+    auto size = [&](char letter) { return FormatNumber(reader.WordValue(sizes, letter), -1); };
+    for (const auto& entry : codes) {
+        if (code != entry.Code) continue;
+        std::string out = entry.Text;
+        if (code == "RO") return out + size('Z');
+        if (code == "SQ") return out + size('Z') + " a" + size('A');
+        return out + size('Z') + "x" + size('X') + " a" + size('A');
+    }
+    return {};
+}
+
+}  // namespace kirvana
