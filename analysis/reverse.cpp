@@ -477,8 +477,8 @@ void ReverseRun::HandleBlock() {
         if (reader_.WordMissing || n != S.SkipTo) return;
         S.Skipping = false;
     }
-    // 3a. Variable assignments P12 to P99.
-    if (block_.find('P') != std::string::npos) StoreAssignments();
+    // 3a. Variable assignments P12 to P99; a condition's "P12=1" is a comparison, not one.
+    if (block_.find('P') != std::string::npos && !Has("IF")) StoreAssignments();
     // 4. Calls, conditions and jumps end the block.
     if (Has("G68") || Has("G69") || Has("G98")) {
         CallSubroutine();

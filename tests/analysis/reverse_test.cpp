@@ -10,6 +10,7 @@
 #include "analysis/drawing_file.h"
 #include "analysis/expand.h"
 #include "analysis/reverse.h"
+#include "tests/analysis/reverse_settings.h"
 #include "translate/blend.h"
 
 namespace kirvana {
@@ -17,35 +18,7 @@ namespace {
 
 constexpr double Near = 1e-3;
 
-// A machine of 2500 x 1250 travel, loaded at (0, 1250), with 20 stations: station n is T n,
-// a round tool of D1 10; station 20 is an autoindex station.
-ReverseSettings Settings() {
-    ReverseSettings s;
-    s.LoadX = 0;
-    s.LoadY = 1250;
-    s.XLimitMin = -25;
-    s.XLimitMax = 2540;
-    s.YLimitMin = -10;
-    s.YLimitMax = 1270;
-    s.ClampCount = 2;
-    s.MachineType = 3;
-    s.Stations.resize(20);
-    for (int n = 1; n <= 20; ++n) {
-        Station& st = s.Stations[n - 1];
-        st.Valid = TrueWord;
-        st.TNumber = static_cast<std::int16_t>(n);
-        st.Tool.Valid = TrueWord;
-        st.Tool.Shape = 'B';
-        st.Tool.Name = ToolName("RND");
-        st.Tool.D1 = 10;
-        st.Tool.Station = static_cast<std::int16_t>(n == 20 ? 20 : 10);
-        st.Autoindex = n == 20 ? TrueWord : FalseWord;
-    }
-    s.PlasmaTool.Valid = TrueWord;
-    s.PlasmaTool.Shape = 'P';
-    s.PlasmaTool.Name = ToolName("PLASMA");
-    return s;
-}
+ReverseSettings Settings() { return ReverseTestSettings(); }
 
 struct PassRun {
     ReverseResult Result;

@@ -1,0 +1,56 @@
+// Golden runs of the Reverse pass: motion texts in tests/data/reverse/NAME/ (M1, M2), the
+// drawing expected as its listing (expected.listing) and the report with the time fixed
+// (expected.txt). Each expected file was worked out by hand against the pass's rules.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "analysis/drawing_listing.h"
+#include "analysis/reverse.h"
+#include "tests/analysis/reverse_settings.h"
+#include "tests/core/temp_dir.h"
+
+namespace kirvana {
+namespace {
+
+std::string ReadText(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+class ReverseGolden : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(ReverseGolden, DrawingAndReportAsWorkedOut) {
+    const std::string data = std::string(KIRVANA_SOURCE_DIR) + "/tests/data/reverse/" + GetParam() + "/";
+    TempDir dir;
+    dir.Write("Slot.M1", ReadText(data + "M1"));
+    dir.Write("Slot.M2", ReadText(data + "M2"));
+    ReverseSettings settings = ReverseTestSettings();
+    settings.ServiceDir = dir.Path();
+    std::int16_t toolChanges = 0;
+    ReverseResult result = ReversePass(dir.Path() + "Slot.", GetParam(), "GOLDEN", toolChanges, settings);
+    EXPECT_FALSE(result.FileFault);
+    DrawingFile drawing;
+    ASSERT_TRUE(drawing.Open(dir.Path() + "Slot.drw", true));
+    std::string listing;
+    for (const auto& line : ListDrawing(drawing)) listing += line + "\n";
+    const std::string report = ReadText(dir.Path() + "Reverse.txt");
+    if (std::getenv("KIRVANA_DRAFT_GOLDEN")) {
+        // Drafts for checking by hand; never compared as they stand.
+        std::ofstream(data + "draft.listing", std::ios::binary) << listing;
+        std::ofstream(data + "draft.txt", std::ios::binary) << report;
+    }
+    EXPECT_EQ(listing, ReadText(data + "expected.listing"));
+    EXPECT_EQ(report, ReadText(data + "expected.txt"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Programs, ReverseGolden,
+                         ::testing::Values("punch_cycles", "d1_subroutines", "profile_inch_mirror"));
+
+}  // namespace
+}  // namespace kirvana
