@@ -253,7 +253,10 @@ private:
     double Value(std::string_view key);
     double Length(std::string_view key);
     std::int16_t Integer(std::string_view key);
-    bool Has(const char* code) const { return block_.find(code) != std::string::npos; }
+    // Plain text search for a code; codes begin with "G", "M" or "I", so only the places of
+    // those letters, indexed once per block, are looked at.
+    bool Has(std::string_view code) const;
+    void IndexCodes();
     void Error(std::string_view message, bool critical);
     void CheckLimit(double x, double y);
 
@@ -317,7 +320,33 @@ private:
     bool recordsFull_ = false;
     bool blocksFull_ = false;
     std::int64_t steps_ = 0;
+    std::int64_t linesRead_ = 0;
+    std::array<std::uint16_t, 64> codeAt_{};
+    int codes_ = 0;  // -1: too many letters to index, search the whole block
 };
+
+void ReverseRun::IndexCodes() {
+    codes_ = 0;
+    for (std::size_t i = 0; i < block_.size(); ++i) {
+        char c = block_[i];
+        if (c != 'G' && c != 'M' && c != 'I') continue;
+        if (codes_ == static_cast<int>(codeAt_.size()) || i > UINT16_MAX) {
+            codes_ = -1;
+            return;
+        }
+        codeAt_[codes_++] = static_cast<std::uint16_t>(i);
+    }
+}
+
+bool ReverseRun::Has(std::string_view code) const {
+    if (codes_ < 0) return block_.find(code) != std::string::npos;
+    const std::string_view block(block_);
+    for (int k = 0; k < codes_; ++k) {
+        std::size_t at = codeAt_[k];
+        if (block[at] == code[0] && block.compare(at, code.size(), code) == 0) return true;
+    }
+    return false;
+}
 
 double ReverseRun::Value(std::string_view key) {
     double value = reader_.WordValue(block_, key);
@@ -432,6 +461,7 @@ ReverseResult ReverseRun::Run() {
             continue;
         }
         line_ = std::string(Trim(file[next++]));
+        ++linesRead_;
         std::int16_t& count = S.BlockCount[S.Depth];
         if (count < INT16_MAX) {
             ++count;
@@ -441,6 +471,7 @@ ReverseResult ReverseRun::Run() {
         }
         block_ = StripBlanks(BeforeComment(line_));
         for (char& c : block_) c = UpperChar(c);
+        IndexCodes();
         HandleBlock();
     }
     // A jump or a call whose block number never came.
@@ -459,6 +490,7 @@ ReverseResult ReverseRun::Run() {
     result.CriticalCount = S.CriticalCount;
     result.Result = S.CriticalCount;
     result.Records = S.RecordCounter;
+    result.Blocks = linesRead_;
     result.Stats = S.Stats;
     result.FileFault = writeFault_;
     return result;
@@ -467,7 +499,7 @@ ReverseResult ReverseRun::Run() {
 // One block of the motion text, in the order of the language.
 void ReverseRun::HandleBlock() {
     // 2. RETURN in a subroutine ends a repetition step.
-    if (S.Depth > 0 && !S.Skipping && Has("RETURN")) {
+    if (S.Depth > 0 && !S.Skipping && block_.find("RETURN") != std::string::npos) {
         EndOfCall();
         return;
     }

@@ -116,6 +116,7 @@ struct ReverseResult {
     bool Stopped = false;        // the block bound was reached
     bool FileFault = false;      // M1 missing, or the drawing could not be written
     std::int32_t Records = 0;    // records of the drawing, the Sheet included
+    std::int64_t Blocks = 0;     // lines read, from M1 and from every repetition in M2
     ProgramStats Stats;
 };
 
