@@ -294,6 +294,32 @@ TEST(ReversePass, NibbledArcByCentreAndByRadius) {
     EXPECT_NE(run.Report.find("Non-Interpolated Arc (Invalid R)\nN0004"), std::string::npos);
 }
 
+
+TEST(ReversePass, RecordsBeyond32767AreReportedOnce) {
+    PassRun run = Reverse("N0001 G90 T1\nN0002 G68 X0 Y0 S1 Q16400\n", "N1000 G91\nG81 X0.01\nG81 X0.01\nRETURN\n");
+    EXPECT_EQ(run.Result.Records, 32767);
+    EXPECT_EQ(Count(run.Report, "Drawing exceeds 32767 records"), 1);
+    EXPECT_EQ(run.Result.Result, 1);
+    EXPECT_EQ(run.Records[0].Counts[1], 32767);
+}
+
+TEST(ReversePass, FlipAndLoadPositionWithStation) {
+    PassRun run = Reverse("N0001 G90 T1 G80 X50 Y60\nN0002 M55 I1 J0 A90\nN0003 M60 Y600 T5\nN0004 G81 X10 Y10\n"
+                          "N0005 M50\n");
+    ASSERT_EQ(run.Records.size(), 6u);
+    EXPECT_EQ(Kind(run.Records[2]), "Flip / Rotate");
+    EXPECT_EQ(run.Records[2].Counts[1], -1);
+    EXPECT_EQ(run.Records[2].Counts[2], 0);
+    EXPECT_FLOAT_EQ(run.Records[2].Values[10], 90);
+    EXPECT_EQ(Kind(run.Records[3]), "Load Position");
+    EXPECT_NEAR(run.Records[3].Points.Position.X, 0, Near);
+    EXPECT_NEAR(run.Records[3].Points.Position.Y, 600, Near);
+    EXPECT_EQ(run.Records[3].Counts[1], 1);
+    EXPECT_EQ(run.Records[4].StationNo, 5);
+    EXPECT_NEAR(run.Records[5].Points.Position.Y, 1250, Near);
+    EXPECT_EQ(run.Records[5].Counts[1], 0);
+}
+
 // ---------------------------------------------------------------------------------------
 // Conditions, jumps, bad input
 
