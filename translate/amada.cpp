@@ -504,11 +504,14 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
         case Row::W: {
             // A call as in the bracket dialect: what stands before the "W", the modal codes
             // behind it, then the call; the name goes to the comment.
+            // A "W" behind the first "M" is part of the tail: the call then has no name.
             std::size_t w = rest.find('W');
-            std::string behind = rest.substr(w);
-            std::string name;
-            for (std::size_t k = w + 1; k < rest.size() && IsDigit(rest[k]); ++k) name += rest[k];
-            rest.erase(w);
+            std::string behind, name;
+            if (w != npos) {
+                behind = rest.substr(w);
+                for (std::size_t k = w + 1; k < rest.size() && IsDigit(rest[k]); ++k) name += rest[k];
+                rest.erase(w);
+            }
             for (const char* code : {"G75", "G76", "G00", "G20", "G21", "G90", "G91", "M00", "M01", "M50", "M60", "M75"})
                 if (Has(behind, code) && !Has(rest, code)) rest += code;
             words = "G68S" + IntegerText(table.SubroutineNumber(name)) + "Q0";
