@@ -728,8 +728,7 @@ void ReverseRun::ChangeTool() {
     for (std::size_t i = block_.find('T'); i != std::string::npos; i = block_.find('T', i + 1)) {
         bool inGoto = i >= 2 && block_.compare(i - 2, 4, "GOTO") == 0;
         bool inTrunc = block_.compare(i, 5, "TRUNC") == 0;
-        bool inReturn = i >= 3 && block_.compare(i - 3, 6, "RETURN") == 0;
-        if (inGoto || inTrunc || inReturn) continue;
+        if (inGoto || inTrunc) continue;
         at = i;
         break;
     }

@@ -30,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             st.Tool.Station = 10;
             st.Autoindex = n > 15 ? kirvana::TrueWord : kirvana::FalseWord;
         }
-        s.MaxBlocks = 100'000;
+        s.MaxBlocks = 20'000;
         return s;
     }();
     std::vector<std::string> m1, m2;
