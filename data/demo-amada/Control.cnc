@@ -1,0 +1,3 @@
+Card in use: FALSE
+Poll log: FALSE
+******
