@@ -33,7 +33,9 @@ public:
         std::fprintf(stderr, "%s\n(answered no: no operator at this seat)\n", text.c_str());
         return false;
     }
-    void ShowWarning(const std::string& text) override { std::fprintf(stderr, "%s\n", text.c_str()); }
+    void ShowWarning(const std::string& text) override {
+        if (!quiet_) std::fprintf(stderr, "%s\n", text.c_str());
+    }
     void ShowFrontEnd() override { frontEnd_ = true; }
     bool FrontEndVisible() override { return frontEnd_; }
     void UnloadFrontEnd() override { frontEnd_ = false; }
@@ -63,6 +65,8 @@ public:
     // Runs the start in `root` (its current directory); prints the machine summary when asked,
     // or the reason it could not start. Gives the exit code.
     int Start(const std::string& root);
+    // The Select button on the active slot.
+    SelectOutcome Select(const std::string& directory, const std::string& program);
     // The operator's shutdown, without powering off.
     void End();
     Conversation Talk();

@@ -37,6 +37,10 @@ int HeadlessSeat::Start(const std::string& root) {
     return outcome.ExitCode();
 }
 
+SelectOutcome HeadlessSeat::Select(const std::string& directory, const std::string& program) {
+    return SelectProgram(State, platform_, &link_, directory, program);
+}
+
 void HeadlessSeat::End() { Shutdown(State, platform_, &link_, steps_, false); }
 
 Conversation HeadlessSeat::Talk() { return Conversation(&link_, State.Card, State.Config.Dirs.ServiceDir, &platform_); }

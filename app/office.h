@@ -21,6 +21,9 @@ bool Flag(const Args& args, const std::string& name);
 bool MachineAt(std::string root, Directories& dirs, MachineData& machine);
 
 int Start(const Args& args);
+// A program into an active slot, as the Select button does; both slots as the start finds them.
+int Select(const Args& args);
+int Slots(const Args& args);
 int Card(const Args& args);
 int Eval(const Args& args);
 int Word(const Args& args);

@@ -49,6 +49,8 @@ struct Command {
 
 const Command Commands[] = {
     {"start", Start, "start --root DIR                 run the start-up headless, print the machine summary"},
+    {"select", Select, "select --root ROOT --dir DIR --program NAME [--slot 1|2]   select a program into a slot"},
+    {"slots", Slots, "slots --root ROOT                print both active slots as the start-up finds them"},
     {"card", Card, "card --root DIR [--timeout MS] \"TEXT\"...   send texts to the installation's card, print the answers"},
     {"eval", Eval, "eval \"EXPR\"                     evaluate an expression"},
     {"word", Word, "word \"BLOCK\" LETTER [--number|--integer]   read a word of a block"},

@@ -94,7 +94,7 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
     // 11. Plot settings.
     Run(steps.ReadPlotConfig, process);
     // 12. The active slots: the first download of motion programs.
-    Run(steps.LoadActiveSlots, process);
+    LoadActiveSlots(process, platform, link);
     // 13. Control.cfg with the active slot now settled.
     WriteControlConfig(config);
     // 14. The active slot to the card.

@@ -69,7 +69,6 @@ struct StartupSteps {
     std::function<void(Process&)> ConfigureCard;
     std::function<void(Process&)> ReadColours;
     std::function<void(Process&)> ReadPlotConfig;
-    std::function<void(Process&)> LoadActiveSlots;
     std::function<void(Process&)> ReadDialogueProgram;
     std::function<void(Process&)> ReadSerialSettings;
     std::function<void(Process&)> PrepareReceiveFiles;

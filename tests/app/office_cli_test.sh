@@ -66,6 +66,19 @@ check_code blend-critical 1 "$office" blend "$work/demo2/Q." --root "$work/demo2
 check blend-report "Non-Interpolated Arc (Invalid R)" sed -n 6p "$work/demo2/Service/Blend.txt"
 check_code blend-usage 2 "$office" blend "$work/demo2/Q." --root "$work/demo2"
 
+# Selection into the slots, and the slots as a new start finds them.
+mkdir -p "$work/sel" && cp -r "$demo/." "$work/sel/"
+check select-plate "Slot 1 (active): PLATE01 in Dorvenis, dialect 1, sheet 1000 x 500, records 6, words 24, hits 5" \
+    "$office" select --root "$work/sel" --dir Dorvenis --program PLATE01
+check_code select-errors 1 "$office" select --root "$work/sel" --dir Dorvenis --program ERRORS04 --slot 2
+check select-refused $'Refused: ERRORS04\n\nCan Not Be Selected Due To Errors in Code !' \
+    "$office" select --root "$work/sel" --dir Dorvenis --program ERRORS04 --slot 2
+check select-missing "Refused: Program Does Not Exist !" "$office" select --root "$work/sel" --dir Dorvenis --program NONE
+check_code select-usage 2 "$office" select --root "$work/sel" --dir Dorvenis --program PLATE01 --slot 3
+check_code select-grid 0 "$office" select --root "$work/sel" --dir Dorvenis --program GRID03 --slot 2
+check slots $'Slot 1: PLATE01 in Dorvenis, dialect 1, sheet 1000 x 500, records 6, words 24, hits 5\nSlot 2 (active): GRID03 in Dorvenis, dialect 1, sheet 1200 x 800, records 4, words 43, hits 63' \
+    "$office" slots --root "$work/sel"
+
 # The card command against the simulator, as an installer checks the link.
 cp -r "$demo" "$work/card"
 printf 'Card in use: TRUE\nPoll log: FALSE\n******\n' > "$work/card/Control.cnc"

@@ -112,8 +112,18 @@ TEST_F(StartupTest, CardTrafficAtStartInOrder) {
     link_.Answers = {{"#1->", "2000X"}, {"#2->", "0"}, {"#3->", ""}, {"#4->", "-1.5Y"}, {"Q10", "12.5"}, {"Q11", "1234.25"}};
     ASSERT_EQ(Main(process_, platform_, &link_, steps_).Result, StartOutcome::Kind::Started);
     EXPECT_EQ(link_.Calls, (std::vector<std::string>{"Prepare", "Enable"}));
-    EXPECT_EQ(link_.Sent, (std::vector<std::string>{"FILE ./Data/A.PRM", "FILE ./Data/b.prm", "#1->", "#2->", "#3->",
-                                                    "#4->", "Q10", "Q11", "M811=1", "P1021=P1021|1"}));
+    // Files, queries, then the (empty) active slot's blocks: slot, load Y, station 1 of the
+    // turret with its speed, the profiler and its plasma block, the batch; the slot again, and
+    // the front end is up.
+    std::vector<std::string> expected = {"FILE ./Data/A.PRM", "FILE ./Data/b.prm", "#1->", "#2->", "#3->", "#4->",
+                                         "Q10", "Q11", "M811=1", "Q11=1234.25", "M867=1", "Q49=1", "M844=0",
+                                         "M845=0", "M846=0", "Q19=100", "Q18=100", "Q20=0", "Q21=0", "Q22=0", "Q23=0",
+                                         "%100", "M848=250", "M849=-180", "M850=0"};
+    for (int p = 101; p <= 110; ++p) expected.push_back("P" + std::to_string(p) + "=-999");
+    for (int m = 863; m <= 866; ++m) expected.push_back("M" + std::to_string(m) + "=0");
+    expected.push_back("M811=1");
+    expected.push_back("P1021=P1021|1");
+    EXPECT_EQ(link_.Sent, expected);
     // A scale of 0 or an empty answer is 1, never 0.
     EXPECT_EQ(process_.AxisScale[0], 2000);
     EXPECT_EQ(process_.AxisScale[1], 1);
@@ -192,16 +202,11 @@ TEST_F(StartupTest, OtherSubsystemsStepsRunInTheirPlaces) {
     auto record = [&](const char* name) { return [&order, name](Process&) { order.push_back(name); }; };
     steps_.ReadColours = record("colours");
     steps_.ReadPlotConfig = record("plot");
-    steps_.LoadActiveSlots = [&](Process& p) {
-        order.push_back("slots");
-        p.Config.ActiveSlot = 2;  // the slots settle the active slot before Control.cfg is written
-    };
     steps_.ReadDialogueProgram = record("dialogue");
     steps_.ReadSerialSettings = record("serial");
     steps_.PrepareReceiveFiles = record("receive");
     ASSERT_EQ(Main(process_, platform_, &link_, steps_).Result, StartOutcome::Kind::Started);
-    EXPECT_EQ(order, (std::vector<std::string>{"colours", "plot", "slots", "dialogue", "serial", "receive"}));
-    EXPECT_EQ((*ReadLines("Control.cfg"))[3], "2");
+    EXPECT_EQ(order, (std::vector<std::string>{"colours", "plot", "dialogue", "serial", "receive"}));
 }
 
 TEST_F(StartupTest, ShutdownSavesWithoutWaitWhenWaitIsZero) {

@@ -1,0 +1,312 @@
+// Selection of a program into the active slot, the emptying of a slot, the load of both slots
+// at start, and the slot's variable blocks to the card.
+#include <algorithm>
+#include <filesystem>
+
+#include "analysis/drawing_file.h"
+#include "analysis/expand.h"
+#include "analysis/reverse.h"
+#include "controller/download.h"
+#include "core/number.h"
+#include "core/paths.h"
+#include "core/slots.h"
+#include "core/startup.h"
+#include "core/text.h"
+#include "translate/blend.h"
+#include "translate/convert.h"
+
+namespace kirvana {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+Conversation Talk(Process& process, StartupPlatform& platform, CardLink* link) {
+    return Conversation(link, process.Card, process.Config.Dirs.ServiceDir, &platform);
+}
+
+// Sheet, clamps, record count and measurement from record 1 of the slot's drawing.
+void ReadSheetRecord(const std::string& stem, SlotRecord& record) {
+    DrawingFile drawing;
+    EntityRec sheet;
+    if (!drawing.Open(stem + "drw", true) || !drawing.Get(1, sheet)) return;
+    record.Material = std::string(Trim(sheet.Remark));
+    record.SheetX = sheet.Values[1];
+    record.SheetY = sheet.Values[2];
+    for (int i = 0; i < 4; ++i) record.Clamps[i] = sheet.Values[7 + i];
+    record.DrawingRecords = static_cast<std::int16_t>(std::clamp<std::int32_t>(sheet.RecordNo, 0, 32767));
+    record.Imperial = sheet.Counts[2] != 0;
+}
+
+// The hit file's record count from its record 1.
+std::int32_t HitFileRecords(const std::string& stem) {
+    DrawingFile hits;
+    return hits.Open(stem + "dr1", true) ? hits.Count() : 0;
+}
+
+// The station block of a station of the slot's table.
+StationBlock StationBlockOf(const Station& station) {
+    StationBlock block;
+    block.ToolNumber = station.TNumber;
+    block.Offsets = {station.OffsetX, station.OffsetY, station.OffsetZ};
+    block.Words = {station.Settings.FeedPercent, station.Settings.AccelPercent};
+    block.Singles = {station.Settings.PreDelay, station.Settings.PostDelay, station.Settings.InPosition,
+                     station.Settings.RamTimer};
+    return block;
+}
+
+PlasmaBlock PlasmaBlockOf(const PlasmaSetting& s) {
+    PlasmaBlock block;
+    block.P101To104 = {s.RapidSpeed, s.CutSpeed, s.MinCornerSpeed, s.FreezeSpeed};
+    block.P105 = s.HeightOn;
+    block.P106 = s.HeightOff;
+    block.P107 = s.Slowdown;
+    block.P108 = s.Kerf;
+    block.P109 = s.Pierce;
+    block.P110 = s.TorchType;
+    return block;
+}
+
+// Copies the program to the slot's `.org`: every line trimmed, empty lines left out.
+bool CopyProgram(const Directories& dirs, const std::string& program, const std::string& org) {
+    NoteFile(dirs.ServiceDir, program);
+    auto lines = ReadLines(program);
+    if (!lines) return false;
+    std::vector<std::string> kept;
+    for (const std::string& line : *lines) {
+        std::string_view text = Trim(line);
+        if (!text.empty()) kept.emplace_back(text);
+    }
+    const std::string temporary = dirs.RootDir + "Temp.org";
+    if (!WriteLines(temporary, kept)) return false;
+    std::error_code error;
+    fs::remove(org, error);
+    fs::rename(temporary, org, error);
+    return !error;
+}
+
+// For a plasma profiler of kind 2: the program's `.pls` (made from the default set when it
+// has none) becomes the slot's.
+void CopyPlasmaSettings(const Directories& dirs, const std::string& programStem, const std::string& slotStem) {
+    const std::string pls = programStem + ".pls";
+    std::error_code error;
+    if (!FileExists(pls)) {
+        std::string source = dirs.SettingsDir + "Default.pls";
+        if (!FileExists(source)) {
+            source.clear();
+            for (const std::string& name : ListDirectory(dirs.SettingsDir, false)) {
+                if (name.size() > 4 && UpperCase(name.substr(name.size() - 4)) == ".PLS") {
+                    source = dirs.SettingsDir + name;
+                    break;
+                }
+            }
+        }
+        if (!source.empty()) fs::copy_file(source, pls, fs::copy_options::overwrite_existing, error);
+    }
+    if (FileExists(pls)) fs::copy_file(pls, slotStem + "pls", fs::copy_options::overwrite_existing, error);
+}
+
+void ReadSlotPlasma(const std::string& slotStem, SlotRecord& record) {
+    std::string description;
+    ClearPlasmaSetting(record.PlasmaSettings);
+    LoadPlasmaSetting(slotStem + "pls", description, record.PlasmaSettings);
+}
+
+// The Reverse pass on the slot: the drawing, "Reverse.txt" and the statistics. Non-zero bars
+// the program.
+std::int16_t ReverseSlot(Process& process, int slot, const std::string& stem, SlotRecord& record) {
+    ReverseSettings settings = ReverseSettingsFrom(process.Config.Machine, process.Config.Dirs,
+                                                   SlotTable(process.Tools, slot), MachinePlasmaTool(process.Tools));
+    if (FileExists(stem + "pls")) {
+        PlasmaSetting plasma;
+        std::string description;
+        ClearPlasmaSetting(plasma);
+        LoadPlasmaSetting(stem + "pls", description, plasma);
+        PlasmaToSettings(plasma, settings.ProgramSettings);
+    }
+    std::int16_t toolChanges = 0;
+    ReverseResult result = ReversePass(stem, record.ProgramName, record.ProgramDirName, toolChanges, settings);
+    record.Stats = SlotStats{result.Stats.Hits, result.Stats.Travel, result.Stats.CutLength};
+    return result.Result;
+}
+
+}  // namespace
+
+void ClearSlot(Process& process, int slot) {
+    const Directories& dirs = process.Config.Dirs;
+    SlotRecord& record = process.Slots[slot - 1];
+    // 1. The record to its empty values.
+    record = SlotRecord{};
+    record.SlotLoadY = process.Config.Machine.LoadPositionY;
+    ClearPlasmaSetting(record.PlasmaSettings);
+    // 3. The slot's files.
+    const std::string prefix = "ACTVPRG" + std::to_string(slot) + ".";
+    for (const std::string& name : ListDirectory(dirs.RootDir, false)) {
+        if (!UpperCase(name).starts_with(prefix)) continue;
+        std::error_code error;
+        fs::remove(dirs.RootDir + name, error);
+    }
+    // 4. The machine's turret in the slot's table.
+    if (process.Config.Machine.HasTurret) CopyMachineTable(process.Tools, slot);
+}
+
+void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link) {
+    Conversation talk = Talk(process, platform, link);
+    const MachineData& machine = process.Config.Machine;
+    int slot = process.Config.ActiveSlot;
+    SlotRecord& record = process.Slots[slot - 1];
+    talk.Download("M811=" + std::to_string(slot));
+    talk.Download("Q11=" + FormatNumber(record.SlotLoadY, 2));
+    if (machine.HasTurret) {
+        talk.Download("M867=" + IntegerText(record.ActiveStation));
+        const StationTable& table = SlotTable(process.Tools, slot);
+        if (record.ActiveStation >= 1 && static_cast<std::size_t>(record.ActiveStation) <= table.size())
+            SendStationBlock(talk, StationBlockOf(table[record.ActiveStation - 1]), true);
+    }
+    if (machine.ProfilerKind > 0) {
+        const StationType& plasma = PlasmaStationType(process.Tools);
+        SendProfilerBlock(talk, {plasma.OffsetX, plasma.OffsetY, plasma.OffsetZ}, machine.ProfilerKind,
+                          PlasmaBlockOf(record.PlasmaSettings));
+    }
+    SendBatchBlock(talk, {record.Batch[0], record.Batch[1], record.Batch[2], record.Batch[3]});
+}
+
+SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLink* link, const std::string& directoryName,
+                            const std::string& programName) {
+    const Directories& dirs = process.Config.Dirs;
+    const MachineData& machine = process.Config.Machine;
+    std::string directory(Trim(directoryName)), name(Trim(programName));
+    auto refuse = [&](const std::string& text) {
+        platform.ShowWarning(text);
+        return SelectOutcome{false, text};
+    };
+    // 1-4. Names within 32 characters, the directory and the program there.
+    if (directory.empty() || directory.size() > 32) return refuse("Invalid Directory Name !");
+    if (name.empty() || name.size() > 32) return refuse("Invalid Program Name !");
+    std::string directoryPath = ResolveNoCase(dirs.ProgramRoot + directory);
+    if (!IsDirectory(directoryPath)) return refuse("Directory Does Not Exist !");
+    std::string programPath = ResolveNoCase(directoryPath + "/" + name + ".prg");
+    if (!FileExists(programPath)) return refuse("Program Does Not Exist !");
+    // 5. Never while the machine runs.
+    if (process.Running) return refuse("Can Not Select New Program\n\nWhile Machine Is Running !");
+    // 6. The slot is emptied.
+    int slot = process.Config.ActiveSlot;
+    ClearSlot(process, slot);
+    SlotRecord& record = process.Slots[slot - 1];
+    const std::string stem = SlotStem(dirs, slot);
+    // 7. The program's names.
+    record.ProgramName = StripExtension(FileNameOf(programPath));
+    record.ProgramDirName = directory;
+    record.ProgramDirPath = directoryPath + "/";
+    const std::string programStem = record.ProgramDirPath + record.ProgramName;
+    auto fail = [&](const std::string& text) {
+        ClearSlot(process, slot);
+        return refuse(text);
+    };
+    // 8. The cleaned source in the slot.
+    if (!CopyProgram(dirs, programPath, stem + "org")) return fail(record.ProgramName + "\n\nCan Not Be Read !");
+    // 9. The plasma settings for a profiler of kind 2.
+    if (machine.ProfilerKind == 2) CopyPlasmaSettings(dirs, programStem, stem);
+    // 10. Translation; the comment marks by dialect.
+    ConvertResult converted = ConvertProgram(stem, record.SourceDialect, ConvertSettingsFrom(machine, dirs));
+    if (converted.Status != ConvertStatus::Done) return fail(record.ProgramName + "\n\n" + ConvertStatusText(converted.Status));
+    SetCommentMarks(record, false);
+    // 11. The Blend pass; 12. the Reverse pass judges.
+    BlendProgram(record.ProgramDirName, record.ProgramName, stem, BlendSettingsFrom(machine, dirs));
+    if (ReverseSlot(process, slot, stem, record) > 0)
+        return fail(record.ProgramName + "\n\nCan Not Be Selected Due To Errors in Code !");
+    // 13. Sheet and clamps from the drawing.
+    ReadSheetRecord(stem, record);
+    // 14. The hits, with a turret.
+    record.ExpandedFilePath = stem + "dr1";
+    if (machine.HasTurret) {
+        ExpandDrawing(stem);
+        record.HitFileRecords = HitFileRecords(stem);
+    }
+    if (record.ActiveStation < 1) record.ActiveStation = 1;
+    // 15, 16. The maps of the card's program counter.
+    record.Counts[0] = BuildBlockMap(stem + "A1", stem + "M1", stem + "W1", stem + "RA1", stem + "RM1");
+    record.Counts[1] = BuildBlockMap(stem + "A2", stem + "M2", stem + "W2", stem + "RA2", stem + "RM2");
+    // 17. The slot's description.
+    WriteSlotConfig(dirs, slot, record);
+    // 18. The turret table and the program's settings.
+    if (machine.HasTurret) {
+        StationTable& table = SlotTable(process.Tools, slot);
+        CopyMachineTable(process.Tools, slot);
+        if (FileExists(programStem + ".stg")) ReadProgramSettings(programStem + ".stg", table, dirs.ServiceDir);
+        WriteProgramTurret(stem + "trt", table, ProgramTurret{record.ProgramStatsUsed ? TrueWord : FalseWord, record.ActiveStation});
+        WriteProgramSettings(programStem + ".stg", table);
+    }
+    // 19. The plasma settings.
+    if (machine.ProfilerKind == 2 && FileExists(stem + "pls")) ReadSlotPlasma(stem, record);
+    // 20. Statistics and batch.
+    WriteSlotStats(dirs, slot, record.Stats);
+    WriteSlotBatch(dirs, slot, record.Batch);
+    record.Present = true;
+    // 22. The card's hit counter starts anew.
+    Conversation talk = Talk(process, platform, link);
+    talk.Download("M869=0");
+    record.RunCount = 0;
+    // 24. The motion programs; 25-28. the slot's blocks.
+    DownProgram(talk, dirs.RootDir, dirs.ServiceDir, slot);
+    SendSlotBlocks(process, platform, link);
+    return SelectOutcome{true, {}};
+}
+
+void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link) {
+    const Directories& dirs = process.Config.Dirs;
+    const MachineData& machine = process.Config.Machine;
+    Conversation talk = Talk(process, platform, link);
+    for (int slot = 1; slot <= 2; ++slot) {
+        SlotRecord& record = process.Slots[slot - 1];
+        const std::string stem = SlotStem(dirs, slot);
+        // 2. An incomplete file set empties the slot silently.
+        bool complete = true;
+        for (const char* extension : {"cfg", "drw", "M1", "RA1"}) complete = complete && FileExists(stem + extension);
+        if (!complete) {
+            ClearSlot(process, slot);
+            continue;
+        }
+        // 1, 3. The description.
+        record = SlotRecord{};
+        record.ExpandedFilePath = stem + "dr1";
+        if (!ReadSlotConfig(dirs, slot, record)) {
+            ClearSlot(process, slot);
+            continue;
+        }
+        record.Present = true;
+        SetCommentMarks(record, true);
+        // 4, 5. The slot's turret table.
+        if (machine.HasTurret) {
+            StationTable& table = SlotTable(process.Tools, slot);
+            ProgramTurret header;
+            if (FileExists(stem + "trt") && ReadProgramTurret(stem + "trt", table, header, dirs.ServiceDir)) {
+                record.ProgramStatsUsed = header.SettingWord != 0;
+                if (header.ActiveStation) record.ActiveStation = *header.ActiveStation;
+            } else {
+                for (Station& station : table) station.Settings = PunchSetting{100, 100, 0, 0, 0, 0};
+            }
+        }
+        // 6. Plasma settings.
+        ClearPlasmaSetting(record.PlasmaSettings);
+        if (FileExists(stem + "pls")) ReadSlotPlasma(stem, record);
+        // 7. Sheet and clamps; 8. statistics and batch.
+        ReadSheetRecord(stem, record);
+        record.Stats = ReadSlotStats(dirs, slot);
+        record.Batch = ReadSlotBatch(dirs, slot);
+        // 9. A table of no program of its own is the machine's.
+        if (machine.HasTurret && !record.ProgramStatsUsed) CopyMachineTable(process.Tools, slot);
+        // 11. The hits.
+        record.HitFileRecords = HitFileRecords(stem);
+        if (record.ActiveStation < 1) record.ActiveStation = 1;
+        // 12. The motion programs to the card.
+        DownProgram(talk, dirs.RootDir, dirs.ServiceDir, slot);
+    }
+    // After both: the active slot's blocks, and its directory as the current one.
+    if (process.Config.ActiveSlot != 1 && process.Config.ActiveSlot != 2) process.Config.ActiveSlot = 1;
+    SendSlotBlocks(process, platform, link);
+    const SlotRecord& active = process.Slots[process.Config.ActiveSlot - 1];
+    if (!active.ProgramDirName.empty()) SetProgramDir(process.Config, active.ProgramDirName);
+}
+
+}  // namespace kirvana

@@ -1,0 +1,242 @@
+// Selection of programs into the active slots, end to end on a copy of the demo installation:
+// in office mode, and against the simulated card over the Ethernet link.
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+#include "controller/cardsim/card_simulator.h"
+#include "controller/pmac_ethernet_link.h"
+#include "core/paths.h"
+#include "core/startup.h"
+#include "tests/core/temp_dir.h"
+
+using namespace kirvana;
+
+namespace {
+
+struct QuietPlatform : StartupPlatform {
+    std::vector<std::string> Warnings;
+    void ShowSplash(const std::string&, const std::string&) override {}
+    bool SplashDone() override { return true; }
+    void StopSplashTimer() override {}
+    void ProcessEvents() override {}
+    void ShowMessageBox(const std::string&, const std::string&) override {}
+    bool AskOperator(const std::string&) override { return false; }
+    void ShowWarning(const std::string& text) override { Warnings.push_back(text); }
+    void ShowFrontEnd() override {}
+    bool FrontEndVisible() override { return false; }
+    void UnloadFrontEnd() override {}
+    void SetFormsLocked(bool, const std::string&) override {}
+    void SetPollTimer(bool, int) override {}
+    void WaitForTick(int) override {}
+    void StartProgram(const std::string&) override {}
+    void PowerOff() override {}
+    void EndProcess() override {}
+};
+
+class SelectionTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::filesystem::copy(std::string(KIRVANA_SOURCE_DIR) + "/data/demo", dir_.Path(),
+                              std::filesystem::copy_options::recursive);
+        old_ = std::filesystem::current_path();
+        std::filesystem::current_path(dir_.Path());
+    }
+    void TearDown() override { std::filesystem::current_path(old_); }
+
+    // A start of the process on the installation, with or without the simulated card.
+    void Start(Process& process, CardLink* link = nullptr) {
+        StartupSteps steps;
+        ASSERT_EQ(Main(process, platform_, link, steps).Result, StartOutcome::Kind::Started);
+    }
+    void CardAt(int port) {
+        dir_.Write("Control.cnc", "Card in use: TRUE\nPoll log: FALSE\n******\n");
+        dir_.Write("PMAC.cfg", "Save: N\nWait: 0\nPoll: 50\nDelay: 50\nCard: 127.0.0.1:" + std::to_string(port) + "\n******\n");
+    }
+    std::vector<std::string> SlotFiles(int slot) {
+        std::vector<std::string> found;
+        for (const auto& name : ListDirectory(".", false))
+            if (name.starts_with("Actvprg" + std::to_string(slot) + ".")) found.push_back(name);
+        return found;
+    }
+
+    TempDir dir_;
+    std::filesystem::path old_;
+    QuietPlatform platform_;
+};
+
+}  // namespace
+
+TEST_F(SelectionTest, SelectsADemoProgramInOfficeMode) {
+    Process p;
+    Start(p);
+    SelectOutcome outcome = SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01");
+    ASSERT_TRUE(outcome.Selected) << outcome.Warning;
+    const SlotRecord& r = p.Slots[0];
+    EXPECT_TRUE(r.Present);
+    EXPECT_EQ(r.ProgramName, "PLATE01");
+    EXPECT_EQ(r.ProgramDirPath, "./Programs/Dorvenis/");
+    EXPECT_EQ(r.SourceDialect, 1);
+    EXPECT_EQ(r.CommentOpen, "!");
+    EXPECT_FLOAT_EQ(r.SheetX, 1000);
+    EXPECT_FLOAT_EQ(r.SheetY, 500);
+    EXPECT_GT(r.Counts[0].SourceRecordCount, 0);
+    EXPECT_GT(r.Counts[0].MapWordCount, r.Counts[0].MotionBlockCount);
+    for (const char* e : {"org", "A1", "A2", "sbs", "M1", "M2", "drw", "dr1", "W1", "RA1", "RM1", "cfg", "trt", "sts", "btc"})
+        EXPECT_TRUE(FileExists(std::string("Actvprg1.") + e)) << e;
+    EXPECT_EQ(ProgramButtonCaption(1, r), "PLATE01   F10");
+}
+
+TEST_F(SelectionTest, EmptyLinesDoNotReachTheSlotSource) {
+    dir_.Write("Programs/Dorvenis/GAPS.prg", "G90\n\n   \nT1 X100 Y100\n  X200  \n\nM30\n");
+    Process p;
+    Start(p);
+    ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "GAPS").Selected);
+    EXPECT_EQ(*ReadLines("Actvprg1.org"), (std::vector<std::string>{"G90", "T1 X100 Y100", "X200", "M30"}));
+}
+
+TEST_F(SelectionTest, NamesOfThirtyTwoCharactersAndNoMore) {
+    std::string name32(32, 'A'), name33(33, 'B');
+    std::filesystem::copy_file("Programs/Dorvenis/PLATE01.prg", "Programs/Dorvenis/" + name32 + ".prg");
+    std::filesystem::copy_file("Programs/Dorvenis/PLATE01.prg", "Programs/Dorvenis/" + name33 + ".prg");
+    Process p;
+    Start(p);
+    EXPECT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", name32).Selected);
+    SelectOutcome refused = SelectProgram(p, platform_, nullptr, "Dorvenis", name33);
+    EXPECT_FALSE(refused.Selected);
+    EXPECT_EQ(refused.Warning, "Invalid Program Name !");
+    // Nothing changed: the slot keeps the program of 32 characters.
+    EXPECT_EQ(p.Slots[0].ProgramName, name32);
+    EXPECT_TRUE(FileExists("Actvprg1.M1"));
+}
+
+TEST_F(SelectionTest, RefusalsLeaveTheSlotAsItWas) {
+    Process p;
+    Start(p);
+    ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01").Selected);
+    auto files = SlotFiles(1);
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, "", "PLATE01").Warning, "Invalid Directory Name !");
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, std::string(33, 'D'), "PLATE01").Warning, "Invalid Directory Name !");
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, "Dorvenis", "").Warning, "Invalid Program Name !");
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, "Nowhere", "PLATE01").Warning, "Directory Does Not Exist !");
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, "Dorvenis", "NONE").Warning, "Program Does Not Exist !");
+    p.Running = true;
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, "Dorvenis", "COVER02").Warning,
+              "Can Not Select New Program\n\nWhile Machine Is Running !");
+    EXPECT_EQ(p.Slots[0].ProgramName, "PLATE01");
+    EXPECT_EQ(SlotFiles(1), files);
+    EXPECT_EQ(platform_.Warnings.size(), 6u);
+}
+
+TEST_F(SelectionTest, NamesAreFoundIgnoringCase) {
+    Process p;
+    Start(p);
+    SelectOutcome outcome = SelectProgram(p, platform_, nullptr, "dorvenis", "plate01");
+    ASSERT_TRUE(outcome.Selected) << outcome.Warning;
+    EXPECT_EQ(p.Slots[0].ProgramName, "PLATE01");
+}
+
+TEST_F(SelectionTest, ProgramWithErrorsEmptiesTheSlot) {
+    Process p;
+    Start(p);
+    ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01").Selected);
+    SelectOutcome refused = SelectProgram(p, platform_, nullptr, "Dorvenis", "ERRORS04");
+    EXPECT_FALSE(refused.Selected);
+    EXPECT_EQ(refused.Warning, "ERRORS04\n\nCan Not Be Selected Due To Errors in Code !");
+    EXPECT_FALSE(p.Slots[0].Present);
+    EXPECT_TRUE(SlotFiles(1).empty());
+    EXPECT_EQ(ProgramButtonCaption(1, p.Slots[0]), "PROGRAM 1   F10");
+    EXPECT_NE(std::find(ReadLines("Service/Reverse.txt")->begin(), ReadLines("Service/Reverse.txt")->end(),
+                        "****** CRITICAL ERROR ******"),
+              ReadLines("Service/Reverse.txt")->end());
+}
+
+TEST_F(SelectionTest, SlotsSurviveARestart) {
+    {
+        Process p;
+        Start(p);
+        ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01").Selected);
+        p.Config.ActiveSlot = 2;
+        ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "COVER02").Selected);
+        WriteControlConfig(p.Config);
+    }
+    Process again;
+    Start(again);
+    EXPECT_EQ(again.Config.ActiveSlot, 2);
+    EXPECT_TRUE(again.Slots[0].Present);
+    EXPECT_EQ(again.Slots[0].ProgramName, "PLATE01");
+    EXPECT_TRUE(again.Slots[1].Present);
+    EXPECT_EQ(again.Slots[1].ProgramName, "COVER02");
+    EXPECT_FLOAT_EQ(again.Slots[1].SheetX, 800);
+    EXPECT_GT(again.Slots[1].Counts[0].MapWordCount, 0);
+}
+
+TEST_F(SelectionTest, IncompleteSlotFilesAreEmptiedAtStart) {
+    {
+        Process p;
+        Start(p);
+        ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01").Selected);
+    }
+    std::filesystem::remove("Actvprg1.RA1");
+    Process again;
+    Start(again);
+    EXPECT_FALSE(again.Slots[0].Present);
+    EXPECT_TRUE(SlotFiles(1).empty());
+}
+
+TEST_F(SelectionTest, EndToEndWithTheSimulatedCard) {
+    CardSimulator sim;
+    ASSERT_TRUE(sim.Start());
+    CardAt(sim.Port());
+    PmacEthernetLink link(CardAddress{"127.0.0.1", sim.Port()}, 1000);
+    sim.SetVariable("Q10", 0);
+    sim.SetVariable("Q11", 1250);  // the card's own load position replaces Machine.dat's
+    Process p;
+    Start(p, &link);
+    sim.ClearReceived();
+    sim.SetVariable("M869", 77);
+    ASSERT_TRUE(SelectProgram(p, platform_, &link, "Dorvenis", "PLATE01").Selected);
+    // What the card holds: both motion programs, the slot and its blocks.
+    auto m1 = ReadLines("Actvprg1.M1");
+    ASSERT_TRUE(m1);
+    EXPECT_FALSE(sim.Program(1).empty());
+    EXPECT_EQ(sim.Variable("M811"), 1);
+    EXPECT_EQ(sim.Variable("Q11"), 1250);
+    EXPECT_EQ(sim.Variable("M869"), 0);
+    EXPECT_EQ(sim.Variable("M867"), p.Slots[0].ActiveStation);
+    const Station& station = SlotTable(p.Tools, 1)[p.Slots[0].ActiveStation - 1];
+    EXPECT_EQ(sim.Variable("Q49"), std::abs(station.TNumber));
+    EXPECT_EQ(sim.Variable("Q19"), station.Settings.FeedPercent);
+    // In order: the hit counter, the downloads, the slot, the station, the profiler, the batch.
+    std::vector<std::string> got = sim.Received();
+    auto at = [&](const std::string& prefix) {
+        return std::find_if(got.begin(), got.end(), [&](const std::string& c) { return c.starts_with(prefix); }) -
+               got.begin();
+    };
+    EXPECT_LT(at("M869=0"), at("OPEN PROG 1"));
+    EXPECT_LT(at("OPEN PROG 1"), at("OPEN PROG 3"));
+    EXPECT_LT(at("OPEN PROG 3"), at("M811=1"));
+    EXPECT_LT(at("M811=1"), at("Q11="));
+    EXPECT_LT(at("Q11="), at("M867="));
+    EXPECT_LT(at("M867="), at("Q49="));
+    EXPECT_LT(at("Q49="), at("%"));
+    EXPECT_LT(at("%"), at("M848="));
+    EXPECT_LT(at("M848="), at("P101="));
+    EXPECT_LT(at("P110="), at("M863="));
+    EXPECT_LT(at("M863="), static_cast<long>(got.size()));
+
+    // Slot 2, then a restart: both slots come back and go to the card again.
+    p.Config.ActiveSlot = 2;
+    ASSERT_TRUE(SelectProgram(p, platform_, &link, "Dorvenis", "COVER02").Selected);
+    EXPECT_FALSE(sim.Program(2).empty());
+    WriteControlConfig(p.Config);
+    link.SetEnabled(false);  // the first process has ended
+    sim.ClearReceived();
+    PmacEthernetLink again(CardAddress{"127.0.0.1", sim.Port()}, 1000);
+    Process restarted;
+    Start(restarted, &again);
+    got = sim.Received();
+    EXPECT_NE(at("OPEN PROG 1"), static_cast<long>(got.size()));
+    EXPECT_NE(at("OPEN PROG 4"), static_cast<long>(got.size()));
+    EXPECT_EQ(sim.Variable("M811"), 2);
+}
