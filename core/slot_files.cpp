@@ -2,6 +2,7 @@
 // statistics and the batch counters.
 #include <cstdio>
 #include <fstream>
+#include <optional>
 #include <vector>
 
 #include "core/config.h"
@@ -28,8 +29,6 @@ void PutWord(char* at, std::int16_t value) {
 }
 
 std::int16_t GetWord(const unsigned char* at) { return static_cast<std::int16_t>(at[0] | (at[1] << 8)); }
-
-std::int16_t Capped(std::int32_t count) { return static_cast<std::int16_t>(count > 32767 ? 32767 : count); }
 
 std::string SlotFile(const Directories& dirs, int slot, const char* extension) {
     return SlotStem(dirs, slot) + extension;
@@ -63,11 +62,12 @@ void SetCommentMarks(SlotRecord& record, bool atStart) {
     record.CommentClose = brackets ? ")" : "";
 }
 
-SlotCounts BuildBlockMap(const std::string& aFile, const std::string& mFile, const std::string& wFile,
-                         const std::string& raFile, const std::string& rmFile) {
+std::optional<SlotCounts> BuildBlockMap(const std::string& aFile, const std::string& mFile, const std::string& wFile,
+                                        const std::string& raFile, const std::string& rmFile) {
     std::ifstream a(aFile, std::ios::binary), m(mFile, std::ios::binary);
     std::ofstream w(wFile, std::ios::binary | std::ios::trunc), ra(raFile, std::ios::binary | std::ios::trunc),
         rm(rmFile, std::ios::binary | std::ios::trunc);
+    constexpr std::int32_t Most = 32767;  // records, blocks and words are numbered in 16 bits
     std::int32_t rec = 0, block = 0, word = 0;
     std::string aLine, mLine;
     // 3. The A file governs; a missing M line reads as empty.
@@ -78,23 +78,23 @@ SlotCounts BuildBlockMap(const std::string& aFile, const std::string& mFile, con
         mLine = std::string(Trim(mLine.ends_with('\r') ? std::string_view(mLine).substr(0, mLine.size() - 1) : mLine));
         // 2. A non-empty A line is a record; the letters of its M block are the card's words.
         if (aLine.empty()) continue;
-        if (rec == 32767) break;  // the records are numbered in 16 bits
+        int count = CountBlockWords(mLine);
+        if (rec == Most || (count > 0 && (block == Most || word + count > Most))) return std::nullopt;
         ++rec;
         ra << Padded(aLine, 80);
         rm << Padded(mLine, 240);
-        int count = CountBlockWords(mLine);
         if (count == 0) continue;
         ++block;
-        for (int k = 0; k < count && word < 32767; ++k) {
+        for (int k = 0; k < count; ++k) {
             ++word;
             char record[6];
-            PutWord(record, Capped(word - 1));
-            PutWord(record + 2, Capped(block - 1));
-            PutWord(record + 4, Capped(rec));
+            PutWord(record, static_cast<std::int16_t>(word - 1));
+            PutWord(record + 2, static_cast<std::int16_t>(block - 1));
+            PutWord(record + 4, static_cast<std::int16_t>(rec));
             w.write(record, sizeof record);
         }
     }
-    return SlotCounts{Capped(word), Capped(block), Capped(rec)};
+    return SlotCounts{static_cast<std::int16_t>(word), static_cast<std::int16_t>(block), static_cast<std::int16_t>(rec)};
 }
 
 SlotBlock SlotBlockAt(const Process& process, int program, std::int32_t word) {

@@ -225,8 +225,10 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     }
     if (record.ActiveStation < 1) record.ActiveStation = 1;
     // 15, 16. The maps of the card's program counter.
-    record.Counts[0] = BuildBlockMap(stem + "A1", stem + "M1", stem + "W1", stem + "RA1", stem + "RM1");
-    record.Counts[1] = BuildBlockMap(stem + "A2", stem + "M2", stem + "W2", stem + "RA2", stem + "RM2");
+    auto main = BuildBlockMap(stem + "A1", stem + "M1", stem + "W1", stem + "RA1", stem + "RM1");
+    auto subroutines = BuildBlockMap(stem + "A2", stem + "M2", stem + "W2", stem + "RA2", stem + "RM2");
+    if (!main || !subroutines) return fail(record.ProgramName + "\n\nIs Too Large To Be Selected !");
+    record.Counts = {*main, *subroutines};
     // 17. The slot's description.
     WriteSlotConfig(dirs, slot, record);
     // 18. The turret table and the program's settings.

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "tooling/settings.h"
@@ -67,8 +68,9 @@ void SetCommentMarks(SlotRecord& record, bool atStart);
 
 // Indexes the card's program counter: A and M are read line by line together; every non-empty
 // A line is a record of RA (80 characters) and RM (240, its M line); each letter of the M
-// block is a word of W, pointing at the block and the record.
-SlotCounts BuildBlockMap(const std::string& aFile, const std::string& mFile, const std::string& wFile,
+// block is a word of W, pointing at the block and the record. Empty when the program has more
+// records, blocks or words than the map's 16-bit numbers can hold.
+std::optional<SlotCounts> BuildBlockMap(const std::string& aFile, const std::string& mFile, const std::string& wFile,
                          const std::string& raFile, const std::string& rmFile);
 
 // The motion block and source record of the card's word in program 1 to 4; 0 and 0 when the

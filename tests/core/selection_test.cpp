@@ -240,3 +240,52 @@ TEST_F(SelectionTest, EndToEndWithTheSimulatedCard) {
     EXPECT_NE(at("OPEN PROG 4"), static_cast<long>(got.size()));
     EXPECT_EQ(sim.Variable("M811"), 2);
 }
+
+TEST_F(SelectionTest, NamesWithBlanksAndEmptyPrograms) {
+    std::filesystem::copy_file("Programs/Dorvenis/PLATE01.prg", "Programs/Dorvenis/MY PART 2.prg");
+    dir_.Write("Programs/Dorvenis/EMPTY.prg", "");
+    dir_.Write("Programs/Dorvenis/BLANKS.prg", "\n   \n\t\n");
+    Process p;
+    Start(p);
+    SelectOutcome spaced = SelectProgram(p, platform_, nullptr, " Dorvenis ", " MY PART 2 ");
+    ASSERT_TRUE(spaced.Selected) << spaced.Warning;
+    EXPECT_EQ(p.Slots[0].ProgramName, "MY PART 2");
+    // An empty program (or one of blank lines) selects as a sheet without motion.
+    for (const char* name : {"EMPTY", "BLANKS"}) {
+        SelectOutcome outcome = SelectProgram(p, platform_, nullptr, "Dorvenis", name);
+        ASSERT_TRUE(outcome.Selected) << name << ": " << outcome.Warning;
+        EXPECT_TRUE(p.Slots[0].Present);
+        EXPECT_EQ(p.Slots[0].DrawingRecords, 1);
+        EXPECT_EQ(p.Slots[0].Counts[0].MapWordCount, 0);
+        EXPECT_EQ(p.Slots[0].Counts[0].SourceRecordCount, 0);
+        EXPECT_EQ(p.Slots[0].SourceDialect, 0);
+    }
+}
+
+TEST_F(SelectionTest, AnyMissingFileOfTheSetEmptiesTheSlotAtStart) {
+    for (const char* missing : {"cfg", "drw", "M1", "RA1"}) {
+        {
+            Process p;
+            Start(p);
+            ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01").Selected);
+        }
+        std::filesystem::remove(std::string("Actvprg1.") + missing);
+        Process again;
+        Start(again);
+        EXPECT_FALSE(again.Slots[0].Present) << missing;
+        EXPECT_TRUE(SlotFiles(1).empty()) << missing;
+    }
+}
+
+TEST_F(SelectionTest, ShortDescriptionFileEmptiesTheSlotAtStart) {
+    {
+        Process p;
+        Start(p);
+        ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01").Selected);
+    }
+    dir_.Write("Actvprg1.cfg", "PLATE01\nDorvenis\n");
+    Process again;
+    Start(again);
+    EXPECT_FALSE(again.Slots[0].Present);
+    EXPECT_TRUE(SlotFiles(1).empty());
+}

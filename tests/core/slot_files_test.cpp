@@ -23,12 +23,13 @@ struct SlotFilesTest : ::testing::Test {
         process.Config.Dirs.RootDir = dir.Path();
         process.Config.Dirs.ServiceDir = dir.Path();
     }
-    SlotCounts Map(const std::string& a, const std::string& m, int slot = 1, const char* k = "1") {
+    std::optional<SlotCounts> TryMap(const std::string& a, const std::string& m) {
         dir.Write("x.A", a);
         dir.Write("x.M", m);
-        std::string stem = SlotStem(process.Config.Dirs, slot);
-        return BuildBlockMap(dir.Path() + "x.A", dir.Path() + "x.M", stem + "W" + k, stem + "RA" + k, stem + "RM" + k);
+        std::string stem = SlotStem(process.Config.Dirs, 1);
+        return BuildBlockMap(dir.Path() + "x.A", dir.Path() + "x.M", stem + "W1", stem + "RA1", stem + "RM1");
     }
+    SlotCounts Map(const std::string& a, const std::string& m) { return TryMap(a, m).value_or(SlotCounts{-1, -1, -1}); }
 };
 
 }  // namespace
@@ -60,6 +61,18 @@ TEST_F(SlotFilesTest, EmptyALinesAreSkippedAndAGoverns) {
     ASSERT_EQ(rm.size(), 720u);
     EXPECT_EQ(rm.substr(240, 11), "N0003 Y2 ;c");
     EXPECT_EQ(rm.substr(480), std::string(240, ' '));
+}
+
+TEST_F(SlotFilesTest, MoreWordsThanSixteenBitsCanNumberIsRefused) {
+    auto blocks = [](int n) {
+        std::string text;
+        for (int k = 0; k < n; ++k) text += "X1 Y1 T1\n";  // three words a block
+        return text;
+    };
+    auto counts = TryMap(blocks(10922), blocks(10922));  // 32766 words
+    ASSERT_TRUE(counts);
+    EXPECT_EQ(counts->MapWordCount, 32766);
+    EXPECT_FALSE(TryMap(blocks(10923), blocks(10923)));  // 32769 words
 }
 
 TEST_F(SlotFilesTest, SlotBlockAtLeadsFromTheCounterToTheBlock) {
