@@ -194,7 +194,12 @@ std::string MachineSummary(const Process& process) {
         << " " << FormatNumber(process.AxisScale[2], -1) << " " << FormatNumber(process.AxisScale[3], -1) << "\n"
         << "Root: " << c.Dirs.RootDir << "\n"
         << "Program directory: " << c.Dirs.ProgramDirPath << "\n"
-        << "Active slot: " << c.ActiveSlot << "\n"
+        << "Active slot: " << c.ActiveSlot << "\n";
+    for (int slot = 1; slot <= 2; ++slot) {
+        const SlotRecord& r = process.Slots[slot - 1];
+        out << "Slot " << slot << ": " << (r.Present ? r.ProgramName + " (" + r.ProgramDirName + ")" : "empty") << "\n";
+    }
+    out
         << "Card in use: " << (process.Card.CardInUse ? "yes" : "no (office seat)") << "\n"
         << "Poll log: " << (process.Card.PollLogOn ? "on" : "off") << "\n"
         << "Poll interval: " << c.Card.PollIntervalMs << " ms (restart delay " << c.Card.PollRestartDelayMs << " ms)\n";

@@ -322,5 +322,6 @@ TEST_F(StartupTest, SummaryNamesTheMachine) {
     EXPECT_NE(summary.find("Type: 12 (turret, plasma profiler kind 2)"), std::string::npos);
     EXPECT_NE(summary.find("Travel X: -25.00 to 2540.00"), std::string::npos);
     EXPECT_NE(summary.find("Card in use: no (office seat)"), std::string::npos);
+    EXPECT_NE(summary.find("Slot 1: empty\nSlot 2: empty\n"), std::string::npos);
     EXPECT_NE(summary.find("Poll interval: 50 ms"), std::string::npos);
 }
