@@ -124,15 +124,20 @@ void SplitComment(std::string& block, std::string& comment) {
     if (!bracket) at = block.find(';');
     if (at == npos) {
         comment.clear();
-        block = std::string(Trim(block));
-        return;
+    } else {
+        std::string_view after = std::string_view(block).substr(at + 1);
+        if (bracket) after = after.substr(0, after.find(')'));
+        comment = " ;";
+        comment += Trim(after);
+        block.resize(at);
     }
-    std::string_view after = std::string_view(block).substr(at + 1);
-    if (bracket) after = after.substr(0, after.find(')'));
-    comment = " ;";
-    comment += Trim(after);
-    block = std::string(Trim(std::string_view(block).substr(0, at)));
+    // The block trimmed in place.
+    std::string_view trimmed = Trim(block);
+    const std::size_t front = static_cast<std::size_t>(trimmed.data() - block.data());
+    block.resize(front + trimmed.size());
+    block.erase(0, front);
 }
+
 
 // The number of a one- or two-digit word 1 to 99 of the letter, or 0.
 int MacroNumber(std::string_view block, char letter, ValueReader& reader) {
@@ -149,15 +154,35 @@ namespace amada {
 // Number scaling
 
 int ScalingCode(std::string_view block, ValueReader& reader) {
-    int code = reader.WordInteger(block, 'G');
-    if (Has(block, "G1") || Has(block, "G01")) code = 1;
-    if (Has(block, "G2") || Has(block, "G02")) code = 2;
-    if (Has(block, "G3") || Has(block, "G03")) code = 3;
-    if (Has(block, "G4") || Has(block, "G04")) code = 4;
-    for (int own : {25, 27, 26, 29, 36, 37, 66, 67, 68, 69, 78, 79, 75, 76, 98, 31}) {
-        char word[4] = {'G', static_cast<char>('0' + own / 10), static_cast<char>('0' + own % 10), 0};
-        if (Has(block, std::string_view(word, 3))) code = own;
+    CodeIndex codes;
+    codes.Build(block);
+    return ScalingCode(block, reader, codes);
+}
+
+int ScalingCode(std::string_view block, ValueReader& reader, const CodeIndex&) {
+    // One walk over the "G"s finds every code the tests ask for: "G" and one digit d (the
+    // forms "Gd" and "G0d"), and "G" and two digits.
+    bool single[10] = {};
+    bool pair[100] = {};
+    bool anyG = false;
+    for (std::size_t i = 0; i + 1 < block.size(); ++i) {
+        if (block[i] != 'G') continue;
+        anyG = true;
+        const char first = block[i + 1];
+        if (!IsDigit(first)) continue;
+        single[first - '0'] = true;
+        if (i + 2 < block.size() && IsDigit(block[i + 2])) {
+            pair[(first - '0') * 10 + (block[i + 2] - '0')] = true;
+            if (first == '0') single[block[i + 2] - '0'] = true;
+        }
     }
+    int code = anyG || Has(block, 'G') ? reader.WordInteger(block, 'G') : 0;
+    // "G1" or "G01" to 1, "G2" or "G02" to 2, "G3" or "G03" to 3, "G4" or "G04" to 4.
+    for (int digit = 1; digit <= 4; ++digit)
+        if (single[digit]) code = digit;
+    // Then the codes that keep their own number, in this order.
+    for (int own : {25, 27, 26, 29, 36, 37, 66, 67, 68, 69, 78, 79, 75, 76, 98, 31})
+        if (pair[own]) code = own;
     return code;
 }
 
@@ -191,6 +216,42 @@ int WordClass(char letter, int code) {
 
 }  // namespace
 
+bool ScaledInteger(std::string_view number, int decimals, std::string& out) {
+    // Only a plain "-" or nothing, then up to 12 digits of which one is not 0: every other
+    // form (other signs, a negative zero, long numbers) takes the general path.
+    std::size_t at = 0;
+    bool negative = false;
+    if (at < number.size() && number[at] == '-') {
+        negative = true;
+        ++at;
+    }
+    std::string_view digits = number.substr(at);
+    if (digits.empty() || digits.size() > 12) return false;
+    for (char c : digits)
+        if (!IsDigit(c)) return false;
+    while (digits.size() > 1 && digits.front() == '0') digits.remove_prefix(1);
+    if (digits == "0") {
+        if (negative) return false;
+    }
+    if (negative) out += '-';
+    const std::size_t places = static_cast<std::size_t>(decimals);
+    if (places == 0) {
+        out += digits;
+        return true;
+    }
+    // The number is in units of 10^-places: the point goes `places` digits from the right.
+    if (digits.size() <= places) {
+        out += "0.";
+        out.append(places - digits.size(), '0');
+        out += digits;
+    } else {
+        out += digits.substr(0, digits.size() - places);
+        out += '.';
+        out += digits.substr(digits.size() - places);
+    }
+    return true;
+}
+
 std::string ScaleNumbers(std::string_view block, int code, bool inch) {
     std::string out;
     out.reserve(block.size() + 16);
@@ -217,6 +278,10 @@ std::string ScaleNumbers(std::string_view block, int code, bool inch) {
             i = end;
             continue;
         }
+        if (!point && ScaledInteger(number, wordClass == 1 ? 0 : wordClass == 2 && inch ? 3 : 2, out)) {
+            i = end;
+            continue;
+        }
         double value = ToNumber(number);
         switch (wordClass) {
             case 1: out += FormatNumber(value, 0); break;
@@ -236,7 +301,8 @@ namespace {
 const char* ProfileCode(int code) { return code == 1 ? "G101" : code == 2 ? "G102" : "G103"; }
 
 // The handler of one AMADA code: "G1"/"G01", "G2"/"G02" or "G3"/"G03".
-void ProfileHandler(std::string& block, int code) {
+void ProfileHandler(std::string& block, int code, CodeIndex& codes) {
+    auto Has = [&](std::string_view text, std::string_view word) { return codes.Has(text, word); };
     const char digit = static_cast<char>('0' + code);
     const char shortCode[] = {'G', digit, 0};
     const char longCode[] = {'G', '0', digit, 0};
@@ -258,6 +324,7 @@ void ProfileHandler(std::string& block, int code) {
         if (Has(block, word)) return;
     // The handler runs only with its code in the block, so one of the two forms is there.
     if (!ReplaceFirst(block, longCode, ProfileCode(code))) ReplaceFirst(block, shortCode, ProfileCode(code));
+    codes.Build(block);
 }
 
 // The sheet reposition of G25 and G27: the first "X" is the distance "I".
@@ -270,13 +337,36 @@ void RepositionRule(std::string& block) {
 }  // namespace
 
 void ProfileCodes(std::string& block) {
-    for (int code = 1; code <= 3; ++code) ProfileHandler(block, code);
+    CodeIndex codes;
+    codes.Build(block);
+    ProfileCodes(block, codes);
+}
+
+void ProfileCodes(std::string& block, CodeIndex& codes) {
+    for (int code = 1; code <= 3; ++code) ProfileHandler(block, code, codes);
 }
 
 void MoveCodes(std::string& block) {
-    ReplaceFirst(block, "G70", "G77");
-    if (ReplaceFirst(block, "G25", "G95")) RepositionRule(block);
-    if (ReplaceFirst(block, "G27", "G95")) RepositionRule(block);
+    CodeIndex codes;
+    codes.Build(block);
+    MoveCodes(block, codes);
+}
+
+void MoveCodes(std::string& block, CodeIndex& codes) {
+    if (codes.Has(block, "G70")) {
+        ReplaceFirst(block, "G70", "G77");
+        codes.Build(block);
+    }
+    if (codes.Has(block, "G25")) {
+        ReplaceFirst(block, "G25", "G95");
+        RepositionRule(block);
+        codes.Build(block);
+    }
+    if (codes.Has(block, "G27")) {
+        ReplaceFirst(block, "G27", "G95");
+        RepositionRule(block);
+        codes.Build(block);
+    }
 }
 
 // ---------------------------------------------------------------------------------------
@@ -287,7 +377,7 @@ namespace {
 // The rows of the cycle mapping table, in the order they are tested.
 enum class Row { G28, G26, G29, G36, G37, G66, G67, G68, G69, G98, G75, G76, W, G31, None };
 
-Row FindRow(std::string_view block, std::string& source) {
+Row FindRow(std::string_view block, std::string& source, const CodeIndex& codes) {
     static constexpr struct {
         const char* Code;
         Row Which;
@@ -296,7 +386,7 @@ Row FindRow(std::string_view block, std::string& source) {
                 {"G79", Row::G69}, {"G98", Row::G98}, {"G75", Row::G75}, {"G76", Row::G76}, {"W", Row::W},
                 {"G31", Row::G31}};
     for (const auto& row : rows) {
-        if (Has(block, row.Code)) {
+        if (codes.Has(block, row.Code)) {
             source = row.Code;
             return row.Which;
         }
@@ -400,8 +490,15 @@ std::string GridCall(std::string& block, bool yFirst, const AmadaState& amada, c
 
 bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, const SubroutineTable& table,
                   ValueReader& reader) {
+    CodeIndex codes;
+    codes.Build(block);
+    return CycleMapping(block, comment, amada, table, reader, codes);
+}
+
+bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, const SubroutineTable& table,
+                  ValueReader& reader, CodeIndex& codes) {
     std::string source;
-    const Row row = FindRow(block, source);
+    const Row row = FindRow(block, source, codes);
     if (row == Row::None) return false;
     // The tail: from the first "T", else the first "M" (for a call from the first "M").
     std::size_t tailAt = row == Row::W ? npos : block.find('T');
@@ -527,6 +624,7 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
         case Row::None: break;
     }
     block = rest + words + tail;
+    codes.Build(block);
     return true;
 }
 
@@ -539,8 +637,12 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
     // 1. The line, trimmed; a subroutine's start and end in their internal form (subroutine
     // text loses its leading sequence word first); the comment split off; upper case.
     state.SourceLine.assign(Trim(line));
-    std::string block = mainText ? state.SourceLine : StripBlockNumber(state.SourceLine);
-    block = SubroutineRewriteBracket(block, context.Table);
+    std::string block;
+    block.reserve(state.SourceLine.size() + 64);
+    if (mainText) block = state.SourceLine;
+    else block = StripBlockNumber(state.SourceLine);
+    // (Both forms hold an "S": "S" and digits, or "ENDSUB".)
+    if (block.find_first_of("Ss") != npos) block = SubroutineRewriteBracket(block, context.Table);
     SplitComment(block, state.BlockComment);
     for (char& c : block) c = UpperChar(c);
     // 2. Main text: the sequence word; then all blanks go, words are found in packed text.
@@ -550,7 +652,7 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
         } else {
             if (state.SequenceCount == std::numeric_limits<std::int16_t>::max()) reader.IntegerOverflow = true;
             else ++state.SequenceCount;
-            block = "N" + ZeroPad(state.SequenceCount, 4) + " " + block;
+            block.insert(0, "N" + ZeroPad(state.SequenceCount, 4) + " ");
         }
     }
     block = StripBlanks(block);
@@ -562,29 +664,38 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
         amada.MacroTable[static_cast<std::size_t>(store)] = stored;
     }
     if (int replay = MacroNumber(block, 'B', reader)) block = amada.MacroTable[static_cast<std::size_t>(replay)];
+    // (The code index answers the searches for "G" and "M" codes; it is rebuilt after every
+    // change of the block.)
+    CodeIndex& codes = state.Codes;
+    codes.Build(block);
+    auto rewrite = [&](std::string_view from, std::string_view to) {
+        if (!codes.Has(block, from)) return;
+        ReplaceFirst(block, from, to);
+        codes.Build(block);
+    };
     // 4. Inch and metric; G90 and G91 clear AmadaFlag.
-    if (Has(block, "G20")) amada.AmadaInch = true;
-    if (Has(block, "G21")) amada.AmadaInch = false;
-    if (Has(block, "G90") || Has(block, "G91")) amada.AmadaFlag = false;
+    if (codes.Has(block, "G20")) amada.AmadaInch = true;
+    if (codes.Has(block, "G21")) amada.AmadaInch = false;
+    if (codes.Has(block, "G90") || codes.Has(block, "G91")) amada.AmadaFlag = false;
     // 5. Every numbered word written anew by its class.
-    block = ScaleNumbers(block, ScalingCode(block, reader), amada.AmadaInch);
+    block = ScaleNumbers(block, ScalingCode(block, reader, codes), amada.AmadaInch);
+    codes.Build(block);
     // 6. The optional stop is a stop.
-    ReplaceFirst(block, "M01", "M00");
+    rewrite("M01", "M00");
     // 7. The linear and arc codes are profile moves.
-    ProfileCodes(block);
+    ProfileCodes(block, codes);
     // 8. A move without a hit, and the sheet repositions.
-    MoveCodes(block);
+    MoveCodes(block, codes);
     // 9. The unit codes of the internal language.
-    ReplaceFirst(block, "G20", "G70");
-    ReplaceFirst(block, "G21", "G71");
+    rewrite("G20", "G70");
+    rewrite("G21", "G71");
     // 10. The origin word, only with AmadaFlag, which nothing sets.
-    if (amada.AmadaFlag) ReplaceFirst(block, "G93", "G92");
+    if (amada.AmadaFlag) rewrite("G93", "G92");
     // 11. The first cycle row whose source code stands in the block.
-    CycleMapping(block, state.BlockComment, amada, context.Table, reader);
+    CycleMapping(block, state.BlockComment, amada, context.Table, reader, codes);
     // 12. The completion of every code, as in the Convert pass, without the nibbling codes.
     state.UnknownBlock = true;
     if (Has(block, "ENDIF")) state.UnknownBlock = false;
-    state.Codes.Build(block);
     CompletionSteps(state, block, CompletionContext{context.Settings, mainText, false, true});
     // 13. Unless a subroutine ends here: the implicit hit, block skip, word order, spacing.
     if (mainText || !Has(block, "RETURN")) {

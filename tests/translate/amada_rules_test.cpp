@@ -2,6 +2,7 @@
 // Every expected text below was worked out by hand from the pass's rules.
 #include <gtest/gtest.h>
 
+#include "core/number.h"
 #include "translate/amada.h"
 #include "translate/amada_steps.h"
 
@@ -74,6 +75,27 @@ TEST(AmadaScaling, OtherLettersAndWordsWithoutDigitsStayAsTheyStand) {
     EXPECT_EQ(ScaleNumbers("N12G01F1000M30O5T202H100R500C3", 0, false), "N12G01F1000M30O5T202H100R500C3");
     EXPECT_EQ(ScaleNumbers("X-W", 0, false), "X-W");
     EXPECT_EQ(ScaleNumbers("X.", 0, false), "X.");
+}
+
+TEST(AmadaScaling, TheIntegerShortcutWritesWhatFormatNumberWrites) {
+    auto check = [](const std::string& number, int decimals) {
+        std::string fast;
+        if (!ScaledInteger(number, decimals, fast)) return;
+        double value = ToNumber(number);
+        for (int k = 0; k < decimals; ++k) value /= 10;
+        double divisor = decimals == 0 ? 1 : decimals == 2 ? 100 : 1000;
+        EXPECT_EQ(fast, FormatNumber(ToNumber(number) / divisor, decimals)) << number << " " << decimals;
+    };
+    for (int value = -30000; value <= 30000; ++value) {
+        for (int decimals : {0, 2, 3}) check(std::to_string(value), decimals);
+    }
+    for (const char* number : {"007", "-007", "000", "999999999999", "-123456789012", "100000000000", "5", "-5"})
+        for (int decimals : {0, 2, 3}) check(number, decimals);
+    std::string out;
+    EXPECT_FALSE(ScaledInteger("-0", 2, out));
+    EXPECT_FALSE(ScaledInteger("+5", 2, out));
+    EXPECT_FALSE(ScaledInteger("1234567890123", 2, out));
+    EXPECT_TRUE(out.empty());
 }
 
 TEST(AmadaScaling, BlockCodeByTheOverrideOrder) {
