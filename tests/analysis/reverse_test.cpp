@@ -320,6 +320,28 @@ TEST(ReversePass, FlipAndLoadPositionWithStation) {
     EXPECT_EQ(run.Records[5].Counts[1], 0);
 }
 
+
+TEST(ReversePass, OddCornersOfThePositionFollowedAsWritten) {
+    // G72 leaves the position alone; C words add up even in absolute mode; G66 leaves the
+    // machine at 0, 0.
+    PassRun run = Reverse("N0001 G90 T20 G80 X100 Y100\nN0002 G72 X300 Y300\nN0003 G81 C10\nN0004 G81 C10\n"
+                          "N0005 IF (1 = 1) ABORT\nN0006 G81 X5 Y5\n");
+    ASSERT_EQ(run.Records.size(), 5u);
+    EXPECT_NEAR(run.Records[2].Points.Position.X, 100, Near);
+    EXPECT_FLOAT_EQ(run.Records[2].Tool.Extra1, 10);
+    EXPECT_FLOAT_EQ(run.Records[3].Tool.Extra1, 20);
+    // ABORT in the main text does nothing.
+    EXPECT_NEAR(run.Records[4].Points.Position.X, 5, Near);
+}
+
+TEST(ReversePass, JumpInsideASubroutineRestartsItsFile) {
+    PassRun run = Reverse("N0001 G90 T1\nN0002 G68 X0 Y0 S1 Q1\n",
+                          "N1000 GOTO 1005\nN1001 G81 X1 Y1\nN1005 G81 X2 Y2\nRETURN\n");
+    ASSERT_EQ(run.Records.size(), 2u);
+    EXPECT_NEAR(run.Records[1].Points.Position.X, 2, Near);
+    EXPECT_EQ(run.Records[1].SubBlock, 3);  // the file read again from its start
+}
+
 // ---------------------------------------------------------------------------------------
 // Conditions, jumps, bad input
 
