@@ -6,6 +6,7 @@
 #include <fstream>
 #include <optional>
 
+#include "analysis/expand.h"
 #include "analysis/pattern_walk.h"
 #include "analysis/tool_outline.h"
 #include "core/geometry.h"
@@ -300,6 +301,8 @@ private:
     void Stop(bool optional);
     double NibbleIncrement();
     void Overflow() { Error(reverse_message::NumberOverflow, true); }
+    // Charges hits walked to the work bound; false, with the pass stopped, beyond it.
+    bool ChargeHits(std::int64_t hits);
 
     const std::vector<std::string>& m1_;
     const std::vector<std::string>& m2_;
@@ -321,6 +324,7 @@ private:
     bool blocksFull_ = false;
     std::int64_t steps_ = 0;
     std::int64_t linesRead_ = 0;
+    std::int64_t hitWork_ = 0;
     std::array<std::uint16_t, 64> codeAt_{};
     int codes_ = 0;  // -1: too many letters to index, search the whole block
 };
@@ -387,6 +391,14 @@ void ReverseRun::Error(std::string_view message, bool critical) {
     report_ += Trim(line_);
     report_ += '\n';
     if (critical && S.CriticalCount < INT16_MAX) ++S.CriticalCount;
+}
+
+bool ReverseRun::ChargeHits(std::int64_t hits) {
+    hitWork_ += hits;
+    if (hitWork_ <= settings_.MaxHitWork) return true;
+    if (!stopped_) Error(reverse_message::BlockLimit, true);
+    stopped_ = true;
+    return false;
 }
 
 void ReverseRun::CheckLimit(double x, double y) {
@@ -1012,7 +1024,7 @@ void ReverseRun::CheckHits() {
     long visited = 0;
     auto visit = [&](double x, double y) {
         CheckLimit(x, y);
-        return !(S.WarnedX && S.WarnedY) && ++visited < MaxCheckedHits;
+        return !(S.WarnedX && S.WarnedY) && ++visited < MaxCheckedHits && !stopped_;
     };
     switch (rec_.Kind) {
     case EntityKind::Punch: visit(rec_.Points.Position.X, rec_.Points.Position.Y); break;
@@ -1041,6 +1053,7 @@ void ReverseRun::CheckHits() {
         break;
     default: break;
     }
+    ChargeHits(visited);
 }
 
 double ReverseRun::NibbleIncrement() {
@@ -1290,6 +1303,13 @@ void ReverseRun::CycleG26() {
         Error(reverse_message::InvalidHitsP1P3, true);
         return;
     }
+    // A grid's outline walks all its hits: one of more than an expansion takes is refused.
+    const std::int64_t gridHits = static_cast<std::int64_t>(std::max<int>(grid.P1, 0)) * rows;
+    if (rows > 1 && gridHits > MaxExpandedHits) {
+        Error(reverse_message::TooManyHits, true);
+        return;
+    }
+    if (rows > 1 && !ChargeHits(gridHits)) return;
     if (!TakeTool()) return;
     // The first hit: the position, moved by the offsets P10, P11 when given.
     double firstX = S.MirrorX ? S.PosX - offsetX : S.PosX + offsetX;

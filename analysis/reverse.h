@@ -39,6 +39,9 @@ struct ReverseSettings {
     // The most blocks the pass reads, calls and jumps included: a program that loops for ever
     // (a GOTO back, a call that never finds its label) is stopped here with a critical error.
     std::int64_t MaxBlocks = 20'000'000;
+    // The most hits the pass walks over all (the outlines of grids and the limit checks of
+    // every pattern), so that loops of huge patterns end too; reported as the block bound.
+    std::int64_t MaxHitWork = 200'000'000;
 };
 
 ReverseSettings ReverseSettingsFrom(const MachineData& machine, const Directories& dirs, const StationTable& stations,
@@ -151,6 +154,7 @@ inline constexpr const char* TooDeep = " Subroutine depth exceeds 64 ";
 inline constexpr const char* BlockLimit = " Program does not end: block limit reached ";
 inline constexpr const char* LabelNotFound = " Block number not found (N";
 inline constexpr const char* TooManyRecords = " Drawing exceeds 32767 records ";
+inline constexpr const char* TooManyHits = " Pattern exceeds 4000000 hits ";
 inline constexpr const char* TooManyBlocks = " Block count exceeds 32767 ";
 inline constexpr const char* NumberOverflow = " Number does not fit 16 bits ";
 }  // namespace reverse_message

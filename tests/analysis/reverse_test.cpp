@@ -413,6 +413,18 @@ TEST(ReversePass, HeaderForms) {
     EXPECT_NE(run.Report.find("Clamps :  100, 400, 800\n"), std::string::npos);
 }
 
+
+TEST(ReversePass, HugeGridsAreRefusedAndLoopsOfPatternsBounded) {
+    PassRun huge = Reverse("N0001 G90 T1\nN0002 G26 X0 Y0 P1=30000 P2=1 P3=30000 P4=1\n");
+    EXPECT_NE(huge.Report.find("Pattern exceeds 4000000 hits"), std::string::npos);
+    EXPECT_EQ(huge.Result.Result, 1);
+    ReverseSettings settings = Settings();
+    settings.MaxHitWork = 100'000;
+    PassRun loop = Reverse("N0001 G90 T1\nN0010 G26 X0 Y0 P1=100 P2=1 P3=100 P4=1\nN0011 GOTO 10\n", "", settings);
+    EXPECT_NE(loop.Report.find("Program does not end: block limit reached"), std::string::npos);
+    EXPECT_TRUE(loop.Result.Stopped);
+}
+
 // ---------------------------------------------------------------------------------------
 // Agreement with the Blend pass: the position after each cycle, and its hits
 
