@@ -61,7 +61,19 @@ std::string Program(int blocks) {
     return text;
 }
 
-void BM_Amada(benchmark::State& state) {
+// Only punching blocks: hit positions with the odd tool change.
+std::string Hits(int blocks) {
+    std::string text = "(HITS ; SHEET:2500X1250)\nG92X1830.Y1270.\nG90\n";
+    char line[64];
+    for (int i = 3; i < blocks - 1; ++i) {
+        std::snprintf(line, sizeof line, i % 50 == 0 ? "X%dY%dT305(RO20.)" : "X%dY%d", (i % 2000) * 100, (i % 900) * 100);
+        text += line;
+        text += '\n';
+    }
+    return text + "M30\n";
+}
+
+void Run(benchmark::State& state, const std::string& program) {
     const int blocks = static_cast<int>(state.range(0));
     std::string pattern = (std::filesystem::temp_directory_path() / "amada-bench-XXXXXX").string();
     if (!mkdtemp(pattern.data())) {
@@ -69,7 +81,7 @@ void BM_Amada(benchmark::State& state) {
         return;
     }
     const std::string dir = pattern + "/";
-    std::ofstream(dir + "prog.org", std::ios::binary) << Program(blocks);
+    std::ofstream(dir + "prog.org", std::ios::binary) << program;
     ConvertSettings settings;
     settings.AmadaMachine = true;
     settings.ServiceDir = dir;
@@ -86,8 +98,12 @@ void BM_Amada(benchmark::State& state) {
     std::filesystem::remove_all(dir);
 }
 
+void BM_Amada(benchmark::State& state) { Run(state, Program(static_cast<int>(state.range(0)))); }
+void BM_AmadaHits(benchmark::State& state) { Run(state, Hits(static_cast<int>(state.range(0)))); }
+
 }  // namespace
 
 BENCHMARK(BM_Amada)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_AmadaHits)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();

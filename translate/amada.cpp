@@ -320,7 +320,9 @@ void ProfileHandler(std::string& block, int code, CodeIndex& codes) {
         const char decade[] = {'G', digit, units, 0};
         if (Has(block, decade)) return;
     }
-    for (const char* word : {"G00", "G101", "G102", "G103", "G04", "G93", "G92", "G56", "G53", "M60", "M50"})
+    static constexpr std::string_view others[] = {"G00", "G101", "G102", "G103", "G04", "G93",
+                                                  "G92", "G56", "G53", "M60",  "M50"};
+    for (std::string_view word : others)
         if (Has(block, word)) return;
     // The handler runs only with its code in the block, so one of the two forms is there.
     if (!ReplaceFirst(block, longCode, ProfileCode(code))) ReplaceFirst(block, shortCode, ProfileCode(code));
@@ -379,7 +381,7 @@ enum class Row { G28, G26, G29, G36, G37, G66, G67, G68, G69, G98, G75, G76, W, 
 
 Row FindRow(std::string_view block, std::string& source, const CodeIndex& codes) {
     static constexpr struct {
-        const char* Code;
+        std::string_view Code;
         Row Which;
     } rows[] = {{"G28", Row::G28}, {"G26", Row::G26}, {"G29", Row::G29}, {"G36", Row::G36}, {"G37", Row::G37},
                 {"G66", Row::G66}, {"G67", Row::G67}, {"G68", Row::G68}, {"G78", Row::G68}, {"G69", Row::G69},
