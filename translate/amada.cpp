@@ -465,7 +465,8 @@ std::string NibbleLine(std::string& block, const AmadaState& amada, ValueReader&
     return words;
 }
 
-// G75 and G76: the subroutine over the stored grid, from the corner Q.
+// G75 and G76: the subroutine over the stored grid, from the corner Q. The table knows the
+// corners 1 to 4; any other Q starts, as 1 does, at the reference point.
 std::string GridCall(std::string& block, bool yFirst, const AmadaState& amada, const SubroutineTable& table,
                      ValueReader& reader) {
     std::string name;
@@ -562,7 +563,7 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
         }
         case Row::G68: {
             amada.ToolSide = source == "G68";
-            std::string radius, number;
+            std::string radius;
             bool hasRadius = TakeWord(rest, 'I', radius);
             std::string angle, hits, step;
             bool hasAngle = TakeWord(rest, 'J', angle);

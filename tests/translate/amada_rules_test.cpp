@@ -347,6 +347,8 @@ TEST(AmadaBlock, G98StoresTheGridAndG75G76RepeatFromEachCorner) {
     EXPECT_EQ(pass.Block("G76 W7 Q3"), std::string("N0004 P2=50 P4=-40 P1=4 P3=3 P6=1") + fill + " X200 Y180 S2");
     EXPECT_EQ(pass.Block("G76 W9 Q4 M50"),
               std::string("N0005 P2=-50 P4=-40 P1=4 P3=3 P6=1") + fill + " X350 Y180 S-1 M50");
+    // A corner outside 1 to 4 starts at the reference point, as corner 1.
+    EXPECT_EQ(pass.Block("G75 W1 Q0"), std::string("N0006 P2=50 P4=40 P1=4 P3=3 P6=0") + fill + " X200 Y100 S1");
 }
 
 TEST(AmadaBlock, WIsACallWithTheNameInTheComment) {
