@@ -30,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             st.Tool.Station = 10;
             st.Autoindex = n > 15 ? kirvana::TrueWord : kirvana::FalseWord;
         }
-        s.MaxBlocks = 20'000;
+        s.MaxBlocks = 5'000;
         return s;
     }();
     std::vector<std::string> m1, m2;
@@ -49,6 +49,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     kirvana::ReverseTexts(m1, m2, drawing, report, toolChanges, settings);
     // The drawing it wrote expands, within a small bound.
     kirvana::DrawingFile expanded = kirvana::DrawingFile::InMemory();
-    kirvana::ExpandRecords(drawing, expanded, 20'000);
+    kirvana::ExpandRecords(drawing, expanded, 5'000);
     return 0;
 }
