@@ -154,12 +154,6 @@ namespace amada {
 // Number scaling
 
 int ScalingCode(std::string_view block, ValueReader& reader) {
-    CodeIndex codes;
-    codes.Build(block);
-    return ScalingCode(block, reader, codes);
-}
-
-int ScalingCode(std::string_view block, ValueReader& reader, const CodeIndex&) {
     // One walk over the "G"s finds every code the tests ask for: "G" and one digit d (the
     // forms "Gd" and "G0d"), and "G" and two digits.
     bool single[10] = {};
@@ -681,7 +675,7 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
     if (codes.Has(block, "G21")) amada.AmadaInch = false;
     if (codes.Has(block, "G90") || codes.Has(block, "G91")) amada.AmadaFlag = false;
     // 5. Every numbered word written anew by its class.
-    block = ScaleNumbers(block, ScalingCode(block, reader, codes), amada.AmadaInch);
+    block = ScaleNumbers(block, ScalingCode(block, reader), amada.AmadaInch);
     codes.Build(block);
     // 6. The optional stop is a stop.
     rewrite("M01", "M00");

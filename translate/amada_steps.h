@@ -30,7 +30,6 @@ struct AmadaState {
 
 // The code that picks the class of each word: the G number, overridden by the codes present.
 int ScalingCode(std::string_view block, ValueReader& reader);
-int ScalingCode(std::string_view block, ValueReader& reader, const convert::CodeIndex& codes);
 // A whole number without a point, given in units of 10^-decimals, written with `decimals`
 // decimals behind `out`, exactly as FormatNumber writes it; false, with nothing written, for a
 // form it leaves to FormatNumber.
