@@ -799,30 +799,30 @@ void ReverseRun::CallSubroutine() {
     // 2. The label; the file is M2.
     S.CallLabel[depth] = label;
     // 4. What the call asks for.
-    SubCall& spec = S.CallSpecs[depth];
-    ClearSubCall(spec);
-    spec.Block = FixedText(line_, CallBlockWidth);
-    spec.CallCode = code;
-    spec.Label = label;
-    spec.X = S.PosX;
-    spec.Y = S.PosY;
+    SubCall& asked = S.CallSpecs[depth];
+    ClearSubCall(asked);
+    asked.Block = FixedText(line_, CallBlockWidth);
+    asked.CallCode = code;
+    asked.Label = label;
+    asked.X = S.PosX;
+    asked.Y = S.PosY;
     if (g98) {
         double pitchX = Length("P2="), pitchY = Length("P4=");
-        spec.PitchX = pitchX == Missing || pitchX < 0 ? 0.0f : ToSingle(pitchX);
-        spec.PitchY = pitchY == Missing || pitchY < 0 ? 0.0f : ToSingle(pitchY);
+        asked.PitchX = pitchX == Missing || pitchX < 0 ? 0.0f : ToSingle(pitchX);
+        asked.PitchY = pitchY == Missing || pitchY < 0 ? 0.0f : ToSingle(pitchY);
         std::int16_t countX = Integer("P1="), countY = Integer("P3="), order = Integer("P6=");
-        spec.CountX = countX < 1 ? 1 : countX;
-        spec.CountY = countY < 1 ? 1 : countY;
-        spec.Order = order < 0 ? 0 : order;
+        asked.CountX = countX < 1 ? 1 : countX;
+        asked.CountY = countY < 1 ? 1 : countY;
+        asked.Order = order < 0 ? 0 : order;
     } else {
         // 3. The repeat count.
         std::int16_t repeats = Integer("Q");
-        spec.CountX = 0;
-        spec.CountY = repeats < 1 ? 1 : repeats;
+        asked.CountX = 0;
+        asked.CountY = repeats < 1 ? 1 : repeats;
     }
     // 5. The state: the first copy.
     SubCall& state = S.CallStates[depth];
-    CopySubCall(spec, state);
+    CopySubCall(asked, state);
     state.CountX = 1;
     if (g98) state.CountY = 1;
     // 6. The subroutine starts at the block numbered its label times 1000.
