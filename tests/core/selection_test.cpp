@@ -289,3 +289,27 @@ TEST_F(SelectionTest, ShortDescriptionFileEmptiesTheSlotAtStart) {
     EXPECT_FALSE(again.Slots[0].Present);
     EXPECT_TRUE(SlotFiles(1).empty());
 }
+
+TEST_F(SelectionTest, AmadaProgramHasBracketMarksUntilARestart) {
+    std::filesystem::current_path(old_);
+    std::filesystem::remove_all(dir_.Path());
+    std::filesystem::copy(std::string(KIRVANA_SOURCE_DIR) + "/data/demo-amada", dir_.Path(),
+                          std::filesystem::copy_options::recursive);
+    std::filesystem::current_path(dir_.Path());
+    {
+        Process p;
+        Start(p);
+        ASSERT_TRUE(p.Config.Machine.AmadaMachine);
+        SelectOutcome outcome = SelectProgram(p, platform_, nullptr, "Dorvenis", "BRKT01");
+        ASSERT_TRUE(outcome.Selected) << outcome.Warning;
+        EXPECT_EQ(p.Slots[0].SourceDialect, 5);
+        EXPECT_EQ(p.Slots[0].CommentOpen, "(");
+        EXPECT_EQ(p.Slots[0].CommentClose, ")");
+    }
+    Process again;
+    Start(again);
+    ASSERT_TRUE(again.Slots[0].Present);
+    EXPECT_EQ(again.Slots[0].SourceDialect, 5);
+    EXPECT_EQ(again.Slots[0].CommentOpen, "!");
+    EXPECT_EQ(again.Slots[0].CommentClose, "");
+}
