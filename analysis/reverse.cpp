@@ -403,11 +403,11 @@ bool ReverseRun::ChargeHits(std::int64_t hits) {
 
 void ReverseRun::CheckLimit(double x, double y) {
     if ((x < S.LimitXLow || x > S.LimitXHigh) && !S.WarnedX) {
-        Error(reverse_message::OutOfLimitsX, false);
+        Error(pass_message::OutOfLimitsX, false);
         S.WarnedX = true;
     }
     if ((y < S.LimitYLow || y > S.LimitYHigh) && !S.WarnedY) {
-        Error(reverse_message::OutOfLimitsY, false);
+        Error(pass_message::OutOfLimitsY, false);
         S.WarnedY = true;
     }
 }
@@ -1059,11 +1059,11 @@ void ReverseRun::CheckHits() {
 double ReverseRun::NibbleIncrement() {
     double step = Length("P8=");
     if (step == Missing || step == 0) {
-        Error(reverse_message::NibbleNotSet, false);
+        Error(pass_message::NibbleNotSet, false);
         return S.NibbleStep;
     }
     if (step < 0) {
-        Error(reverse_message::NegativeNibble, false);
+        Error(pass_message::NegativeNibble, false);
         step = std::fabs(step);
     }
     S.NibbleStep = step;
@@ -1083,7 +1083,7 @@ void ReverseRun::NibbleLine() {
         return;
     }
     if (*hits == 1) {
-        Error(reverse_message::DivisionByZero, true);
+        Error(pass_message::DivisionByZero, true);
         return;
     }
     if (!TakeTool()) return;
@@ -1114,11 +1114,11 @@ void ReverseRun::NibbleArc(bool g02) {
     ArcGeometry arc;
     ArcCheck check = ArcThrough(S.PrevX, S.PrevY, S.PosX, S.PosY, r, i, j, sense, sense, arc);
     if (check == ArcCheck::InvalidIJ) {
-        Error(reverse_message::InvalidIJ, true);
+        Error(pass_message::InvalidIJ, true);
         return;
     }
     if (check == ArcCheck::InvalidR) {
-        Error(reverse_message::InvalidR, true);
+        Error(pass_message::InvalidR, true);
         return;
     }
     double step = NibbleIncrement();
@@ -1129,7 +1129,7 @@ void ReverseRun::NibbleArc(bool g02) {
         return;
     }
     if (*hits == 1) {
-        Error(reverse_message::DivisionByZero, true);
+        Error(pass_message::DivisionByZero, true);
         return;
     }
     if (!TakeTool()) return;
@@ -1159,7 +1159,7 @@ void ReverseRun::CycleG64() {
     std::int16_t hits = Integer("B");
     bool hitsGiven = !reader_.WordMissing;
     if (hitsGiven && hits == 1) {
-        Error(reverse_message::InvalidHitsP1, true);
+        Error(pass_message::InvalidHitsP1, true);
         return;
     }
     if (!hitsGiven) hits = 0;
@@ -1226,7 +1226,7 @@ void ReverseRun::CycleG28() {
     arc.MirrorX = S.MirrorX;
     arc.MirrorY = S.MirrorY;
     if (arc.P1 == 1) {
-        Error(reverse_message::InvalidHitsP1, true);
+        Error(pass_message::InvalidHitsP1, true);
         return;
     }
     // The centre, from the origin by P7, P8, or from the position by I, J.
@@ -1236,9 +1236,9 @@ void ReverseRun::CycleG28() {
                                    : (arc.MirrorY ? S.PosY - arc.J : S.PosY + arc.J);
     if (r == Missing || r == 0) r = std::sqrt(arc.I * arc.I + arc.J * arc.J);
     switch (CompleteArc(arc)) {
-    case PatternCheck::InvalidHits: Error(reverse_message::InvalidHitsP1, true); return;
-    case PatternCheck::NoHitsOrPitch: Error(reverse_message::NoHitsOrPitch, true); return;
-    case PatternCheck::DivisionByZero: Error(reverse_message::DivisionByZero, true); return;
+    case PatternCheck::InvalidHits: Error(pass_message::InvalidHitsP1, true); return;
+    case PatternCheck::NoHitsOrPitch: Error(pass_message::NoHitsOrPitch, true); return;
+    case PatternCheck::DivisionByZero: Error(pass_message::DivisionByZero, true); return;
     case PatternCheck::Ok: break;
     }
     if (!TakeTool()) return;
@@ -1293,14 +1293,14 @@ void ReverseRun::CycleG26() {
     bool stay = integer("P9=") != 0;
     double offsetX = value("P10=", true), offsetY = value("P11=", true);
     if (grid.P1 == 1 || grid.P3 == 1) {
-        Error(reverse_message::InvalidHitsP1P3, true);
+        Error(pass_message::InvalidHitsP1P3, true);
         return;
     }
     // A vector gives the row's length and angle.
     if (iGiven || jGiven) XYToPolar(iGiven ? i : 0, jGiven ? j : 0, grid.P7, grid.P5);
     int rows = 1;
     if (CompleteGrid(grid, rows) != PatternCheck::Ok) {
-        Error(reverse_message::InvalidHitsP1P3, true);
+        Error(pass_message::InvalidHitsP1P3, true);
         return;
     }
     // A grid's outline walks all its hits: one of more than an expansion takes is refused.
@@ -1390,7 +1390,7 @@ void ReverseRun::CycleG36() {
         return;
     }
     if (*hits == 1) {
-        Error(reverse_message::DivisionByZero, true);
+        Error(pass_message::DivisionByZero, true);
         return;
     }
     if (S.MirrorX || S.MirrorY) p5 = MirrorAngle(p5, S.MirrorX, S.MirrorY);
@@ -1435,7 +1435,7 @@ void ReverseRun::CycleG37() {
     }
     p5 = NormaliseAngle(p5);
     if (r == 0) {
-        Error(reverse_message::MissingRadius, true);
+        Error(pass_message::MissingRadius, true);
         return;
     }
     double arcLength = (p1 / 360) * (r * Pi * 2);
@@ -1446,7 +1446,7 @@ void ReverseRun::CycleG37() {
         return;
     }
     if (*hits == 1) {
-        Error(reverse_message::DivisionByZero, true);
+        Error(pass_message::DivisionByZero, true);
         return;
     }
     double stepAngle = p1 / (*hits - 1);
@@ -1497,7 +1497,7 @@ void ReverseRun::CycleG65() {
     // A side needs a length and a step to be nibbled with.
     for (double length : lengths) {
         if (std::min(step, length) <= 0) {
-            Error(reverse_message::DivisionByZero, true);
+            Error(pass_message::DivisionByZero, true);
             return;
         }
     }
@@ -1671,11 +1671,11 @@ void ReverseRun::ProfileArc(bool g103) {
     ArcGeometry arc;
     ArcCheck check = ArcThrough(S.PrevX, S.PrevY, S.PosX, S.PosY, r, i, j, centreSense, radiusSense, arc);
     if (check == ArcCheck::InvalidIJ) {
-        Error(reverse_message::InvalidIJ, true);
+        Error(pass_message::InvalidIJ, true);
         return;
     }
     if (check == ArcCheck::InvalidR) {
-        Error(reverse_message::InvalidR, true);
+        Error(pass_message::InvalidR, true);
         return;
     }
     S.ArcStarted = 1;

@@ -16,6 +16,7 @@
 #include "core/words.h"
 #include "tooling/settings.h"
 #include "tooling/turret.h"
+#include "translate/pass_messages.h"
 
 namespace kirvana {
 
@@ -134,19 +135,8 @@ ReverseResult ReverseTexts(const std::vector<std::string>& m1, const std::vector
 ReverseResult ReversePass(const std::string& stem, const std::string& programName, const std::string& directory,
                           std::int16_t& toolChanges, const ReverseSettings& settings);
 
-// The messages of the report, with their blanks.
+// The messages of the report beyond those the passes share, with their blanks.
 namespace reverse_message {
-inline constexpr const char* OutOfLimitsX = " Out of limits in X ";
-inline constexpr const char* OutOfLimitsY = " Out of limits in Y ";
-inline constexpr const char* InvalidIJ = " Non-Interpolated Arc (Invalid I,J) ";
-inline constexpr const char* InvalidR = " Non-Interpolated Arc (Invalid R) ";
-inline constexpr const char* InvalidHitsP1 = " Invalid number of Hits (P1) ";
-inline constexpr const char* InvalidHitsP1P3 = " Invalid number of Hits (P1,P3) ";
-inline constexpr const char* NoHitsOrPitch = " No Hits (P1) or Angular Pitch (P2) ";
-inline constexpr const char* DivisionByZero = " Division by Zero ";
-inline constexpr const char* MissingRadius = " Missing Radius or I/J ";
-inline constexpr const char* NibbleNotSet = " Nibble Increment (P8) has not been set ";
-inline constexpr const char* NegativeNibble = " Negative Nibble Increment (P8) ";
 inline constexpr const char* ExcessiveBackoff = " Reposition with Excessive Backoff distance (J) ";
 inline constexpr const char* ExcessiveReturn = " Reposition with Excessive Return distance (K) ";
 // The faults of this build's bounds.

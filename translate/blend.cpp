@@ -132,11 +132,11 @@ void BlendPass::ReadTool(const std::string& block) {
 
 void BlendPass::CheckLimits(double x, double y, const std::string& block) {
     if ((x < State.BlendXMin || x > State.BlendXMax) && !State.BlendWarnedX) {
-        BlendError(block, blend_message::OutOfLimitsX, false);
+        BlendError(block, pass_message::OutOfLimitsX, false);
         State.BlendWarnedX = true;
     }
     if ((y < State.BlendYMin || y > State.BlendYMax) && !State.BlendWarnedY) {
-        BlendError(block, blend_message::OutOfLimitsY, false);
+        BlendError(block, pass_message::OutOfLimitsY, false);
         State.BlendWarnedY = true;
     }
 }
@@ -319,7 +319,7 @@ void BlendPass::ProfileArc(const std::string& block, bool g103) {
         XYToPolar(s.BlendPrevX - centreX, s.BlendPrevY - centreY, startRadius, startAngle);
         XYToPolar(s.BlendX - centreX, s.BlendY - centreY, endRadius, endAngle);
         if (std::fabs(startRadius - endRadius) > 0.05) {
-            BlendError(block, blend_message::InvalidIJ, true);
+            BlendError(block, pass_message::InvalidIJ, true);
             return;
         }
         sweep = CentreSweep(endAngle - startAngle, g103, settings_.MachineOrientation, mirrorsEqual);
@@ -333,7 +333,7 @@ void BlendPass::ProfileArc(const std::string& block, bool g103) {
         double chordAngle = RadToDeg(std::atan(dy / dx));
         double halfChord = std::sqrt(dx * dx + dy * dy) / 2;
         if (r < halfChord) {
-            BlendError(block, blend_message::InvalidR, true);
+            BlendError(block, pass_message::InvalidR, true);
             return;
         }
         double midX = s.BlendPrevX + dx / 2, midY = s.BlendPrevY + dy / 2;
@@ -401,9 +401,9 @@ void BlendPass::LoadPosition(const std::string& block) {
     s.BlendX = settings_.MachineQ10;
     s.BlendY = settings_.MachineQ11;
     if (settings_.MachineQ10 < s.BlendXMin || settings_.MachineQ10 > s.BlendXMax)
-        BlendError(block, blend_message::OutOfLimitsX, false);
+        BlendError(block, pass_message::OutOfLimitsX, false);
     if (settings_.MachineQ11 < s.BlendYMin || settings_.MachineQ11 > s.BlendYMax)
-        BlendError(block, blend_message::OutOfLimitsY, false);
+        BlendError(block, pass_message::OutOfLimitsY, false);
 }
 
 const std::string& BlendPass::BlendBlock(std::string_view line) {

@@ -12,6 +12,7 @@
 
 #include "core/config.h"
 #include "core/words.h"
+#include "translate/pass_messages.h"
 
 namespace kirvana {
 
@@ -64,21 +65,6 @@ struct BlendState {
     LastMoveRecord LastMove;
 };
 
-// The messages of the report, with their blanks.
-namespace blend_message {
-inline constexpr const char* OutOfLimitsX = " Out of limits in X ";
-inline constexpr const char* OutOfLimitsY = " Out of limits in Y ";
-inline constexpr const char* InvalidIJ = " Non-Interpolated Arc (Invalid I,J) ";
-inline constexpr const char* InvalidR = " Non-Interpolated Arc (Invalid R) ";
-inline constexpr const char* InvalidHitsP1 = " Invalid number of Hits (P1) ";
-inline constexpr const char* InvalidHitsP1P3 = " Invalid number of Hits (P1,P3) ";
-inline constexpr const char* NoHitsOrPitch = " No Hits (P1) or Angular Pitch (P2) ";
-inline constexpr const char* DivisionByZero = " Division by Zero ";
-inline constexpr const char* MissingRadius = " Missing Radius or I/J ";
-inline constexpr const char* NibbleNotSet = " Nibble Increment (P8) has not been set ";
-inline constexpr const char* NegativeNibble = " Negative Nibble Increment (P8) ";
-inline constexpr const char* ExcessiveNibble = " Excessive Nibble Increment (P8=6.25 maximum) ";
-}  // namespace blend_message
 
 // One run of the pass over a motion text; the cycles live in blend_cycles.cpp.
 class BlendPass {

@@ -46,7 +46,7 @@ void BlendPass::CycleG64(const std::string& block) {
     double first = BlendValue(block, "A");
     // 1. One hit is no circle.
     if (hitsGiven && hits == 1) {
-        BlendError(block, blend_message::InvalidHitsP1, true);
+        BlendError(block, pass_message::InvalidHitsP1, true);
         return;
     }
     // 2-4. A whole turn, turned by the mirrors.
@@ -76,7 +76,7 @@ void BlendPass::CycleG65(const std::string& block) {
     // A side needs a step to be nibbled with: without one the card would divide by zero.
     for (double length : lengths) {
         if (std::min(step, length) == 0) {
-            BlendError(block, blend_message::DivisionByZero, true);
+            BlendError(block, pass_message::DivisionByZero, true);
             return;
         }
     }
@@ -106,8 +106,8 @@ namespace {
 const char* PatternMessage(PatternCheck check, const char* invalidHits) {
     switch (check) {
         case PatternCheck::InvalidHits: return invalidHits;
-        case PatternCheck::NoHitsOrPitch: return blend_message::NoHitsOrPitch;
-        case PatternCheck::DivisionByZero: return blend_message::DivisionByZero;
+        case PatternCheck::NoHitsOrPitch: return pass_message::NoHitsOrPitch;
+        case PatternCheck::DivisionByZero: return pass_message::DivisionByZero;
         case PatternCheck::Ok: break;
     }
     return nullptr;
@@ -143,7 +143,7 @@ void BlendPass::CycleG26(const std::string& block) {
     bool stay = integer("P9=") != 0;
     // 1. One hit in a row or one row is no grid.
     if (grid.P1 == 1 || grid.P3 == 1) {
-        BlendError(block, blend_message::InvalidHitsP1P3, true);
+        BlendError(block, pass_message::InvalidHitsP1P3, true);
         return;
     }
     // 2. A vector gives the row's length and angle.
@@ -154,7 +154,7 @@ void BlendPass::CycleG26(const std::string& block) {
     }
     // 3-6. Count, pitch and length of each direction; the mirrors.
     int rows;
-    if (auto message = PatternMessage(CompleteGrid(grid, rows), blend_message::InvalidHitsP1P3)) {
+    if (auto message = PatternMessage(CompleteGrid(grid, rows), pass_message::InvalidHitsP1P3)) {
         BlendError(block, message, true);
         return;
     }
@@ -211,7 +211,7 @@ void BlendPass::CycleG28(const std::string& block) {
     arc.MirrorY = State.BlendMirrorY;
     // 1. One hit is no arc.
     if (arc.P1 == 1) {
-        BlendError(block, blend_message::InvalidHitsP1, true);
+        BlendError(block, pass_message::InvalidHitsP1, true);
         return;
     }
     // 2. The centre: from the origin by P7, P8, or from the position by I, J.
@@ -222,7 +222,7 @@ void BlendPass::CycleG28(const std::string& block) {
     // 3. The radius.
     if (r == Missing || r == 0) r = std::sqrt(arc.I * arc.I + arc.J * arc.J);
     // 4-8. First angle, sweep, hits and pitch, mirrors.
-    if (auto message = PatternMessage(CompleteArc(arc), blend_message::InvalidHitsP1)) {
+    if (auto message = PatternMessage(CompleteArc(arc), pass_message::InvalidHitsP1)) {
         BlendError(block, message, true);
         return;
     }
@@ -245,17 +245,17 @@ double BlendPass::NibbleIncrement(const std::string& block) {
     if (step == 0) {
         // 1. None given: the last valid step, or the default with a warning.
         if (State.BlendNibbleStep == 0) {
-            BlendError(block, blend_message::NibbleNotSet, false);
+            BlendError(block, pass_message::NibbleNotSet, false);
             return State.BlendNibbleDefault;
         }
         return State.BlendNibbleStep;
     }
     // 2. Negative steps are turned round; steps above 6.25 mm are kept with a warning.
     if (step < 0) {
-        BlendError(block, blend_message::NegativeNibble, false);
+        BlendError(block, pass_message::NegativeNibble, false);
         step = std::fabs(step);
     }
-    if (step > 6.25) BlendError(block, blend_message::ExcessiveNibble, false);
+    if (step > 6.25) BlendError(block, pass_message::ExcessiveNibble, false);
     State.BlendNibbleStep = step;
     return step;
 }
@@ -264,11 +264,11 @@ bool BlendPass::NibbleHits(const std::string& block, double length, double step)
     // |Fix(length / step)| + 1 hits; a single hit (or no step) leaves no pitch to divide by.
     auto hits = step == 0 ? std::optional<std::int16_t>(1) : Count(std::fabs(Fix(length / step)) + 1);
     if (!hits) {
-        BlendError(block, blend_message::InvalidHitsP1, true);
+        BlendError(block, pass_message::InvalidHitsP1, true);
         return false;
     }
     if (*hits == 1) {
-        BlendError(block, blend_message::DivisionByZero, true);
+        BlendError(block, pass_message::DivisionByZero, true);
         return false;
     }
     return true;
@@ -335,7 +335,7 @@ void BlendPass::CycleG37(const std::string& block) {
     p5 = NormaliseAngle(p5);
     // 4. A radius is needed.
     if (r == 0) {
-        BlendError(block, blend_message::MissingRadius, true);
+        BlendError(block, pass_message::MissingRadius, true);
         return;
     }
     // 5, 6. At least two hits along the arc.
