@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ctime>
 #include <fstream>
 #include <optional>
 
@@ -28,15 +27,6 @@ constexpr std::int16_t True16 = -1;
 constexpr long MaxCheckedHits = 1'000'000;
 
 double Round(double value, int places) { return RoundHalfEven(Number(value), places); }
-
-std::string LocalTime() {
-    std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    char text[32];
-    std::strftime(text, sizeof text, "%d/%m/%y %H:%M", &local);
-    return text;
-}
 
 std::string Single(float value) { return FormatNumber(Number(value), -1); }
 
@@ -1773,7 +1763,7 @@ ReverseResult ReversePass(const std::string& stem, const std::string& programNam
     const std::string reportPath = settings.ServiceDir + "Reverse.txt";
     std::string head = "PROGRAM   :  " + std::string(Trim(programName)) + "\n" + "DIRECTORY :  " +
                        std::string(Trim(directory)) + "\n" + "TIME      :  " +
-                       (settings.Now ? settings.Now() : LocalTime()) + "\n";
+                       (settings.Now ? settings.Now() : ReportTime()) + "\n";
     std::string body;
     ReverseResult result;
     NoteFile(settings.ServiceDir, stem + "M1");

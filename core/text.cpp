@@ -1,5 +1,7 @@
 #include "core/text.h"
 
+#include <ctime>
+
 namespace kirvana {
 
 namespace {
@@ -165,6 +167,15 @@ std::string StripExtension(std::string_view fileName) {
 std::string FileNameOf(std::string_view path) {
     std::size_t at = path.find_last_of("/\\:");
     return std::string(at == std::string_view::npos ? path : path.substr(at + 1));
+}
+
+std::string ReportTime() {
+    std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    char text[32];
+    std::strftime(text, sizeof text, "%d/%m/%y %H:%M", &local);
+    return text;
 }
 
 }  // namespace kirvana

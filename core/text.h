@@ -43,5 +43,7 @@ std::string AfterColon(std::string_view line);
 std::string StripExtension(std::string_view fileName);
 // The characters behind the last "/", "\" or ":".
 std::string FileNameOf(std::string_view path);
+// The local date and time as "dd/mm/yy hh:mm": the time line of the passes' reports.
+std::string ReportTime();
 
 }  // namespace kirvana

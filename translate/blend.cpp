@@ -1,7 +1,6 @@
 #include "translate/blend.h"
 
 #include <cmath>
-#include <ctime>
 #include <filesystem>
 
 #include "core/geometry.h"
@@ -18,15 +17,6 @@ constexpr double Inch = 25.4;
 constexpr double Missing = -999;
 
 double Round(float value, int places) { return RoundHalfEven(Number(value), places); }
-
-std::string LocalTime() {
-    std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    char text[32];
-    std::strftime(text, sizeof text, "%d/%m/%y %H:%M", &local);
-    return text;
-}
 
 }  // namespace
 
@@ -545,7 +535,7 @@ std::int16_t BlendProgram(std::string_view directory, std::string_view name, std
     std::ofstream report(settings.ServiceDir + "Blend.txt", std::ios::binary | std::ios::trunc);
     report << "PROGRAM   :  " << Trim(name) << '\n'
            << "DIRECTORY :  " << Trim(directory) << '\n'
-           << "TIME      :  " << (settings.Now ? settings.Now() : LocalTime()) << '\n';
+           << "TIME      :  " << (settings.Now ? settings.Now() : ReportTime()) << '\n';
     const std::string motion = std::string(stem) + "M1";
     NoteFile(settings.ServiceDir, motion);
     std::ifstream in(motion, std::ios::binary);
