@@ -13,17 +13,9 @@ int Convert(const Args& args) {
     bool haveRoot = false;
     std::string root = Option(args, "--root", &haveRoot);
     if (args.size() != 3 || !haveRoot || args[0] == "--root" || root.empty()) return Usage(usage);
-    if (root.back() != '/') root += '/';
-
     Directories dirs;
-    dirs.RootDir = root;
-    dirs.DataDir = root + "Data/";
-    dirs.ServiceDir = root + "Service/";
     MachineData machine;
-    if (auto fault = ReadMachineFiles(dirs, machine)) {
-        std::fprintf(stderr, "%s\n", fault->Message().c_str());
-        return 1;
-    }
+    if (!MachineAt(root, dirs, machine)) return 1;
 
     std::int16_t dialect = 0;
     ConvertResult result = ConvertProgram(args[0], dialect, ConvertSettingsFrom(machine, dirs));
