@@ -1,6 +1,8 @@
 #include "translate/amada.h"
 
+#include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 #include "core/geometry.h"
@@ -16,8 +18,19 @@ namespace {
 
 constexpr auto npos = std::string::npos;
 
-bool Has(std::string_view text, std::string_view word) { return text.find(word) != npos; }
-bool Has(std::string_view text, char c) { return text.find(c) != npos; }
+// Plain searches: blocks are a few characters long, too short for the library's.
+bool Has(std::string_view text, char c) {
+    for (char t : text)
+        if (t == c) return true;
+    return false;
+}
+bool Has(std::string_view text, std::string_view word) {
+    if (word.empty()) return true;
+    if (word.size() > text.size()) return false;
+    for (std::size_t i = 0, last = text.size() - word.size(); i <= last; ++i)
+        if (text[i] == word[0] && text.substr(i, word.size()) == word) return true;
+    return false;
+}
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsNumberChar(char c) { return IsDigit(c) || c == '.'; }
 
@@ -42,27 +55,76 @@ bool TakeWord(std::string& block, char letter, std::string& number) {
     std::size_t at = block.find(letter);
     if (at == npos) return false;
     std::size_t end = NumberEnd(block, at);
-    number = block.substr(at + 1, end - at - 1);
+    number.assign(block, at + 1, end - at - 1);
     block.erase(at, end - at);
     return true;
 }
 
+// Removes the first word of the letter from the block.
+void DropWord(std::string& block, char letter) {
+    std::size_t at = block.find(letter);
+    if (at != npos) block.erase(at, NumberEnd(block, at) - at);
+}
+
 // The value of the first word of the letter, taken out of the block; 0 when it is missing.
 double TakeValue(std::string& block, char letter) {
-    std::string number;
-    return TakeWord(block, letter, number) ? ToNumber(number) : 0.0;
+    std::size_t at = block.find(letter);
+    if (at == npos) return 0.0;
+    std::size_t end = NumberEnd(block, at);
+    double value = ToNumber(std::string_view(block).substr(at + 1, end - at - 1));
+    block.erase(at, end - at);
+    return value;
 }
 
 // Moves the first word of `from` to the end of the block under the new name `to`.
 void RenameWord(std::string& block, char from, std::string_view to, std::string& words) {
-    std::string number;
-    if (!TakeWord(block, from, number)) return;
+    std::size_t at = block.find(from);
+    if (at == npos) return;
+    std::size_t end = NumberEnd(block, at);
     words += to;
-    words += number;
+    words.append(block, at + 1, end - at - 1);
+    block.erase(at, end - at);
 }
 
-// A computed length or angle: rounded half to even to 3 decimals, in free format.
-std::string LengthText(double value) { return FormatNumber(RoundHalfEven(value, 3), -1); }
+// A computed length or angle: rounded half to even to 3 decimals, in free format. Below 1e9
+// the rounded value is a whole number of thousandths, and its free format is that number with
+// the point three digits from the right and the zeros behind the last digit dropped; larger
+// values (and the non-finite ones) go to FormatNumber. Debug builds check the two agree.
+std::string LengthText(double value) {
+    const double rounded = RoundHalfEven(value, 3);
+    if (!(std::fabs(rounded) < 1e9)) return FormatNumber(rounded, -1);
+    long long thousandths = std::llround(rounded * 1000);
+    char digits[24];
+    char* end = std::to_chars(digits, digits + sizeof digits, thousandths < 0 ? -thousandths : thousandths).ptr;
+    std::string_view number(digits, static_cast<std::size_t>(end - digits));
+    std::string text;
+    if (thousandths < 0) text += '-';
+    if (number.size() <= 3) {
+        text += '0';
+    } else {
+        text += number.substr(0, number.size() - 3);
+        number.remove_prefix(number.size() - 3);
+    }
+    if (number.size() < 3 || number != "000") {
+        std::string_view fraction = number;
+        while (!fraction.empty() && fraction.back() == '0') fraction.remove_suffix(1);
+        if (!fraction.empty()) {
+            text += '.';
+            text.append(3 - number.size(), '0');
+            text += fraction;
+        }
+    }
+#ifndef NDEBUG
+    if (text != FormatNumber(rounded, -1)) std::abort();
+#endif
+    return text;
+}
+
+// A word of a computed length or angle behind the words: the name, then the length.
+void AddLength(std::string& words, std::string_view name, double value) {
+    words += name;
+    words += LengthText(value);
+}
 
 double Sign(double value) { return value > 0 ? 1.0 : value < 0 ? -1.0 : 0.0; }
 
@@ -87,16 +149,16 @@ void LastPosition(const amada::AmadaState& amada, ValueReader& reader, double& x
     if (reader.WordMissing) y = 0;
 }
 
-// The leading block-skip marks and sequence word of a block: what a block that is replaced
-// as a whole keeps.
-std::string BlockPrefix(std::string_view block) {
+// The length of the leading block-skip marks and sequence word of a block: what a block that
+// is replaced as a whole keeps.
+std::size_t BlockPrefix(std::string_view block) {
     std::size_t end = 0;
     while (end < block.size() && (block[end] == '/' || block[end] == '\\')) ++end;
     if (end < block.size() && block[end] == 'N') {
         ++end;
         while (end < block.size() && IsDigit(block[end])) ++end;
     }
-    return std::string(block.substr(0, end));
+    return end;
 }
 
 // A whole number for a 16-bit field, with the overflow reported to the reader's caller.
@@ -138,6 +200,33 @@ void SplitComment(std::string& block, std::string& comment) {
     block.erase(0, front);
 }
 
+
+// Every blank out of the block, in place; then tabs off both ends, as StripBlanks does.
+void StripBlanksInPlace(std::string& block) {
+    std::size_t out = 0;
+    for (char c : block)
+        if (c != ' ') block[out++] = c;
+    block.resize(out);
+    std::string_view trimmed = Trim(block);
+    if (trimmed.size() == block.size()) return;
+    const std::size_t front = static_cast<std::size_t>(trimmed.data() - block.data());
+    block.resize(front + trimmed.size());
+    block.erase(0, front);
+}
+
+// SpaceWords then CollapseBlanks, written to `out`. SpaceWords drops every blank and puts one
+// in front of each letter but the first character, so no two blanks ever meet and there is
+// nothing left for CollapseBlanks to do.
+void SpaceWordsCollapsed(std::string_view block, std::string& out) {
+    out.resize(block.size() * 2);
+    std::size_t n = 0;
+    for (char c : block) {
+        if (c == ' ') continue;
+        if (IsLetter(c) && n > 0) out[n++] = ' ';
+        out[n++] = c;
+    }
+    out.resize(n);
+}
 
 // The number of a one- or two-digit word 1 to 99 of the letter, or 0.
 int MacroNumber(std::string_view block, char letter, ValueReader& reader) {
@@ -248,6 +337,12 @@ bool ScaledInteger(std::string_view number, int decimals, std::string& out) {
 
 std::string ScaleNumbers(std::string_view block, int code, bool inch) {
     std::string out;
+    ScaleNumbers(block, code, inch, out);
+    return out;
+}
+
+void ScaleNumbers(std::string_view block, int code, bool inch, std::string& out) {
+    out.clear();
     out.reserve(block.size() + 16);
     std::size_t i = 0;
     while (i < block.size()) {
@@ -284,7 +379,6 @@ std::string ScaleNumbers(std::string_view block, int code, bool inch) {
         }
         i = end;
     }
-    return out;
 }
 
 // ---------------------------------------------------------------------------------------
@@ -292,34 +386,35 @@ std::string ScaleNumbers(std::string_view block, int code, bool inch) {
 
 namespace {
 
-const char* ProfileCode(int code) { return code == 1 ? "G101" : code == 2 ? "G102" : "G103"; }
+std::string_view ProfileCode(int code) { return code == 1 ? "G101" : code == 2 ? "G102" : "G103"; }
 
 // The handler of one AMADA code: "G1"/"G01", "G2"/"G02" or "G3"/"G03".
 void ProfileHandler(std::string& block, int code, CodeIndex& codes) {
     auto Has = [&](std::string_view text, std::string_view word) { return codes.Has(text, word); };
     const char digit = static_cast<char>('0' + code);
-    const char shortCode[] = {'G', digit, 0};
-    const char longCode[] = {'G', '0', digit, 0};
-    if (!Has(block, shortCode) && !Has(block, longCode)) return;
+    const char longCodeText[] = {'G', '0', digit};
+    const char shortCodeText[] = {'G', digit};
+    const std::string_view shortForm(shortCodeText, 2), longForm(longCodeText, 3);
+    if (!Has(block, shortForm) && !Has(block, longForm)) return;
     // The other two codes in both forms.
     for (int other = 1; other <= 3; ++other) {
         if (other == code) continue;
         const char o = static_cast<char>('0' + other);
-        const char otherShort[] = {'G', o, 0};
-        const char otherLong[] = {'G', '0', o, 0};
-        if (Has(block, otherShort) || Has(block, otherLong)) return;
+        const char otherShort[] = {'G', o};
+        const char otherLong[] = {'G', '0', o};
+        if (Has(block, std::string_view(otherShort, 2)) || Has(block, std::string_view(otherLong, 3))) return;
     }
     // The codes of this decade: G10 to G19, G20 to G29, G30 to G39.
     for (char units = '0'; units <= '9'; ++units) {
-        const char decade[] = {'G', digit, units, 0};
-        if (Has(block, decade)) return;
+        const char decade[] = {'G', digit, units};
+        if (Has(block, std::string_view(decade, 3))) return;
     }
     static constexpr std::string_view others[] = {"G00", "G101", "G102", "G103", "G04", "G93",
                                                   "G92", "G56", "G53", "M60",  "M50"};
     for (std::string_view word : others)
         if (Has(block, word)) return;
     // The handler runs only with its code in the block, so one of the two forms is there.
-    if (!ReplaceFirst(block, longCode, ProfileCode(code))) ReplaceFirst(block, shortCode, ProfileCode(code));
+    if (!ReplaceFirst(block, longForm, ProfileCode(code))) ReplaceFirst(block, shortForm, ProfileCode(code));
     codes.Build(block);
 }
 
@@ -373,7 +468,7 @@ namespace {
 // The rows of the cycle mapping table, in the order they are tested.
 enum class Row { G28, G26, G29, G36, G37, G66, G67, G68, G69, G98, G75, G76, W, G31, None };
 
-Row FindRow(std::string_view block, std::string& source, const CodeIndex& codes) {
+Row FindRow(std::string_view block, std::string_view& source, const CodeIndex& codes) {
     static constexpr struct {
         std::string_view Code;
         Row Which;
@@ -399,7 +494,7 @@ Row FindRow(std::string_view block, std::string& source, const CodeIndex& codes)
 // or more, to the right (J - 90) for D below 0, as G69 picks the side by its P; that offset
 // is the pattern's first-hit offset P10, P11. The pitch count is that of G67 on the length
 // P7, and P2 the pitch as a whole number. The row stays at its end (P9=1).
-std::string ShearProof(std::string& block, const AmadaState& amada, ValueReader& reader) {
+void ShearProof(std::string& block, const AmadaState& amada, ValueReader& reader, std::string& words) {
     double length = TakeValue(block, 'I');
     double angle = TakeValue(block, 'J');
     double tool = TakeValue(block, 'P');
@@ -415,15 +510,21 @@ std::string ShearProof(std::string& block, const AmadaState& amada, ValueReader&
     PolarToXY(std::fabs(width / 2), side >= 0 ? angle + 90 : angle - 90, offsetX, offsetY);
     double rowLength = length - reach;
     double pitch = SidePitch(rowLength, tool);
-    return "X" + LengthText(lastX + alongX) + "Y" + LengthText(lastY + alongY) + "P7=" + LengthText(rowLength) +
-           "P5=" + LengthText(angle) + "P2=" + FormatNumber(pitch, 0) + "P9=1" + "P10=" + LengthText(offsetX) +
-           "P11=" + LengthText(offsetY);
+    AddLength(words, "X", lastX + alongX);
+    AddLength(words, "Y", lastY + alongY);
+    AddLength(words, "P7=", rowLength);
+    AddLength(words, "P5=", angle);
+    words += "P2=";
+    words += FormatNumber(pitch, 0);
+    words += "P9=1";
+    AddLength(words, "P10=", offsetX);
+    AddLength(words, "P11=", offsetY);
 }
 
 // G67 nibbled rectangle: with P the tool's size, the sign of I times P and the sign of J
 // times P are the tool's reach in each axis. The corner moves by half the reach, the sides
 // are shortened by it, and P8 is the larger side pitch as a whole number.
-std::string Rectangle(std::string& block, const AmadaState& amada, ValueReader& reader) {
+void Rectangle(std::string& block, const AmadaState& amada, ValueReader& reader, std::string& words) {
     double i = TakeValue(block, 'I');
     double j = TakeValue(block, 'J');
     double tool = TakeValue(block, 'P');
@@ -434,13 +535,17 @@ std::string Rectangle(std::string& block, const AmadaState& amada, ValueReader& 
     double sideX = i - reachX;
     double sideY = j - reachY;
     double pitch = std::max(SidePitch(sideX, tool), SidePitch(sideY, tool));
-    return "X" + LengthText(lastX + reachX / 2) + "Y" + LengthText(lastY + reachY / 2) + "I" + LengthText(sideX) +
-           "J" + LengthText(sideY) + "P8=" + FormatNumber(pitch, 0);
+    AddLength(words, "X", lastX + reachX / 2);
+    AddLength(words, "Y", lastY + reachY / 2);
+    AddLength(words, "I", sideX);
+    AddLength(words, "J", sideY);
+    words += "P8=";
+    words += FormatNumber(pitch, 0);
 }
 
 // G69 and G79 nibbled line: the start is the last position moved half the tool across the
 // line, to the left for P at 0 or more and to the right below 0.
-std::string NibbleLine(std::string& block, const AmadaState& amada, ValueReader& reader) {
+void NibbleLine(std::string& block, const AmadaState& amada, ValueReader& reader, std::string& words) {
     std::string length, angleText;
     bool hasLength = TakeWord(block, 'I', length);
     bool hasAngle = TakeWord(block, 'J', angleText);
@@ -451,18 +556,26 @@ std::string NibbleLine(std::string& block, const AmadaState& amada, ValueReader&
     PolarToXY(std::fabs(tool / 2), tool >= 0 ? angle + 90 : angle - 90, shiftX, shiftY);
     double lastX, lastY;
     LastPosition(amada, reader, lastX, lastY);
-    std::string words = "X" + LengthText(lastX + shiftX) + "Y" + LengthText(lastY + shiftY);
-    if (hasLength) words += "P1=" + length;
-    if (hasAngle) words += "P5=" + angleText;
-    words += "P8=" + FormatNumber(step, 0);
-    words += "P10=" + LengthText(shiftX - 2) + "P11=" + LengthText(shiftY - 2);
-    return words;
+    AddLength(words, "X", lastX + shiftX);
+    AddLength(words, "Y", lastY + shiftY);
+    if (hasLength) {
+        words += "P1=";
+        words += length;
+    }
+    if (hasAngle) {
+        words += "P5=";
+        words += angleText;
+    }
+    words += "P8=";
+    words += FormatNumber(step, 0);
+    AddLength(words, "P10=", shiftX - 2);
+    AddLength(words, "P11=", shiftY - 2);
 }
 
 // G75 and G76: the subroutine over the stored grid, from the corner Q. The table knows the
 // corners 1 to 4; any other Q starts, as 1 does, at the reference point.
-std::string GridCall(std::string& block, bool yFirst, const AmadaState& amada, const SubroutineTable& table,
-                     ValueReader& reader) {
+void GridCall(std::string& block, bool yFirst, const AmadaState& amada, const SubroutineTable& table,
+              ValueReader& reader, std::string& words) {
     std::string name;
     TakeWord(block, 'W', name);
     std::int16_t corner = WholeNumber(TakeValue(block, 'Q'), reader);
@@ -478,9 +591,21 @@ std::string GridCall(std::string& block, bool yFirst, const AmadaState& amada, c
         startY = amada.GridY + lastRow * amada.GridPitchY;
         pitchY = -amada.GridPitchY;
     }
-    return "G98S" + IntegerText(table.SubroutineNumber(name)) + "X" + FormatNumber(startX, -1) + "Y" +
-           FormatNumber(startY, -1) + "P2=" + FormatNumber(pitchX, -1) + "P4=" + FormatNumber(pitchY, -1) +
-           "P1=" + IntegerText(amada.GridColumns) + "P3=" + IntegerText(amada.GridRows) + "P6=" + (yFirst ? "1" : "0");
+    words += "G98S";
+    words += IntegerText(table.SubroutineNumber(name));
+    words += "X";
+    words += FormatNumber(startX, -1);
+    words += "Y";
+    words += FormatNumber(startY, -1);
+    words += "P2=";
+    words += FormatNumber(pitchX, -1);
+    words += "P4=";
+    words += FormatNumber(pitchY, -1);
+    words += "P1=";
+    words += IntegerText(amada.GridColumns);
+    words += "P3=";
+    words += IntegerText(amada.GridRows);
+    words += yFirst ? "P6=1" : "P6=0";
 }
 
 }  // namespace
@@ -494,27 +619,35 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
 
 bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, const SubroutineTable& table,
                   ValueReader& reader, CodeIndex& codes) {
-    std::string source;
+    std::string_view source;
     const Row row = FindRow(block, source, codes);
     if (row == Row::None) return false;
-    // The tail: from the first "T", else the first "M" (for a call from the first "M").
+    // The tail: from the first "T", else the first "M" (for a call from the first "M"). It is
+    // cut off, and the rest of the block is worked on in place.
     std::size_t tailAt = row == Row::W ? npos : block.find('T');
     if (tailAt == npos) tailAt = block.find('M');
-    std::string tail = tailAt == npos ? std::string() : block.substr(tailAt);
-    std::string rest = block.substr(0, tailAt == npos ? block.size() : tailAt);
+    std::string tail;
+    if (tailAt != npos) {
+        tail.assign(block, tailAt);
+        block.resize(tailAt);
+    }
+    std::string& rest = block;
     // The source code leaves the text; the row puts its target code and words behind the rest.
     if (row != Row::W) {
         std::size_t at = rest.find(source);
         if (at != npos) rest.erase(at, source.size());
     }
     std::string words;
+    words.reserve(96);
     switch (row) {
         case Row::G28: {
             double radius = TakeValue(rest, 'I');
             double angle = TakeValue(rest, 'J');
             double x, y;
             PolarToXY(radius, angle, x, y);
-            words = "G66I" + LengthText(x) + "J" + LengthText(y);
+            words = "G66";
+            AddLength(words, "I", x);
+            AddLength(words, "J", y);
             RenameWord(rest, 'K', "B", words);
             break;
         }
@@ -542,17 +675,17 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
             words += row == Row::G36 ? "P5=0P9=1" : "P5=270P9=1";
             break;
         case Row::G66: {
-            std::string x, y;
-            TakeWord(rest, 'X', x);
-            TakeWord(rest, 'Y', y);
-            words = "G26" + ShearProof(rest, amada, reader);
+            DropWord(rest, 'X');
+            DropWord(rest, 'Y');
+            words = "G26";
+            ShearProof(rest, amada, reader, words);
             break;
         }
         case Row::G67: {
-            std::string x, y;
-            TakeWord(rest, 'X', x);
-            TakeWord(rest, 'Y', y);
-            words = "G65" + Rectangle(rest, amada, reader);
+            DropWord(rest, 'X');
+            DropWord(rest, 'Y');
+            words = "G65";
+            Rectangle(rest, amada, reader, words);
             break;
         }
         case Row::G68: {
@@ -565,17 +698,26 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
             double tool = TakeValue(rest, 'P');
             bool hasStep = TakeWord(rest, 'Q', step);
             words = "G37";
-            if (hasRadius) words += "R" + LengthText(ToNumber(radius) + tool / 2);
-            if (hasAngle) words += "P5=" + angle;
-            if (hasHits) words += "P1=" + hits;
-            if (hasStep) words += "P8=" + step;
+            if (hasRadius) AddLength(words, "R", ToNumber(radius) + tool / 2);
+            if (hasAngle) {
+                words += "P5=";
+                words += angle;
+            }
+            if (hasHits) {
+                words += "P1=";
+                words += hits;
+            }
+            if (hasStep) {
+                words += "P8=";
+                words += step;
+            }
             break;
         }
         case Row::G69: {
-            std::string x, y;
-            TakeWord(rest, 'X', x);
-            TakeWord(rest, 'Y', y);
-            words = "G36" + NibbleLine(rest, amada, reader);
+            DropWord(rest, 'X');
+            DropWord(rest, 'Y');
+            words = "G36";
+            NibbleLine(rest, amada, reader, words);
             break;
         }
         case Row::G98: {
@@ -586,14 +728,14 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
             amada.GridColumns = PlusOne(WholeNumber(TakeValue(rest, 'P'), reader), reader);
             amada.GridRows = PlusOne(WholeNumber(TakeValue(rest, 'K'), reader), reader);
             amada.GridSet = true;
-            rest = BlockPrefix(rest);
+            rest.resize(BlockPrefix(rest));
             words = "G00";
             break;
         }
         case Row::G75:
         case Row::G76:
-            words = GridCall(rest, row == Row::G76, amada, table, reader);
-            rest = BlockPrefix(rest);
+            GridCall(rest, row == Row::G76, amada, table, reader, words);
+            rest.resize(BlockPrefix(rest));
             break;
         case Row::W: {
             // A call as in the bracket dialect: what stands before the "W", the modal codes
@@ -620,7 +762,8 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
         }
         case Row::None: break;
     }
-    block = rest + words + tail;
+    block += words;
+    block += tail;
     codes.Build(block);
     return true;
 }
@@ -636,10 +779,12 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
     state.SourceLine.assign(Trim(line));
     std::string block;
     block.reserve(state.SourceLine.size() + 64);
-    if (mainText) block = state.SourceLine;
+    // (A line that starts with neither "/" nor "N" has no sequence word to lose.)
+    const char first = state.SourceLine.empty() ? ' ' : UpperChar(state.SourceLine[0]);
+    if (mainText || (first != '/' && first != 'N')) block = state.SourceLine;
     else block = StripBlockNumber(state.SourceLine);
     // (Both forms hold an "S": "S" and digits, or "ENDSUB".)
-    if (block.find_first_of("Ss") != npos) block = SubroutineRewriteBracket(block, context.Table);
+    if (Has(block, 'S') || Has(block, 's')) block = SubroutineRewriteBracket(block, context.Table);
     SplitComment(block, state.BlockComment);
     for (char& c : block) c = UpperChar(c);
     // 2. Main text: the sequence word; then all blanks go, words are found in packed text.
@@ -652,7 +797,7 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
             block.insert(0, "N" + ZeroPad(state.SequenceCount, 4) + " ");
         }
     }
-    block = StripBlanks(block);
+    StripBlanksInPlace(block);
     // 3. "A" stores the block (without its A word) as a macro, "B" replays one.
     if (int store = MacroNumber(block, 'A', reader)) {
         std::string stored = block;
@@ -675,7 +820,8 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
     if (codes.Has(block, "G21")) amada.AmadaInch = false;
     if (codes.Has(block, "G90") || codes.Has(block, "G91")) amada.AmadaFlag = false;
     // 5. Every numbered word written anew by its class.
-    block = ScaleNumbers(block, ScalingCode(block, reader), amada.AmadaInch);
+    ScaleNumbers(block, ScalingCode(block, reader), amada.AmadaInch, amada.Scratch);
+    block.swap(amada.Scratch);
     codes.Build(block);
     // 6. The optional stop is a stop.
     rewrite("M01", "M00");
@@ -698,13 +844,14 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
     if (mainText || !Has(block, "RETURN")) {
         if (state.UnknownBlock) ImplicitHitRule(block, state);
         BlockSkipMarks(block);
-        block = WordOrdering(block, reader, state.OrderingSlots);
-        block = CollapseBlanks(SpaceWords(block));
+        WordOrdering(block, reader, state.OrderingSlots, amada.Scratch);
+        SpaceWordsCollapsed(amada.Scratch, block);
     }
     // 14. The block as written, and its comment, are the last block.
     amada.LastBlock = block;
     amada.LastComment = state.BlockComment;
-    return block + state.BlockComment;
+    block += state.BlockComment;
+    return block;
 }
 
 }  // namespace amada

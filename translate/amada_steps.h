@@ -26,6 +26,7 @@ struct AmadaState {
     std::int16_t GridRows = 0;     // G98 K + 1
     bool GridSet = false;     // a G98 has been read
     bool ToolSide = false;    // the nibbled arc: G68 true, G78 false
+    std::string Scratch;      // work space of the block steps, no state of the pass
 };
 
 // The code that picks the class of each word: the G number, overridden by the codes present.
@@ -36,6 +37,8 @@ int ScalingCode(std::string_view block, ValueReader& reader);
 bool ScaledInteger(std::string_view number, int decimals, std::string& out);
 // Every word written anew by its class (packed text, upper case).
 std::string ScaleNumbers(std::string_view block, int code, bool inch);
+// The same, written to `out` (which is cleared first).
+void ScaleNumbers(std::string_view block, int code, bool inch, std::string& out);
 // The AMADA linear and arc codes become the profile codes G101 to G103, with their exclusions.
 void ProfileCodes(std::string& block);
 void ProfileCodes(std::string& block, convert::CodeIndex& codes);

@@ -129,6 +129,16 @@ void CodeIndex::Build(std::string_view block) {
     }
 }
 
+bool CodeIndex::HasOther(std::string_view block, std::string_view word) const {
+    if (word.empty() || (word[0] != 'G' && word[0] != 'M')) return block.find(word) != npos;
+    // No "G" or "M" in the block at all: no code either.
+    bool found = count_ > 0 && Search(block, word);
+#ifndef NDEBUG
+    Check(block, word, found);
+#endif
+    return found;
+}
+
 bool CodeIndex::Search(std::string_view block, std::string_view word) const {
     if (many_) return block.find(word) != npos;
     for (int k = 0; k < count_; ++k) {
@@ -387,12 +397,25 @@ std::string JumpRewrite(std::string_view block) {
 // Fills and rules
 
 void ParameterFill(std::string& block, int first, int last, std::string_view value) {
+    // One walk finds the numbers 1 to 127 whose "P" number "=" stands in the block: a "P", its
+    // digits (no leading zero) and "=". The words added below hold other numbers only.
+    bool present[128] = {};
+    for (std::size_t i = 0; i < block.size(); ++i) {
+        if (block[i] != 'P') continue;
+        std::size_t end = i + 1;
+        int number = 0;
+        while (end < block.size() && IsDigit(block[end]) && end - i <= 3) number = number * 10 + (block[end++] - '0');
+        if (end > i + 1 && end - i <= 4 && block[i + 1] != '0' && end < block.size() && block[end] == '=' &&
+            number < 128)
+            present[number] = true;
+    }
+    block.reserve(block.size() + static_cast<std::size_t>(last - first + 1) * (6 + value.size()));
     char word[16] = {'P'};
     for (int number = first; number <= last; ++number) {
         char* end = std::to_chars(word + 1, word + sizeof word - 1, number).ptr;
         *end++ = '=';
         std::string_view text(word, static_cast<std::size_t>(end - word));
-        if (Has(block, text)) continue;
+        if (number >= 1 && number < 128 ? present[number] : Has(block, text)) continue;
         block += ' ';
         block += text;
         block += value;
@@ -537,8 +560,18 @@ int OrderingSlot(std::string_view block, std::size_t i, int current, ValueReader
     }
 }
 
+// "GOTO", "ENDIF" or "IF" in the block, found in one walk ("ENDIF" holds "IF").
+bool HasJumpWord(std::string_view block) {
+    for (std::size_t i = 0; i + 1 < block.size(); ++i) {
+        if (block[i] == 'I' && block[i + 1] == 'F') return true;
+        if (block[i] == 'G' && block.substr(i, 4) == "GOTO") return true;
+    }
+    return false;
+}
+
 // Cuts each listed code out of the group and puts it in front, the last moved standing first.
 void CodesToFront(std::string& slot, std::initializer_list<std::string_view> codes) {
+    if (slot.empty()) return;
     for (std::string_view word : codes) {
         std::size_t at = Find(slot, word);
         if (at == npos) continue;
@@ -557,7 +590,16 @@ std::string WordOrdering(std::string_view block, ValueReader& reader) {
 }
 
 std::string WordOrdering(std::string_view block, ValueReader& reader, std::string (&slots)[8]) {
-    if (Has(block, "GOTO") || Has(block, "ENDIF") || Has(block, "IF")) return std::string(block);
+    std::string out;
+    WordOrdering(block, reader, slots, out);
+    return out;
+}
+
+void WordOrdering(std::string_view block, ValueReader& reader, std::string (&slots)[8], std::string& out) {
+    if (HasJumpWord(block)) {
+        out.assign(block);
+        return;
+    }
     for (std::string& slot : slots) slot.clear();
     // Each character to its group; runs of characters of one group are copied at once.
     int current = 0;
@@ -582,7 +624,7 @@ std::string WordOrdering(std::string_view block, ValueReader& reader, std::strin
         slots[7] = skip;
     }
     // 4. N, skip, P words below 13, G, axis and other words, T and S, M.
-    std::string out;
+    out.clear();
     out.reserve(block.size() + 16);
     out += slots[0];
     out += slots[1];
@@ -591,7 +633,6 @@ std::string WordOrdering(std::string_view block, ValueReader& reader, std::strin
         out += slots[slot];
     }
     TrimInPlace(out);
-    return out;
 }
 
 std::optional<std::pair<float, float>> SheetSize(std::string_view comment) {

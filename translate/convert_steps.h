@@ -41,14 +41,19 @@ class CodeIndex {
 public:
     void Build(std::string_view block);
     bool Has(std::string_view block, std::string_view word) const {
-        bool found;
-        if (word.empty() || (word[0] != 'G' && word[0] != 'M')) return block.find(word) != std::string_view::npos;
-        int bit = word.size() == 3 ? CodeBit(word[0], word[1], word[2]) : -1;
-        found = bit >= 0 ? ((codes_[bit / 64] >> (bit % 64)) & 1) != 0 : Search(block, word);
+        // A three-character code is one bit: small enough to be inlined, and with a constant
+        // word the bit is a constant too. Everything else goes to HasOther.
+        if (word.size() == 3 && (word[0] == 'G' || word[0] == 'M')) {
+            int bit = CodeBit(word[0], word[1], word[2]);
+            if (bit >= 0) {
+                bool found = ((codes_[bit / 64] >> (bit % 64)) & 1) != 0;
 #ifndef NDEBUG
-        Check(block, word, found);
+                Check(block, word, found);
 #endif
-        return found;
+                return found;
+            }
+        }
+        return HasOther(block, word);
     }
 
 private:
@@ -57,6 +62,7 @@ private:
         if (tens < '0' || tens > '9' || units < '0' || units > '9') return -1;
         return (letter == 'M' ? 100 : 0) + (tens - '0') * 10 + (units - '0');
     }
+    bool HasOther(std::string_view block, std::string_view word) const;
     bool Search(std::string_view block, std::string_view word) const;
     static void Check(std::string_view block, std::string_view word, bool found);
 
@@ -161,6 +167,8 @@ void G77Rule(std::string& block, const ConvertState& state);
 void ImplicitHitRule(std::string& block, const ConvertState& state);
 std::string WordOrdering(std::string_view block, ValueReader& reader);
 std::string WordOrdering(std::string_view block, ValueReader& reader, std::string (&slots)[8]);
+// The same, written to `out` (which must not be the block).
+void WordOrdering(std::string_view block, ValueReader& reader, std::string (&slots)[8], std::string& out);
 
 // A sheet size given in a comment, or nothing.
 std::optional<std::pair<float, float>> SheetSize(std::string_view comment);

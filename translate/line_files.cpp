@@ -5,7 +5,10 @@
 
 namespace kirvana {
 
-LineReader::LineReader(const std::string& path) : file_(std::fopen(path.c_str(), "rb")) {}
+LineReader::LineReader(const std::string& path) : file_(std::fopen(path.c_str(), "rb")) {
+    // Large reads: the passes read whole work files line by line.
+    if (file_) std::setvbuf(file_, nullptr, _IOFBF, 1 << 16);
+}
 
 LineReader::~LineReader() {
     if (file_) std::fclose(file_);
