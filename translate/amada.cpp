@@ -390,29 +390,28 @@ std::string_view ProfileCode(int code) { return code == 1 ? "G101" : code == 2 ?
 
 // The handler of one AMADA code: "G1"/"G01", "G2"/"G02" or "G3"/"G03".
 void ProfileHandler(std::string& block, int code, CodeIndex& codes) {
-    auto Has = [&](std::string_view text, std::string_view word) { return codes.Has(text, word); };
     const char digit = static_cast<char>('0' + code);
     const char longCodeText[] = {'G', '0', digit};
     const char shortCodeText[] = {'G', digit};
     const std::string_view shortForm(shortCodeText, 2), longForm(longCodeText, 3);
-    if (!Has(block, shortForm) && !Has(block, longForm)) return;
+    if (!codes.Has(block, shortForm) && !codes.Has(block, longForm)) return;
     // The other two codes in both forms.
     for (int other = 1; other <= 3; ++other) {
         if (other == code) continue;
         const char o = static_cast<char>('0' + other);
         const char otherShort[] = {'G', o};
         const char otherLong[] = {'G', '0', o};
-        if (Has(block, std::string_view(otherShort, 2)) || Has(block, std::string_view(otherLong, 3))) return;
+        if (codes.Has(block, std::string_view(otherShort, 2)) || codes.Has(block, std::string_view(otherLong, 3))) return;
     }
     // The codes of this decade: G10 to G19, G20 to G29, G30 to G39.
     for (char units = '0'; units <= '9'; ++units) {
         const char decade[] = {'G', digit, units};
-        if (Has(block, std::string_view(decade, 3))) return;
+        if (codes.Has(block, std::string_view(decade, 3))) return;
     }
     static constexpr std::string_view others[] = {"G00", "G101", "G102", "G103", "G04", "G93",
                                                   "G92", "G56", "G53", "M60",  "M50"};
     for (std::string_view word : others)
-        if (Has(block, word)) return;
+        if (codes.Has(block, word)) return;
     // The handler runs only with its code in the block, so one of the two forms is there.
     if (!ReplaceFirst(block, longForm, ProfileCode(code))) ReplaceFirst(block, shortForm, ProfileCode(code));
     codes.Build(block);

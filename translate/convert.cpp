@@ -605,6 +605,7 @@ void WordOrdering(std::string_view block, ValueReader& reader, std::string (&slo
     int current = 0;
     std::size_t runStart = 0;
     for (std::size_t i = 0; i < block.size(); ++i) {
+        if (block[i] < 'A' || block[i] > 'Z') continue;  // only a letter can start a group
         int next = OrderingSlot(block, i, current, reader);
         if (next != current) {
             slots[current].append(block.substr(runStart, i - runStart));
@@ -738,26 +739,24 @@ void BlockSkipMarks(std::string& block) {
 
 void CompletionSteps(ConvertState& state, std::string& block, const CompletionContext& context) {
     CodeIndex& codes = state.Codes;
-    auto has = [&](std::string_view word) { return codes.Has(block, word); };
-    auto hasAny = [&](std::initializer_list<std::string_view> words) {
-        for (std::string_view word : words)
-            if (codes.Has(block, word)) return true;
-        return false;
-    };
+    // (Each search of a constant code is inlined as the test of one bit.)
+    auto hasAny = [&](auto... words) { return (codes.Has(block, words) || ...); };
     auto changed = [&]() { codes.Build(block); };
     // 19. The block as it stands before the motion steps.
     state.BlockBeforeMotion = block;
     const std::string& before = state.BlockBeforeMotion;
+    // (Without "G10" it holds neither "G102" nor "G103": the index answers that for it now.)
+    const bool beforeHasG10 = codes.Has(block, "G10");
     const bool amada = context.Amada;
     const bool mainText = context.MainText;
     const bool bracket = context.Bracket;
     // 20. Cycles and repositioning end the modal moves.
-    if (hasAny({"G95", "G66", "G65", "G64", "G37", "G36", "G28", "G26"})) {
+    if (hasAny("G95", "G66", "G65", "G64", "G37", "G36", "G28", "G26")) {
         state.MotionMode = 0;
         state.ArcMode = 0;
     }
     // 21. Positioning at speed ends them too.
-    if (has("G00")) {
+    if (codes.Has(block, "G00")) {
         state.MotionMode = 0;
         state.ArcMode = 0;
         state.UnknownBlock = false;
@@ -765,7 +764,7 @@ void CompletionSteps(ConvertState& state, std::string& block, const CompletionCo
     // 22 to 24. Nibbling lines and arcs, given or modal: code, step and P6, P8. The AMADA
     // dialect has no nibbling codes G01 to G03: its linear and arc codes are profile moves.
     for (int code = 1; code <= 3 && !amada; ++code) {
-        bool given = code == 1 ? has("G01") : Has(before, MotionCode(code));
+        bool given = code == 1 ? codes.Has(block, "G01") : Has(before, MotionCode(code));
         if (!(given || (state.MotionMode == code && !bracket))) continue;
         ModalFillMotion(block, code, state);
         StepFill(block, state);
@@ -776,16 +775,16 @@ void CompletionSteps(ConvertState& state, std::string& block, const CompletionCo
     }
     // 25. Profile lines and arcs, given or modal.
     for (int code = 1; code <= 3; ++code) {
-        bool given = code == 1 ? has("G101") : Has(before, ArcCode(code));
+        bool given = code == 1 ? codes.Has(block, "G101") : beforeHasG10 && Has(before, ArcCode(code));
         if (!(given || state.ArcMode == code)) continue;
         ModalFillArc(block, code, state, context.Settings);
         changed();
         state.UnknownBlock = false;
     }
     // 26. Dwell.
-    if (has("G04")) state.UnknownBlock = false;
+    if (codes.Has(block, "G04")) state.UnknownBlock = false;
     // 27. The card's macro block gets its parameters (not in the AMADA dialect).
-    if (!amada && has("G06")) {
+    if (!amada && codes.Has(block, "G06")) {
         if (mainText) {
             ParameterFill(block, 11, 19, "-999");
             ParameterFill(block, 101, 110, "-999");
@@ -796,33 +795,33 @@ void CompletionSteps(ConvertState& state, std::string& block, const CompletionCo
         state.UnknownBlock = false;
     }
     // 28. Grid, arc and nibbling patterns get their cycle parameters.
-    if (has("G26")) {
+    if (codes.Has(block, "G26")) {
         ParameterFill(block, 1, 9, "-999");
         ParameterFill(block, 10, 11, "0");
         changed();
         state.UnknownBlock = false;
     }
-    if (has("G28")) {
+    if (codes.Has(block, "G28")) {
         ParameterFill(block, 1, 10, "-999");
         changed();
         state.UnknownBlock = false;
     }
-    if (has("G36")) {
+    if (codes.Has(block, "G36")) {
         StepFill(block, state);
         ParameterFill(block, 1, 9, "-999");
         ParameterFill(block, 10, 11, "0");
         changed();
         state.UnknownBlock = false;
     }
-    if (has("G37")) {
+    if (codes.Has(block, "G37")) {
         StepFill(block, state);
         ParameterFill(block, 1, 10, "-999");
         changed();
         state.UnknownBlock = false;
     }
     // 29. Circle and row of hits; the nibbled rectangle gets its step.
-    if (has("G64") || has("G66")) state.UnknownBlock = false;
-    if (has("G65")) {
+    if (codes.Has(block, "G64") || codes.Has(block, "G66")) state.UnknownBlock = false;
+    if (codes.Has(block, "G65")) {
         // The AMADA rectangle has its P8 from the G67 rewrite.
         if (!amada) {
             G65StepRule(block, state);
@@ -831,41 +830,41 @@ void CompletionSteps(ConvertState& state, std::string& block, const CompletionCo
         state.UnknownBlock = false;
     }
     // 30. Calls get their P10, the grid call its parameters.
-    if (has("G68") || has("G69")) {
+    if (codes.Has(block, "G68") || codes.Has(block, "G69")) {
         ParameterFill(block, 10, 10, "1");
         changed();
         state.UnknownBlock = false;
     }
-    if (has("G98")) {
+    if (codes.Has(block, "G98")) {
         ParameterFill(block, 1, 9, "-999");
         ParameterFill(block, 10, 11, "1");
         changed();
         state.UnknownBlock = false;
     }
     // 31. Codes that are known and need nothing more.
-    if (hasAny({"G53", "G56", "G92", "G93", "G72", "G80", "G81", "M60", "M50", "M03", "M04", "M05", "M06"}))
+    if (hasAny("G53", "G56", "G92", "G93", "G72", "G80", "G81", "M60", "M50", "M03", "M04", "M05", "M06"))
         state.UnknownBlock = false;
     // 32. Sheet reposition.
-    if (has("G95")) {
+    if (codes.Has(block, "G95")) {
         ParameterFill(block, 6, 6, "-999");
         changed();
         state.UnknownBlock = false;
     }
     // 33. Profiling mode on and off.
-    if (has("M100")) {
+    if (codes.Has(block, "M100")) {
         state.ProfilerMode = true;
         state.ArcMode = 0;
         state.MotionMode = 0;
         state.UnknownBlock = false;
     }
-    if (has("M101")) {
+    if (codes.Has(block, "M101")) {
         state.ProfilerMode = false;
         state.ArcMode = 0;
         state.MotionMode = 0;
         state.UnknownBlock = false;
     }
     // 34. A move without a hit.
-    if (has("G77")) {
+    if (codes.Has(block, "G77")) {
         G77Rule(block, state);
         changed();
         state.UnknownBlock = false;

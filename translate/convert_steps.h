@@ -40,9 +40,9 @@ private:
 class CodeIndex {
 public:
     void Build(std::string_view block);
-    bool Has(std::string_view block, std::string_view word) const {
-        // A three-character code is one bit: small enough to be inlined, and with a constant
-        // word the bit is a constant too. Everything else goes to HasOther.
+    // A three-character code is one bit: inlined everywhere, and with a constant word the bit
+    // is a constant too. Everything else goes to HasOther.
+    [[gnu::always_inline]] bool Has(std::string_view block, std::string_view word) const {
         if (word.size() == 3 && (word[0] == 'G' || word[0] == 'M')) {
             int bit = CodeBit(word[0], word[1], word[2]);
             if (bit >= 0) {
