@@ -475,6 +475,12 @@ Row FindRow(std::string_view block, std::string_view& source, const CodeIndex& c
                 {"G66", Row::G66}, {"G67", Row::G67}, {"G68", Row::G68}, {"G78", Row::G68}, {"G69", Row::G69},
                 {"G79", Row::G69}, {"G98", Row::G98}, {"G75", Row::G75}, {"G76", Row::G76}, {"W", Row::W},
                 {"G31", Row::G31}};
+    // A block without any "G" or "M" can only be a call.
+    if (codes.Empty()) {
+        if (!Has(block, 'W')) return Row::None;
+        source = "W";
+        return Row::W;
+    }
     for (const auto& row : rows) {
         if (codes.Has(block, row.Code)) {
             source = row.Code;

@@ -56,6 +56,9 @@ public:
         return HasOther(block, word);
     }
 
+    // No "G" or "M" in the block at all.
+    bool Empty() const { return count_ == 0; }
+
 private:
     // The bit of a three-character code "G" or "M" and two digits, or -1.
     static int CodeBit(char letter, char tens, char units) {

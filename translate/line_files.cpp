@@ -1,29 +1,49 @@
 #include "translate/line_files.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <sys/types.h>
 
 namespace kirvana {
 
-LineReader::LineReader(const std::string& path) : file_(std::fopen(path.c_str(), "rb")) {
-    // Large reads: the passes read whole work files line by line.
-    if (file_) std::setvbuf(file_, nullptr, _IOFBF, 1 << 16);
-}
+LineReader::LineReader(const std::string& path) : file_(std::fopen(path.c_str(), "rb")) {}
 
 LineReader::~LineReader() {
     if (file_) std::fclose(file_);
-    std::free(buffer_);
 }
 
 bool LineReader::Next(std::string_view& line) {
     if (!file_) return false;
-    ssize_t read = ::getline(&buffer_, &capacity_, file_);
-    if (read < 0) return false;
-    std::size_t length = static_cast<std::size_t>(read);
-    if (length > 0 && buffer_[length - 1] == '\n') --length;
-    if (length > 0 && buffer_[length - 1] == '\r') --length;
-    line = std::string_view(buffer_, length);
-    return true;
+    // The file is read in large blocks; a line is the text up to the next LF, and the last
+    // line may end without one.
+    constexpr std::size_t block = 1 << 16;
+    for (;;) {
+        const char* from = buffer_.data() + start_;
+        const std::size_t left = buffer_.size() - start_;
+        const char* lf = static_cast<const char*>(std::memchr(from, '\n', left));
+        std::size_t length;
+        if (lf != nullptr) {
+            length = static_cast<std::size_t>(lf - from);
+            start_ += length + 1;
+        } else if (end_) {
+            if (left == 0) return false;
+            length = left;
+            start_ += length;
+        } else {
+            // Keep the start of a line cut by the block, and read the next block behind it.
+            buffer_.erase(0, start_);
+            start_ = 0;
+            const std::size_t kept = buffer_.size();
+            buffer_.resize(kept + block);
+            const std::size_t read = std::fread(buffer_.data() + kept, 1, block, file_);
+            buffer_.resize(kept + read);
+            if (read == 0) end_ = true;
+            continue;
+        }
+        if (length > 0 && from[length - 1] == '\r') --length;
+        line = std::string_view(from, length);
+        return true;
+    }
 }
 
 LineWriter::LineWriter(const std::string& path) : file_(std::fopen(path.c_str(), "wb")) {

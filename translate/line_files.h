@@ -22,8 +22,9 @@ public:
 
 private:
     std::FILE* file_ = nullptr;
-    char* buffer_ = nullptr;
-    std::size_t capacity_ = 0;
+    std::string buffer_;     // text read from the file; what is not handed out yet starts at start_
+    std::size_t start_ = 0;
+    bool end_ = false;       // the file has nothing more to read
 };
 
 class LineWriter {
