@@ -41,7 +41,10 @@ public:
     bool Close();
 
 private:
+    void Flush();
+
     std::FILE* file_ = nullptr;
+    std::string pending_;  // lines not yet handed to the file
     bool failed_ = false;
 };
 
