@@ -73,7 +73,7 @@ std::vector<std::string> DescribeEntity(const EntityRec& rec) {
     if (!IsBlank(rec.BlockText)) lines.push_back("  block: " + Quoted(rec.BlockText));
     lines.push_back("  main block " + std::to_string(rec.MainBlock) + ", sub block " + std::to_string(rec.SubBlock) +
                     ", station no " + std::to_string(rec.StationNo));
-    if (!IsCleared(rec.CallSpec)) lines.push_back("  call spec: " + CallText(rec.CallSpec));
+    if (!IsCleared(rec.CallSpec)) lines.push_back("  call asked: " + CallText(rec.CallSpec));
     if (!IsCleared(rec.CallState)) lines.push_back("  call state: " + CallText(rec.CallState));
     const EntityPoints& p = rec.Points;
     lines.push_back("  start " + Point(p.Start) + ", middle " + Point(p.Middle) + ", end " + Point(p.End));

@@ -61,7 +61,7 @@ TEST(DescribeEntity, CallsValuesCountsAndOddBytes) {
     ASSERT_GE(lines.size(), 8u);
     EXPECT_EQ(lines[0], "  kind 230 \"Arc\\x01\", record no 0");
     EXPECT_EQ(lines[1], "  remark: \"a\\x5Cb\"");
-    EXPECT_EQ(lines[3], "  call spec: G68 S5 at (0, 0) pitch (0, 0) counts (0, 3) order 0 \"G68 S5 Q3\"");
+    EXPECT_EQ(lines[3], "  call asked: G68 S5 at (0, 0) pitch (0, 0) counts (0, 3) order 0 \"G68 S5 Q3\"");
     EXPECT_EQ(lines[6], "  values: 1=50 12=-22.5");
     EXPECT_EQ(lines[7], "  counts: 1=4 6=2");
     EXPECT_EQ(lines.back(), "  settings: none");
