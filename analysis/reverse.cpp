@@ -270,6 +270,11 @@ private:
     void TakePlasmaTool();
     void Append();
     void FinishPattern();
+    // An Arc Pattern entity begun with the tool, its centre, radius, first angle, sweep and step.
+    void BeginArcPattern(double centreX, double centreY, double radius, double first, double sweep, double step);
+    // The previous position takes the position, which moves to the point of the circle at the
+    // angle; the limits are checked there.
+    void MoveOnCircle(double centreX, double centreY, double radius, double angle);
     void CheckHits();
     void NibbleLine();
     void NibbleArc(bool g02);
@@ -993,6 +998,27 @@ void ReverseRun::Append() {
 }
 
 // The frame's ending for punches and patterns: written, counted, the hits checked.
+void ReverseRun::BeginArcPattern(double centreX, double centreY, double radius, double first, double sweep,
+                                 double step) {
+    BeginEntity(EntityKind::ArcPattern, "Arc Pattern");
+    TakeTool();
+    rec_.Points.Position = {ToSingle(centreX), ToSingle(centreY)};
+    rec_.Values[1] = ToSingle(radius);
+    rec_.Values[10] = ToSingle(first);
+    rec_.Values[11] = ToSingle(sweep);
+    rec_.Values[12] = ToSingle(step);
+}
+
+void ReverseRun::MoveOnCircle(double centreX, double centreY, double radius, double angle) {
+    S.PrevX = S.PosX;
+    S.PrevY = S.PosY;
+    double dx, dy;
+    PolarToXY(radius, angle, dx, dy);
+    S.PosX = ToSingle(centreX + dx);
+    S.PosY = ToSingle(centreY + dy);
+    CheckLimit(S.PosX, S.PosY);
+}
+
 void ReverseRun::FinishPattern() {
     Append();
     ProgramStats& stats = S.Stats;
@@ -1124,13 +1150,7 @@ void ReverseRun::NibbleArc(bool g02) {
     }
     if (!TakeTool()) return;
     double p10 = Value("P10=");
-    BeginEntity(EntityKind::ArcPattern, "Arc Pattern");
-    TakeTool();
-    rec_.Points.Position = {ToSingle(arc.CentreX), ToSingle(arc.CentreY)};
-    rec_.Values[1] = ToSingle(arc.Radius);
-    rec_.Values[10] = ToSingle(arc.StartAngle);
-    rec_.Values[11] = ToSingle(arc.Sweep);
-    rec_.Values[12] = ToSingle(arc.Sweep / (*hits - 1));
+    BeginArcPattern(arc.CentreX, arc.CentreY, arc.Radius, arc.StartAngle, arc.Sweep, arc.Sweep / (*hits - 1));
     // The last hit is drawn only when P10 says so.
     rec_.Counts[1] = p10 != Missing && p10 > 0 ? *hits : static_cast<std::int16_t>(*hits - 1);
     rec_.Counts[6] = 2;
@@ -1169,25 +1189,13 @@ void ReverseRun::CycleG64() {
     }
     // 5, 6. The entity.
     if (!TakeTool()) return;
-    BeginEntity(EntityKind::ArcPattern, "Arc Pattern");
-    TakeTool();
-    rec_.Points.Position = {ToSingle(centreX), ToSingle(centreY)};
-    rec_.Values[1] = ToSingle(radius);
-    rec_.Values[10] = ToSingle(first);
-    rec_.Values[11] = ToSingle(sweep);
-    rec_.Values[12] = ToSingle(step);
+    BeginArcPattern(centreX, centreY, radius, first, sweep, step);
     rec_.Counts[1] = std::max<std::int16_t>(hits, 0);
     rec_.Counts[6] = 2;
     // 7-9. Written, counted, each hit checked.
     FinishPattern();
     // 10. To the first hit on the circle.
-    S.PrevX = S.PosX;
-    S.PrevY = S.PosY;
-    double dx, dy;
-    PolarToXY(radius, first + sweep, dx, dy);
-    S.PosX = ToSingle(centreX + dx);
-    S.PosY = ToSingle(centreY + dy);
-    CheckLimit(S.PosX, S.PosY);
+    MoveOnCircle(centreX, centreY, radius, first + sweep);
 }
 
 // G28: an arc of hits around a centre given from the position or from the origin.
@@ -1232,13 +1240,7 @@ void ReverseRun::CycleG28() {
     case PatternCheck::Ok: break;
     }
     if (!TakeTool()) return;
-    BeginEntity(EntityKind::ArcPattern, "Arc Pattern");
-    TakeTool();
-    rec_.Points.Position = {ToSingle(centreX), ToSingle(centreY)};
-    rec_.Values[1] = ToSingle(r);
-    rec_.Values[10] = ToSingle(arc.P3);
-    rec_.Values[11] = ToSingle(arc.Sweep);
-    rec_.Values[12] = ToSingle(arc.P2);
+    BeginArcPattern(centreX, centreY, r, arc.P3, arc.Sweep, arc.P2);
     rec_.Counts[1] = arc.P1;
     // The tool turns with the pattern unless P10 is above 0.
     rec_.Counts[2] = p10 == Missing || p10 <= 0 ? True16 : 0;
@@ -1452,24 +1454,12 @@ void ReverseRun::CycleG37() {
     if (!TakeTool()) return;
     double centreX = S.MirrorX ? S.PosX - i : S.PosX + i;
     double centreY = S.MirrorY ? S.PosY - j : S.PosY + j;
-    BeginEntity(EntityKind::ArcPattern, "Arc Pattern");
-    TakeTool();
-    rec_.Points.Position = {ToSingle(centreX), ToSingle(centreY)};
-    rec_.Values[1] = ToSingle(r);
-    rec_.Values[10] = ToSingle(p5);
-    rec_.Values[11] = ToSingle(p1);
-    rec_.Values[12] = ToSingle(stepAngle);
+    BeginArcPattern(centreX, centreY, r, p5, p1, stepAngle);
     // The last hit is drawn only when P10 is above 0.
     rec_.Counts[1] = p10 != Missing && p10 > 0 ? *hits : static_cast<std::int16_t>(*hits - 1);
     rec_.Counts[6] = 2;
     FinishPattern();
-    S.PrevX = S.PosX;
-    S.PrevY = S.PosY;
-    double dx, dy;
-    PolarToXY(r, p5 + p1, dx, dy);
-    S.PosX = ToSingle(centreX + dx);
-    S.PosY = ToSingle(centreY + dy);
-    CheckLimit(S.PosX, S.PosY);
+    MoveOnCircle(centreX, centreY, r, p5 + p1);
 }
 
 // G65: a nibbled rectangle, side by side from the position, one row of hits per side.
