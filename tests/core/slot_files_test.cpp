@@ -11,11 +11,6 @@ using namespace kirvana;
 
 namespace {
 
-std::string Slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
 struct SlotFilesTest : ::testing::Test {
     TempDir dir;
     Process process;
@@ -39,16 +34,16 @@ TEST_F(SlotFilesTest, BlockNumberAloneHasARecordButNoWord) {
     EXPECT_EQ(c.SourceRecordCount, 1);
     EXPECT_EQ(c.MotionBlockCount, 0);
     EXPECT_EQ(c.MapWordCount, 0);
-    EXPECT_EQ(Slurp(dir.Path() + "Actvprg1.RA1"), "N10" + std::string(77, ' '));
-    EXPECT_EQ(Slurp(dir.Path() + "Actvprg1.RM1").size(), 240u);
-    EXPECT_EQ(Slurp(dir.Path() + "Actvprg1.W1"), "");
+    EXPECT_EQ(ReadFileText(dir.Path() + "Actvprg1.RA1"), "N10" + std::string(77, ' '));
+    EXPECT_EQ(ReadFileText(dir.Path() + "Actvprg1.RM1").size(), 240u);
+    EXPECT_EQ(ReadFileText(dir.Path() + "Actvprg1.W1"), "");
 }
 
 TEST_F(SlotFilesTest, EveryLetterIsAWordOfTheSameBlock) {
     SlotCounts c = Map("N10 G01 X5\n", "N0010 G01 X5\n");
     EXPECT_EQ(c.MapWordCount, 3);
     EXPECT_EQ(c.MotionBlockCount, 1);
-    EXPECT_EQ(Slurp(dir.Path() + "Actvprg1.W1"), std::string("\0\0\0\0\1\0\1\0\0\0\1\0\2\0\0\0\1\0", 18));
+    EXPECT_EQ(ReadFileText(dir.Path() + "Actvprg1.W1"), std::string("\0\0\0\0\1\0\1\0\0\0\1\0\2\0\0\0\1\0", 18));
 }
 
 TEST_F(SlotFilesTest, EmptyALinesAreSkippedAndAGoverns) {
@@ -57,7 +52,7 @@ TEST_F(SlotFilesTest, EmptyALinesAreSkippedAndAGoverns) {
     EXPECT_EQ(c.SourceRecordCount, 3);
     EXPECT_EQ(c.MotionBlockCount, 2);
     EXPECT_EQ(c.MapWordCount, 4);
-    std::string rm = Slurp(dir.Path() + "Actvprg1.RM1");
+    std::string rm = ReadFileText(dir.Path() + "Actvprg1.RM1");
     ASSERT_EQ(rm.size(), 720u);
     EXPECT_EQ(rm.substr(240, 11), "N0003 Y2 ;c");
     EXPECT_EQ(rm.substr(480), std::string(240, ' '));
@@ -108,12 +103,12 @@ TEST_F(SlotFilesTest, StatsAndBatchRoundTripAndMissingReadZero) {
     EXPECT_EQ(ReadSlotStats(d, 1).Hits, 0);
     EXPECT_EQ(ReadSlotBatch(d, 2)[4], 0);
     ASSERT_TRUE(WriteSlotStats(d, 1, SlotStats{1234, 5678.5f, 12.25f}));
-    EXPECT_EQ(Slurp(dir.Path() + "Actvprg1.sts"), "1234\n5678.5\n12.25\n******\n");
+    EXPECT_EQ(ReadFileText(dir.Path() + "Actvprg1.sts"), "1234\n5678.5\n12.25\n******\n");
     SlotStats s = ReadSlotStats(d, 1);
     EXPECT_EQ(s.Hits, 1234);
     EXPECT_FLOAT_EQ(s.Travel, 5678.5f);
     ASSERT_TRUE(WriteSlotBatch(d, 2, SlotBatch{4, 100, 25, 3, 0}));
-    EXPECT_EQ(Slurp(dir.Path() + "Actvprg2.btc"), "4\n100\n25\n3\n0\n******\n");
+    EXPECT_EQ(ReadFileText(dir.Path() + "Actvprg2.btc"), "4\n100\n25\n3\n0\n******\n");
     EXPECT_EQ(ReadSlotBatch(d, 2)[2], 25);
 }
 
@@ -127,7 +122,7 @@ TEST_F(SlotFilesTest, SlotConfigRoundTrip) {
     r.SourceDialect = 2;
     r.SlotLoadY = 1250.5f;
     ASSERT_TRUE(WriteSlotConfig(process.Config.Dirs, 1, r));
-    EXPECT_EQ(Slurp(dir.Path() + "Actvprg1.cfg"),
+    EXPECT_EQ(ReadFileText(dir.Path() + "Actvprg1.cfg"),
               "PLATE01\nDorvenis\n./Programs/Dorvenis/\n30,10,12\n4,2,3\n2\n1250.5\n******\n");
     SlotRecord back;
     ASSERT_TRUE(ReadSlotConfig(process.Config.Dirs, 1, back));

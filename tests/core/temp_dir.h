@@ -3,8 +3,11 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <string>
+#include <vector>
 
 namespace kirvana {
 
@@ -29,5 +32,20 @@ public:
 private:
     std::string path_;
 };
+
+// The whole text of a file, as bytes; "" when it can't be read.
+inline std::string ReadFileText(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+// The folders of a golden corpus, one case each, in name order.
+inline std::vector<std::filesystem::path> CaseFolders(const std::string& root) {
+    std::vector<std::filesystem::path> cases;
+    for (const auto& entry : std::filesystem::directory_iterator(root))
+        if (entry.is_directory()) cases.push_back(entry.path());
+    std::sort(cases.begin(), cases.end());
+    return cases;
+}
 
 }  // namespace kirvana

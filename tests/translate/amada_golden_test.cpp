@@ -19,21 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string ReadFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-std::vector<fs::path> Cases() {
-    std::vector<fs::path> cases;
-    for (const auto& entry : fs::directory_iterator(KIRVANA_AMADA_DATA))
-        if (entry.is_directory()) cases.push_back(entry.path());
-    std::sort(cases.begin(), cases.end());
-    return cases;
-}
-
 class AmadaGolden : public testing::TestWithParam<fs::path> {};
 
 TEST_P(AmadaGolden, ExpectedFiles) {
@@ -43,14 +28,14 @@ TEST_P(AmadaGolden, ExpectedFiles) {
     settings.AmadaMachine = true;
     settings.ServiceDir = dir.Path();
     settings.CurrentDir = dir.Path();
-    dir.Write("prog.org", ReadFile(folder / "prog.org"));
+    dir.Write("prog.org", ReadFileText(folder / "prog.org"));
     std::int16_t dialect = -1;
     ConvertResult result = ConvertProgram(dir.Path() + "prog.", dialect, settings);
     ASSERT_EQ(result.Status, ConvertStatus::Done);
     EXPECT_FALSE(result.IntegerOverflow);
-    EXPECT_EQ(std::to_string(dialect) + "\n", ReadFile(folder / "expected.dialect"));
+    EXPECT_EQ(std::to_string(dialect) + "\n", ReadFileText(folder / "expected.dialect"));
     for (const char* extension : {"A1", "A2", "sbs", "M1", "M2"}) {
-        EXPECT_EQ(ReadFile(dir.Path() + "prog." + extension), ReadFile(folder / (std::string("expected.") + extension)))
+        EXPECT_EQ(ReadFileText(dir.Path() + "prog." + extension), ReadFileText(folder / (std::string("expected.") + extension)))
             << folder.filename() << " " << extension;
     }
     // The Blend pass over the converted main text.
@@ -69,11 +54,11 @@ TEST_P(AmadaGolden, ExpectedFiles) {
     std::string name = folder.filename().string();
     std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     EXPECT_EQ(BlendProgram("Dorvenis", name, dir.Path() + "prog.", blend), 0);
-    EXPECT_EQ(ReadFile(dir.Path() + "prog.M1"), ReadFile(folder / "expected.blended"));
-    EXPECT_EQ(ReadFile(dir.Path() + "Blend.txt"), ReadFile(folder / "expected.Blend.txt"));
+    EXPECT_EQ(ReadFileText(dir.Path() + "prog.M1"), ReadFileText(folder / "expected.blended"));
+    EXPECT_EQ(ReadFileText(dir.Path() + "Blend.txt"), ReadFileText(folder / "expected.Blend.txt"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Corpus, AmadaGolden, testing::ValuesIn(Cases()),
+INSTANTIATE_TEST_SUITE_P(Corpus, AmadaGolden, testing::ValuesIn(CaseFolders(KIRVANA_AMADA_DATA)),
                          [](const testing::TestParamInfo<fs::path>& info) { return info.param.filename().string(); });
 
 }  // namespace

@@ -441,13 +441,6 @@ TEST(AmadaToolComments, DescriptionTexts) {
 namespace kirvana {
 namespace {
 
-std::string Slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 TEST(AmadaProgram, SplitsAtSWordsAndRenamesCallsInsideSubroutines) {
     TempDir dir;
     dir.Write("prog.org", "X1000Y1000\nW1\nM30\nS1\nW2\nS2\nX500\n");
@@ -457,12 +450,12 @@ TEST(AmadaProgram, SplitsAtSWordsAndRenamesCallsInsideSubroutines) {
     ConvertResult result = AmadaProgram(dir.Path() + "prog.", dialect, settings);
     EXPECT_EQ(result.Status, ConvertStatus::Done);
     EXPECT_EQ(dialect, 5);
-    EXPECT_EQ(Slurp(dir.Path() + "prog.A1"), "X1000Y1000\nW1\nM30\n");
-    EXPECT_EQ(Slurp(dir.Path() + "prog.A2"), "S1\nW2\n(ENDSUB)\nS2\nX500\n(ENDSUB)\n");
-    EXPECT_EQ(Slurp(dir.Path() + "prog.sbs"), "1, 1\n2, 2\n******\n");
-    EXPECT_EQ(Slurp(dir.Path() + "prog.M1"), "N0001 G81 X10.00 Y10.00\nN0002 P10=1 G68 Q0 S1 ; 1\nN0003 M30\n");
+    EXPECT_EQ(ReadFileText(dir.Path() + "prog.A1"), "X1000Y1000\nW1\nM30\n");
+    EXPECT_EQ(ReadFileText(dir.Path() + "prog.A2"), "S1\nW2\n(ENDSUB)\nS2\nX500\n(ENDSUB)\n");
+    EXPECT_EQ(ReadFileText(dir.Path() + "prog.sbs"), "1, 1\n2, 2\n******\n");
+    EXPECT_EQ(ReadFileText(dir.Path() + "prog.M1"), "N0001 G81 X10.00 Y10.00\nN0002 P10=1 G68 Q0 S1 ; 1\nN0003 M30\n");
     // The call's name goes behind the comment of the block before it ("1" of "S1").
-    EXPECT_EQ(Slurp(dir.Path() + "prog.M2"),
+    EXPECT_EQ(ReadFileText(dir.Path() + "prog.M2"),
               "N1000 ;1\nP10=1 G69 Q0 S2 ;12\nRETURN ;ENDSUB\nN2000 ;2\nG81 X5.00\nRETURN ;ENDSUB\n");
     EXPECT_FALSE(FileExists(dir.Path() + "prog.tmp"));
 }
@@ -478,7 +471,7 @@ TEST(AmadaProgram, ConvertProgramOnAnAmadaMachineRunsNoDetection) {
     EXPECT_EQ(ConvertProgram(dir.Path() + "prog.", dialect, settings).Status, ConvertStatus::Done);
     EXPECT_EQ(dialect, 5);
     // "!" is no comment mark here; the "N" of "NOTE" is the block's sequence word (count 0).
-    EXPECT_EQ(Slurp(dir.Path() + "prog.M1"), "N G81 X10.00! O E T\nN0001 M30\n");
+    EXPECT_EQ(ReadFileText(dir.Path() + "prog.M1"), "N G81 X10.00! O E T\nN0001 M30\n");
 }
 
 TEST(AmadaProgram, MissingProgramIsAFault) {

@@ -16,11 +16,6 @@ using namespace kirvana;
 
 namespace {
 
-std::string Slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
 struct Golden {
     const char* Name;
     const char* Program;
@@ -49,12 +44,12 @@ TEST_P(BlendGolden, MatchesTheHandWorkedFiles) {
     s.ServiceDir = dir.Path();
     s.Now = [] { return std::string("**"); };
     EXPECT_EQ(BlendProgram("Dorvenis", g.Program, dir.Path() + "Actvprg1.", s), g.Critical);
-    std::string written = Slurp(dir.Path() + (g.Critical == 0 ? "Actvprg1.M1" : "Blend.tmp"));
-    EXPECT_EQ(written, Slurp(data + ".out"));
+    std::string written = ReadFileText(dir.Path() + (g.Critical == 0 ? "Actvprg1.M1" : "Blend.tmp"));
+    EXPECT_EQ(written, ReadFileText(data + ".out"));
     if (g.Critical != 0) {
-        EXPECT_EQ(Slurp(dir.Path() + "Actvprg1.M1"), Slurp(data + ".M1"));
+        EXPECT_EQ(ReadFileText(dir.Path() + "Actvprg1.M1"), ReadFileText(data + ".M1"));
     }
-    EXPECT_EQ(Slurp(dir.Path() + "Blend.txt"), Slurp(data + ".txt"));
+    EXPECT_EQ(ReadFileText(dir.Path() + "Blend.txt"), ReadFileText(data + ".txt"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Corpus, BlendGolden,

@@ -16,21 +16,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string ReadFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-std::vector<fs::path> Cases() {
-    std::vector<fs::path> cases;
-    for (const auto& entry : fs::directory_iterator(KIRVANA_CONVERT_DATA))
-        if (entry.is_directory()) cases.push_back(entry.path());
-    std::sort(cases.begin(), cases.end());
-    return cases;
-}
-
 class ConvertGolden : public testing::TestWithParam<fs::path> {};
 
 TEST_P(ConvertGolden, ExpectedFiles) {
@@ -43,7 +28,7 @@ TEST_P(ConvertGolden, ExpectedFiles) {
         std::string name = entry.path().filename().string();
         if (name.starts_with("expected.")) continue;
         if (name == "machine") {
-            std::istringstream options(ReadFile(entry.path()));
+            std::istringstream options(ReadFileText(entry.path()));
             std::string option;
             while (options >> option) {
                 if (option == "SwapArcWords") settings.SwapArcWords = true;
@@ -54,19 +39,19 @@ TEST_P(ConvertGolden, ExpectedFiles) {
             }
             continue;
         }
-        dir.Write(name, ReadFile(entry.path()));
+        dir.Write(name, ReadFileText(entry.path()));
     }
     std::int16_t dialect = -1;
     ConvertResult result = ConvertProgram(dir.Path() + "prog.", dialect, settings);
     ASSERT_EQ(result.Status, ConvertStatus::Done);
-    EXPECT_EQ(std::to_string(dialect) + "\n", ReadFile(folder / "expected.dialect"));
+    EXPECT_EQ(std::to_string(dialect) + "\n", ReadFileText(folder / "expected.dialect"));
     for (const char* extension : {"A1", "A2", "sbs", "M1", "M2"}) {
-        EXPECT_EQ(ReadFile(dir.Path() + "prog." + extension), ReadFile(folder / (std::string("expected.") + extension)))
+        EXPECT_EQ(ReadFileText(dir.Path() + "prog." + extension), ReadFileText(folder / (std::string("expected.") + extension)))
             << folder.filename() << " " << extension;
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Corpus, ConvertGolden, testing::ValuesIn(Cases()),
+INSTANTIATE_TEST_SUITE_P(Corpus, ConvertGolden, testing::ValuesIn(CaseFolders(KIRVANA_CONVERT_DATA)),
                          [](const testing::TestParamInfo<fs::path>& info) { return info.param.filename().string(); });
 
 }  // namespace

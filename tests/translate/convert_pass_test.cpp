@@ -30,13 +30,6 @@ struct Blocks {
     }
 };
 
-std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 // ---- Program language ---------------------------------------------------------------------
 
 TEST(ProgramLanguage, G101IsNotG10AndG100Is) {
@@ -340,7 +333,7 @@ struct Program {
         Dir.Write("prog.org", org);
         return ConvertProgram(Dir.Path() + "prog. ", Dialect, Settings);
     }
-    std::string File(const char* extension) const { return ReadFile(Dir.Path() + "prog." + extension); }
+    std::string File(const char* extension) const { return ReadFileText(Dir.Path() + "prog." + extension); }
 };
 
 TEST(ConvertProgram, BangInLastLineOnlyGivesDialectZero) {
@@ -392,7 +385,7 @@ TEST(ConvertProgram, NotesEachFileOpenedForReading) {
     Program program;
     program.Run("X1\n");
     // The call fix reads "tmp" last.
-    EXPECT_EQ(ReadFile(program.Dir.Path() + "LastFile.txt"), program.Dir.Path() + "prog.tmp\n");
+    EXPECT_EQ(ReadFileText(program.Dir.Path() + "LastFile.txt"), program.Dir.Path() + "prog.tmp\n");
     EXPECT_FALSE(FileExists(program.Dir.Path() + "prog.tmp"));
 }
 
