@@ -8,7 +8,7 @@
 #include <thread>
 
 #include "controller/pmac_ethernet_link.h"
-#include "core/startup.h"
+#include "system/startup.h"
 
 namespace kirvana {
 

@@ -10,7 +10,7 @@
 #include <fstream>
 #include <string>
 
-#include "core/startup.h"
+#include "system/startup.h"
 
 using namespace kirvana;
 

@@ -14,8 +14,8 @@
 #include <unistd.h>
 
 #include "core/config.h"
-#include "core/slots.h"
-#include "core/startup.h"
+#include "system/slots.h"
+#include "system/startup.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::string_view rest(reinterpret_cast<const char*>(data), size);

@@ -7,7 +7,7 @@
 #include "controller/cardsim/card_simulator.h"
 #include "controller/pmac_ethernet_link.h"
 #include "core/paths.h"
-#include "core/startup.h"
+#include "system/startup.h"
 #include "tests/core/temp_dir.h"
 
 using namespace kirvana;

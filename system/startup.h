@@ -10,7 +10,7 @@
 #include "controller/controller_platform.h"
 #include "controller/conversation.h"
 #include "core/config.h"
-#include "core/slots.h"
+#include "system/slots.h"
 #include "tooling/tooling.h"
 
 namespace kirvana {

@@ -8,8 +8,8 @@
 #include "core/config.h"
 #include "core/number.h"
 #include "core/paths.h"
-#include "core/slots.h"
-#include "core/startup.h"
+#include "system/slots.h"
+#include "system/startup.h"
 #include "core/text.h"
 
 namespace kirvana {
