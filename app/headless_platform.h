@@ -25,7 +25,10 @@ public:
         return std::chrono::steady_clock::now() - splashStart_ >= std::chrono::milliseconds(splashMs_);
     }
     void StopSplashTimer() override {}
-    void ProcessEvents() override { std::this_thread::sleep_for(std::chrono::milliseconds(10)); }
+    // There are no events here: the pump only keeps the splash loop from spinning hot.
+    void ProcessEvents() override {
+        if (!SplashDone()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     void ShowMessageBox(const std::string& text, const std::string& title) override {
         std::fprintf(stderr, "%s: %s\n", title.c_str(), text.c_str());
     }
