@@ -8,11 +8,11 @@
 namespace kirvana::office {
 
 int Blend(const Args& args) {
-    const char* usage = "blend STEM --root ROOT --program NAME --directory DIR";
+    const char* usage = "blend STEM --root ROOT --program NAME --dir DIR";
     bool haveRoot = false, haveProgram = false, haveDirectory = false;
     std::string root = Option(args, "--root", &haveRoot);
     std::string program = Option(args, "--program", &haveProgram);
-    std::string directory = Option(args, "--directory", &haveDirectory);
+    std::string directory = Option(args, "--dir", &haveDirectory);
     if (args.size() != 7 || !haveRoot || !haveProgram || !haveDirectory || args[0].starts_with("--")) return Usage(usage);
     Directories dirs;
     MachineData machine;
@@ -22,7 +22,8 @@ int Blend(const Args& args) {
         std::fprintf(stderr, "cannot read %sM1\n", args[0].c_str());
         return 1;
     }
-    std::printf("%d\n", critical);
+    std::printf("critical errors: %d\n", critical);
+    if (critical != 0) std::fprintf(stderr, "refused: the errors are listed in %sBlend.txt\n", dirs.ServiceDir.c_str());
     return critical == 0 ? 0 : 1;
 }
 
