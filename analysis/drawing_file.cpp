@@ -178,7 +178,7 @@ void EncodeEntity(const EntityRec& rec, RecordBytes& bytes) {
     w.I16(ToolAt + ToolStationAt, t.Station);
     w.F32(ToolAt + ToolAngleAt, t.Angle);
     w.F32(ToolAt + ToolExtra1At, t.Extra1);
-    w.I32(ToolAt + ToolExtra2At, t.Extra2);
+    w.F32(ToolAt + ToolExtra2At, t.Extra2);
     w.I32(RecordNoAt, rec.RecordNo);
     w.I16(StationNoAt, rec.StationNo);
     for (std::size_t i = 0; i < SettingsSlots; ++i) w.F32(SettingsAt + 4 * i, rec.Settings[i]);
@@ -217,7 +217,7 @@ void DecodeEntity(const RecordBytes& bytes, EntityRec& rec) {
     t.Station = r.I16(ToolAt + ToolStationAt);
     t.Angle = r.F32(ToolAt + ToolAngleAt);
     t.Extra1 = r.F32(ToolAt + ToolExtra1At);
-    t.Extra2 = r.I32(ToolAt + ToolExtra2At);
+    t.Extra2 = r.F32(ToolAt + ToolExtra2At);
     rec.RecordNo = r.I32(RecordNoAt);
     rec.StationNo = r.I16(StationNoAt);
     for (std::size_t i = 0; i < SettingsSlots; ++i) rec.Settings[i] = r.F32(SettingsAt + 4 * i);

@@ -270,7 +270,8 @@ private:
     void TakePlasmaTool();
     void Append();
     void FinishPattern();
-    // An Arc Pattern entity begun with the tool, its centre, radius, first angle, sweep and step.
+    // An Arc Pattern entity begun with the tool, its centre, radius, first angle, sweep and step;
+// the tool turns with it when the block's P10 is absent or not positive.
     void BeginArcPattern(double centreX, double centreY, double radius, double first, double sweep, double step);
     // The previous position takes the position, which moves to the point of the circle at the
     // angle; the limits are checked there.
@@ -310,7 +311,7 @@ private:
     ReverseState S;
     ValueReader reader_{&S.Parameters};
     std::string line_;   // the block text: the line trimmed
-    std::string block_;  // the working block: no comment, no blanks, upper case
+    std::string block_;  // the working block: no comment, trimmed, upper case
     EntityRec rec_;      // the entity being built
     EntityRec sheet_;    // record 1
     bool stopped_ = false;
@@ -476,7 +477,9 @@ ReverseResult ReverseRun::Run() {
             blocksFull_ = true;
             Error(reverse_message::TooManyBlocks, true);
         }
-        block_ = StripBlanks(BeforeComment(line_));
+        // The block as it stands, blanks kept: codes are found by plain search in it, so that
+        // "M10 0" is no M100.
+        block_ = BeforeComment(line_);
         for (char& c : block_) c = UpperChar(c);
         IndexCodes();
         HandleBlock();
@@ -909,14 +912,14 @@ void ReverseRun::Conditional() {
         abort = tailAt != std::string::npos;
     }
     if (tailAt == std::string::npos) return;
-    std::string condition = block_.substr(ifAt + 2, tailAt - ifAt - 2);
+    std::string_view condition = Trim(std::string_view(block_).substr(ifAt + 2, tailAt - ifAt - 2));
     // Split at the first relation sign.
     std::size_t at = condition.find_first_of("=<>");
     if (at == std::string::npos) return;
     char relation = condition[at];
     bool negated = at > 0 && condition[at - 1] == '!';
-    std::string left = condition.substr(0, negated ? at - 1 : at);
-    std::string right = condition.substr(at + 1);
+    std::string left(Trim(condition.substr(0, negated ? at - 1 : at)));
+    std::string right(Trim(condition.substr(at + 1)));
     // Brackets around the whole condition.
     if (!left.empty() && left.front() == '(' && !right.empty() && right.back() == ')') {
         left.erase(0, 1);
@@ -937,7 +940,7 @@ void ReverseRun::Conditional() {
 
 void ReverseRun::Jump(std::string_view tail) {
     std::size_t start = 0;
-    while (start < tail.size() && (tail[start] == '(' || tail[start] == 'N')) ++start;
+    while (start < tail.size() && (tail[start] == '(' || tail[start] == 'N' || tail[start] == ' ')) ++start;
     auto target = TruncateToInt16(ToNumber(tail.substr(start)));
     Restart(S.Depth);
     if (!target) {
@@ -1007,6 +1010,9 @@ void ReverseRun::BeginArcPattern(double centreX, double centreY, double radius, 
     rec_.Values[10] = ToSingle(first);
     rec_.Values[11] = ToSingle(sweep);
     rec_.Values[12] = ToSingle(step);
+    // The tool turns with the pattern unless P10 is above 0.
+    double p10 = Value("P10=");
+    rec_.Counts[2] = p10 == Missing || p10 <= 0 ? True16 : 0;
 }
 
 void ReverseRun::MoveOnCircle(double centreX, double centreY, double radius, double angle) {
@@ -1149,10 +1155,9 @@ void ReverseRun::NibbleArc(bool g02) {
         return;
     }
     if (!TakeTool()) return;
-    double p10 = Value("P10=");
     BeginArcPattern(arc.CentreX, arc.CentreY, arc.Radius, arc.StartAngle, arc.Sweep, arc.Sweep / (*hits - 1));
-    // The last hit is drawn only when P10 says so.
-    rec_.Counts[1] = p10 != Missing && p10 > 0 ? *hits : static_cast<std::int16_t>(*hits - 1);
+    // Every hit, the last one too (only G37 leaves its last hit to P10).
+    rec_.Counts[1] = *hits;
     rec_.Counts[6] = 2;
     FinishPattern();
     S.PrevX = S.PosX;
@@ -1220,7 +1225,6 @@ void ReverseRun::CycleG28() {
     double p8 = value("P8=", Missing, true);
     std::int16_t p9 = Integer("P9=");
     bool stay = p9 != Missing && p9 != 0;
-    double p10 = Value("P10=");
     arc.MirrorX = S.MirrorX;
     arc.MirrorY = S.MirrorY;
     if (arc.P1 == 1) {
@@ -1242,8 +1246,6 @@ void ReverseRun::CycleG28() {
     if (!TakeTool()) return;
     BeginArcPattern(centreX, centreY, r, arc.P3, arc.Sweep, arc.P2);
     rec_.Counts[1] = arc.P1;
-    // The tool turns with the pattern unless P10 is above 0.
-    rec_.Counts[2] = p10 == Missing || p10 <= 0 ? True16 : 0;
     rec_.Counts[6] = 2;
     FinishPattern();
     // To the end of the arc, or back to its start.
@@ -1562,13 +1564,16 @@ void ReverseRun::Reposition() {
         double v = Length(key);
         return v == Missing ? 0.0 : v;
     };
-    double i = read("I"), j = read("J"), k = read("K");
+    double i = read("I"), j = read("J");
+    // K not set stays "not set" in the record.
+    double k = Length("K");
+    const bool kGiven = k != Missing;
     if (std::fabs(j) > 5) Error(reverse_message::ExcessiveBackoff, false);
-    if (std::fabs(k) > 5) Error(reverse_message::ExcessiveReturn, false);
+    if (kGiven && std::fabs(k) > 5) Error(reverse_message::ExcessiveReturn, false);
     if (S.MirrorX) i = 0 - i;
     if (S.MirrorY) {
         j = 0 - j;
-        k = 0 - k;
+        if (kGiven) k = 0 - k;
     }
     S.LimitXLow = ToSingle(S.LimitXLow - i);
     S.LimitXHigh = ToSingle(S.LimitXHigh - i);
@@ -1582,6 +1587,8 @@ void ReverseRun::Reposition() {
     Append();
     S.LastHitX = rec_.Points.Exit.X;
     S.LastHitY = rec_.Points.Exit.Y;
+    // The position against the shifted limits, at this block.
+    CheckLimit(S.PosX, S.PosY);
 }
 
 // G04: a dwell at the position, the time in X.

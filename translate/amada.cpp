@@ -120,10 +120,17 @@ std::string LengthText(double value) {
     return text;
 }
 
-// A word of a computed length or angle behind the words: the name, then the length.
+// A word of a computed length or angle behind the words: the name, then the length rounded
+// to 3 decimals (G28's polar values and the shear proof row).
 void AddLength(std::string& words, std::string_view name, double value) {
     words += name;
     words += LengthText(value);
+}
+
+// A word of a computed length as it was computed, in free format (G67, G68, G69).
+void AddValue(std::string& words, std::string_view name, double value) {
+    words += name;
+    words += FormatNumber(value, -1);
 }
 
 double Sign(double value) { return value > 0 ? 1.0 : value < 0 ? -1.0 : 0.0; }
@@ -540,10 +547,10 @@ void Rectangle(std::string& block, const AmadaState& amada, ValueReader& reader,
     double sideX = i - reachX;
     double sideY = j - reachY;
     double pitch = std::max(SidePitch(sideX, tool), SidePitch(sideY, tool));
-    AddLength(words, "X", lastX + reachX / 2);
-    AddLength(words, "Y", lastY + reachY / 2);
-    AddLength(words, "I", sideX);
-    AddLength(words, "J", sideY);
+    AddValue(words, "X", lastX + reachX / 2);
+    AddValue(words, "Y", lastY + reachY / 2);
+    AddValue(words, "I", sideX);
+    AddValue(words, "J", sideY);
     words += "P8=";
     words += FormatNumber(pitch, 0);
 }
@@ -561,8 +568,8 @@ void NibbleLine(std::string& block, const AmadaState& amada, ValueReader& reader
     PolarToXY(std::fabs(tool / 2), tool >= 0 ? angle + 90 : angle - 90, shiftX, shiftY);
     double lastX, lastY;
     LastPosition(amada, reader, lastX, lastY);
-    AddLength(words, "X", lastX + shiftX);
-    AddLength(words, "Y", lastY + shiftY);
+    AddValue(words, "X", lastX + shiftX);
+    AddValue(words, "Y", lastY + shiftY);
     if (hasLength) {
         words += "P1=";
         words += length;
@@ -573,8 +580,8 @@ void NibbleLine(std::string& block, const AmadaState& amada, ValueReader& reader
     }
     words += "P8=";
     words += FormatNumber(step, 0);
-    AddLength(words, "P10=", shiftX - 2);
-    AddLength(words, "P11=", shiftY - 2);
+    AddValue(words, "P10=", shiftX - 2);
+    AddValue(words, "P11=", shiftY - 2);
 }
 
 // G75 and G76: the subroutine over the stored grid, from the corner Q. The table knows the
@@ -627,10 +634,16 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
     std::string_view source;
     const Row row = FindRow(block, source, codes);
     if (row == Row::None) return false;
-    // The tail: from the first "T", else the first "M" (for a call from the first "M"). It is
-    // cut off, and the rest of the block is worked on in place.
-    std::size_t tailAt = row == Row::W ? npos : block.find('T');
-    if (tailAt == npos) tailAt = block.find('M');
+    // The tail: from the first "T", else the first "M"; for a call from the first "M" behind
+    // its "W", so that the call is made whatever stands in front of it. It is cut off, and the
+    // rest of the block is worked on in place.
+    std::size_t tailAt = npos;
+    if (row == Row::W) {
+        tailAt = block.find('M', block.find('W'));
+    } else {
+        tailAt = block.find('T');
+        if (tailAt == npos) tailAt = block.find('M');
+    }
     std::string tail;
     if (tailAt != npos) {
         tail.assign(block, tailAt);
@@ -703,7 +716,7 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
             double tool = TakeValue(rest, 'P');
             bool hasStep = TakeWord(rest, 'Q', step);
             words = "G37";
-            if (hasRadius) AddLength(words, "R", ToNumber(radius) + tool / 2);
+            if (hasRadius) AddValue(words, "R", ToNumber(radius) + tool / 2);
             if (hasAngle) {
                 words += "P5=";
                 words += angle;
@@ -745,7 +758,6 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
         case Row::W: {
             // A call as in the bracket dialect: what stands before the "W", the modal codes
             // behind it, then the call; the name goes to the comment.
-            // A "W" behind the first "M" is part of the tail: the call then has no name.
             std::size_t w = rest.find('W');
             std::string behind, name;
             if (w != npos) {
@@ -803,12 +815,10 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
         }
     }
     StripBlanksInPlace(block);
-    // 3. "A" stores the block (without its A word) as a macro, "B" replays one.
+    // 3. "A" leaves the block and stores what remains as a macro; "B" replays one.
     if (int store = MacroNumber(block, 'A', reader)) {
-        std::string stored = block;
-        std::size_t at = stored.find('A');
-        stored.erase(at, NumberEnd(stored, at) - at);
-        amada.MacroTable[static_cast<std::size_t>(store)] = stored;
+        DropWord(block, 'A');
+        amada.MacroTable[static_cast<std::size_t>(store)] = block;
     }
     if (int replay = MacroNumber(block, 'B', reader)) block = amada.MacroTable[static_cast<std::size_t>(replay)];
     // (The code index answers the searches for "G" and "M" codes; it is rebuilt after every

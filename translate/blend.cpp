@@ -357,7 +357,8 @@ void BlendPass::ProfileArc(const std::string& block, bool g103) {
         // 5, 6. Tangency with the arc's start direction, and the radius.
         double direction = sweep >= 0 ? NormaliseAngle(startAngle + 90) : NormaliseAngle(startAngle - 90);
         std::string mark = Tangent(direction) ? " B1 E" : " B0 E";
-        mark += FormatNumber(RoundHalfEven(Number(ToSingle(radius)), 3), -1);
+        // The radius as computed, rounded only as it is written.
+        mark += FormatNumber(RoundHalfEven(Number(radius), 3), -1);
         InsertMark(g103 ? "G103" : "G102", mark);
         // 7. This arc becomes the last move.
         ClearLastMove();

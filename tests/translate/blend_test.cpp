@@ -228,6 +228,14 @@ TEST_F(BlendTest, ArcAfterALineTangentially) {
     EXPECT_EQ(Run("N6 G101 X150 Y100"), "N6 G101 B1 X150 Y100");
 }
 
+TEST_F(BlendTest, ArcRadiusIsWrittenAsComputedRoundedOnlyThen) {
+    Profiling();
+    Run("N3 G00 X0 Y0");
+    // sqrt(I*I + J*J) is 111.89148: 111.891 to 3 decimals (narrowed to 32 bits first it would
+    // read 111.8915 and round to 111.892).
+    EXPECT_EQ(Run("N4 G102 X223.783 Y0 I111.89148 J0"), "N4 G102 B0 E111.891 X223.783 Y0 I111.89148 J0");
+}
+
 TEST_F(BlendTest, FullCircleSweepFollowsTheOrientation) {
     Profiling();
     Run("N3 G00 X100 Y100");
