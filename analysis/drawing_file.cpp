@@ -240,6 +240,7 @@ DrawingFile& DrawingFile::operator=(DrawingFile&& other) noexcept {
         position_ = std::exchange(other.position_, 0);
         seekNeeded_ = std::exchange(other.seekNeeded_, true);
         lastWasWrite_ = std::exchange(other.lastWasWrite_, false);
+        createdPath_ = std::exchange(other.createdPath_, std::string());
     }
     return *this;
 }
@@ -276,9 +277,11 @@ bool DrawingFile::Open(const std::string& path, bool readOnly) {
 
 bool DrawingFile::Create(const std::string& path) {
     Close();
-    std::remove(path.c_str());
-    file_ = std::fopen(path.c_str(), "w+b");
+    // Written beside the file and renamed over it at the close: an old file stays whole until
+    // the new one is.
+    file_ = std::fopen((path + ".tmp").c_str(), "w+b");
     if (!file_) return false;
+    createdPath_ = path;
     UseLargeBuffer();
     size_ = 0;
     seekNeeded_ = true;
@@ -296,6 +299,14 @@ DrawingFile DrawingFile::InMemory(std::string bytes) {
 bool DrawingFile::Close() {
     bool flushed = !file_ || std::fclose(file_) == 0;
     file_ = nullptr;
+    if (!createdPath_.empty()) {
+        const std::string temporary = createdPath_ + ".tmp";
+        if (!flushed || std::rename(temporary.c_str(), createdPath_.c_str()) != 0) {
+            flushed = false;
+            std::remove(temporary.c_str());
+        }
+        createdPath_.clear();
+    }
     inMemory_ = false;
     memory_.clear();
     size_ = 0;

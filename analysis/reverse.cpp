@@ -1763,25 +1763,31 @@ ReverseResult ReversePass(const std::string& stem, const std::string& programNam
                        (settings.Now ? settings.Now() : ReportTime()) + "\n";
     std::string body;
     ReverseResult result;
+    auto fileFault = [&](const std::string& file) {
+        result.Result = 1;
+        result.FileFault = true;
+        result.FaultFile = file;
+    };
     NoteFile(settings.ServiceDir, stem + "M1");
     auto m1 = ReadLines(stem + "M1");
     if (!m1) {
+        fileFault(stem + "M1");
+    } else if (!CheckWords(*m1)) {
+        // 4. Words the language doesn't know end the pass here, before the drawing exists.
         result.Result = 1;
-        result.FileFault = true;
+        result.WordsRejected = true;
     } else {
         auto m2 = ReadLines(stem + "M2");
         DrawingFile drawing;
         if (!drawing.Create(stem + "drw")) {
-            result.Result = 1;
-            result.FileFault = true;
+            fileFault(stem + "drw");
         } else {
             result = ReverseTexts(*m1, m2 ? *m2 : std::vector<std::string>{}, drawing, body, toolChanges, settings);
             if (!drawing.Close()) result.FileFault = true;
-            if (result.WordsRejected) std::remove((stem + "drw").c_str());
+            if (result.FileFault) result.FaultFile = stem + "drw";
         }
     }
-    std::ofstream out(reportPath, std::ios::binary | std::ios::trunc);
-    out << head << body;
+    if (!WriteFileText(reportPath, head + body) && !result.FileFault) fileFault(reportPath);
     return result;
 }
 

@@ -118,7 +118,8 @@ struct ReverseResult {
     std::int16_t CriticalCount = 0;
     bool WordsRejected = false;
     bool Stopped = false;        // the block bound was reached
-    bool FileFault = false;      // M1 missing, or the drawing could not be written
+    bool FileFault = false;      // M1 missing, or the drawing or the report could not be written
+    std::string FaultFile;       // with FileFault: the file
     std::int32_t Records = 0;    // records of the drawing, the Sheet included
     std::int64_t Blocks = 0;     // lines read, from M1 and from every repetition in M2
     ProgramStats Stats;
@@ -131,7 +132,8 @@ ReverseResult ReverseTexts(const std::vector<std::string>& m1, const std::vector
                            const ReverseSettings& settings);
 
 // The entry: reads stem + "M1" and stem + "M2", writes stem + "drw" and ServiceDir +
-// "Reverse.txt" (program name, directory and time in its head).
+// "Reverse.txt" (program name, directory and time in its head). When the words of M1 are
+// rejected the pass ends before the drawing is created: an older drawing stays.
 ReverseResult ReversePass(const std::string& stem, const std::string& programName, const std::string& directory,
                           std::int16_t& toolChanges, const ReverseSettings& settings);
 

@@ -16,8 +16,9 @@ int Usage(const char* line);
 // The value behind "--name" in the arguments, or "" when absent; `found` tells which.
 std::string Option(const Args& args, const std::string& name, bool* found = nullptr);
 bool Flag(const Args& args, const std::string& name);
-// The directories and Machine.dat of the installation at `root`, as the passes need them;
-// false (with the reason on stderr) when Machine.dat can't be read.
+// The directories and Machine.dat of the installation at `root`, as the passes need them; the
+// directories missing there are created as the start-up does. False (with the reason on
+// stderr) when a directory can't be created or Machine.dat can't be read.
 bool MachineAt(std::string root, Directories& dirs, MachineData& machine);
 
 int Start(const Args& args);

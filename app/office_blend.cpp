@@ -17,9 +17,10 @@ int Blend(const Args& args) {
     Directories dirs;
     MachineData machine;
     if (!MachineAt(root, dirs, machine)) return 1;
-    std::int16_t critical = BlendProgram(directory, program, args[0], BlendSettingsFrom(machine, dirs));
+    std::string fault;
+    std::int16_t critical = BlendProgram(directory, program, args[0], BlendSettingsFrom(machine, dirs), &fault);
     if (critical < 0) {
-        std::fprintf(stderr, "cannot read %sM1\n", args[0].c_str());
+        std::fprintf(stderr, "file fault: %s\n", fault.c_str());
         return 1;
     }
     std::printf("critical errors: %d\n", critical);

@@ -30,8 +30,12 @@ bool Flag(const Args& args, const std::string& name) {
 bool MachineAt(std::string root, Directories& dirs, MachineData& machine) {
     if (!root.empty() && root.back() != '/') root += '/';
     dirs.RootDir = root;
-    dirs.DataDir = root + "Data/";
-    dirs.ServiceDir = root + "Service/";
+    DeriveDirectories(dirs);
+    // The directories the start-up creates, so that the reports have their place.
+    if (auto fault = CreateInstallationDirs(dirs)) {
+        std::fprintf(stderr, "%s\n", fault->Message().c_str());
+        return false;
+    }
     if (auto fault = ReadMachineFiles(dirs, machine)) {
         std::fprintf(stderr, "%s\n", fault->Message().c_str());
         return false;

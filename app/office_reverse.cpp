@@ -22,7 +22,6 @@ int Reverse(const Args& args) {
     Directories dirs;
     MachineData machine;
     if (!MachineAt(root, dirs, machine)) return 1;
-    dirs.SettingsDir = dirs.RootDir + "Settings/";
     // The machine's turret, or the slot's own table beside the motion files.
     Tooling tooling;
     if (auto fault = ReadToolingData(dirs, machine, tooling)) {
@@ -37,7 +36,7 @@ int Reverse(const Args& args) {
     std::int16_t toolChanges = 0;
     ReverseResult result = ReversePass(stem, program, directory, toolChanges, settings);
     if (result.FileFault) {
-        std::fprintf(stderr, "cannot read %sM1 or write %sdrw\n", stem.c_str(), stem.c_str());
+        std::fprintf(stderr, "file fault: %s\n", result.FaultFile.c_str());
         return 1;
     }
     std::printf("critical errors: %d\nrecords: %d\n", result.Result, result.Records);

@@ -39,7 +39,11 @@ int Select(const Args& args) {
     if (haveSlot) process.Config.ActiveSlot = static_cast<std::int16_t>(slotText[0] - '0');
     SelectOutcome outcome = seat.Select(dir, program);
     if (outcome.Selected) {
-        WriteControlConfig(process.Config);
+        if (!WriteControlConfig(process.Config)) {
+            std::fprintf(stderr, "file fault: %sControl.cfg\n", process.Config.Dirs.RootDir.c_str());
+            seat.End();
+            return 1;
+        }
         PrintSlot(process.Config.ActiveSlot, process.Slots[process.Config.ActiveSlot - 1], true);
     } else {
         std::printf("Refused: %s\n", outcome.Warning.c_str());

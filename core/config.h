@@ -94,13 +94,20 @@ struct ConfigFault {
 };
 using ConfigResult = std::optional<ConfigFault>;
 
+// The directory names under RootDir.
+void DeriveDirectories(Directories& dirs);
+// Creates the directories of the installation under RootDir that are missing, in the order of
+// the start: PMAC, Messages, Messages/Help, Data, Settings, Service, RevSubs, Tools, Dialogue,
+// Dialogue/Reverse.
+ConfigResult CreateInstallationDirs(const Directories& dirs);
 // Reads Control.cfg from the current directory, derives and creates the directories,
 // settles the current program directory and writes Control.cfg back.
 ConfigResult ReadControlConfig(Installation& installation);
 // Writes the five lines of Control.cfg to RootDir.
-bool WriteControlConfig(const Installation& installation);
-// Makes a directory under the program root (or a whole path) the current program directory.
-void SetProgramDir(Installation& installation, const std::string& name);
+[[nodiscard]] bool WriteControlConfig(const Installation& installation);
+// Makes a directory under the program root (or a whole path) the current program directory;
+// false when Control.cfg cannot be written.
+[[nodiscard]] bool SetProgramDir(Installation& installation, const std::string& name);
 // Clears the machine values and reads Machine.dat, Westinghouse.cfg and Profiler.cfg.
 ConfigResult ReadMachineFiles(const Directories& dirs, MachineData& machine);
 // Reads IO.msg, then Logic.msg.

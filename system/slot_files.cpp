@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/config.h"
+#include "core/file_writer.h"
 #include "core/number.h"
 #include "core/paths.h"
 #include "system/slots.h"
@@ -63,10 +64,14 @@ void SetCommentMarks(SlotRecord& record, bool atStart) {
 }
 
 std::optional<SlotCounts> BuildBlockMap(const std::string& aFile, const std::string& mFile, const std::string& wFile,
-                                        const std::string& raFile, const std::string& rmFile) {
+                                        const std::string& raFile, const std::string& rmFile, std::string* fileFault) {
+    auto fault = [&](const std::string& file) -> std::optional<SlotCounts> {
+        if (fileFault) *fileFault = file;
+        return std::nullopt;
+    };
     std::ifstream a(aFile, std::ios::binary), m(mFile, std::ios::binary);
-    std::ofstream w(wFile, std::ios::binary | std::ios::trunc), ra(raFile, std::ios::binary | std::ios::trunc),
-        rm(rmFile, std::ios::binary | std::ios::trunc);
+    if (!a) return fault(aFile);
+    FileWriter w(wFile), ra(raFile), rm(rmFile);
     constexpr std::int32_t Most = 32767;  // records, blocks and words are numbered in 16 bits
     std::int32_t rec = 0, block = 0, word = 0;
     std::string aLine, mLine;
@@ -81,8 +86,8 @@ std::optional<SlotCounts> BuildBlockMap(const std::string& aFile, const std::str
         int count = CountBlockWords(mLine);
         if (rec == Most || (count > 0 && (block == Most || word + count > Most))) return std::nullopt;
         ++rec;
-        ra << Padded(aLine, 80);
-        rm << Padded(mLine, 240);
+        ra.WriteBytes(Padded(aLine, 80));
+        rm.WriteBytes(Padded(mLine, 240));
         if (count == 0) continue;
         ++block;
         for (int k = 0; k < count; ++k) {
@@ -91,9 +96,13 @@ std::optional<SlotCounts> BuildBlockMap(const std::string& aFile, const std::str
             PutWord(record, static_cast<std::int16_t>(word - 1));
             PutWord(record + 2, static_cast<std::int16_t>(block - 1));
             PutWord(record + 4, static_cast<std::int16_t>(rec));
-            w.write(record, sizeof record);
+            w.WriteBytes(std::string_view(record, sizeof record));
         }
     }
+    if (a.bad()) return fault(aFile);
+    if (m.bad()) return fault(mFile);
+    for (FileWriter* out : {&w, &ra, &rm})
+        if (!out->Close()) return fault(out->Path());
     return SlotCounts{static_cast<std::int16_t>(word), static_cast<std::int16_t>(block), static_cast<std::int16_t>(rec)};
 }
 
@@ -152,10 +161,11 @@ bool WriteSlotConfig(const Directories& dirs, int slot, const SlotRecord& r) {
                        IntegerText(r.SourceDialect), FormatNumber(r.SlotLoadY, -1), EndMarker});
 }
 
-bool ReadSlotConfig(const Directories& dirs, int slot, SlotRecord& r) {
+bool ReadSlotConfig(const Directories& dirs, int slot, SlotRecord& r, bool* unreadable) {
     const std::string path = SlotFile(dirs, slot, "cfg");
     NoteFile(dirs.ServiceDir, path);
     auto lines = ReadLines(path);
+    if (!lines && unreadable) *unreadable = FileExists(path);
     if (!lines || lines->size() < 7) return false;
     const auto& l = *lines;
     r.ProgramName = std::string(Trim(l[0]));

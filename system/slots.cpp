@@ -67,29 +67,26 @@ PlasmaBlock PlasmaBlockOf(const PlasmaSetting& s) {
     return block;
 }
 
-// Copies the program to the slot's `.org`: every line trimmed, empty lines left out.
-bool CopyProgram(const Directories& dirs, const std::string& program, const std::string& org) {
-    NoteFile(dirs.ServiceDir, program);
-    auto lines = ReadLines(program);
-    if (!lines) return false;
+// Copies the program to the slot's `.org` through "Temp.org": every line trimmed, empty lines
+// left out. The file that could not be written, or "" when done.
+std::string CopyProgram(const Directories& dirs, const std::vector<std::string>& lines, const std::string& org) {
     std::vector<std::string> kept;
-    for (const std::string& line : *lines) {
+    for (const std::string& line : lines) {
         std::string_view text = Trim(line);
         if (!text.empty()) kept.emplace_back(text);
     }
     const std::string temporary = dirs.RootDir + "Temp.org";
-    if (!WriteLines(temporary, kept)) return false;
+    if (!WriteLines(temporary, kept)) return temporary;
+    if (MoveFileOver(temporary, org)) return {};
     std::error_code error;
-    fs::remove(org, error);
-    fs::rename(temporary, org, error);
-    return !error;
+    fs::remove(temporary, error);
+    return org;
 }
 
 // For a plasma profiler of kind 2: the program's `.pls` (made from the default set when it
-// has none) becomes the slot's.
-void CopyPlasmaSettings(const Directories& dirs, const std::string& programStem, const std::string& slotStem) {
+// has none) becomes the slot's. The file that could not be written, or "" when done.
+std::string CopyPlasmaSettings(const Directories& dirs, const std::string& programStem, const std::string& slotStem) {
     const std::string pls = programStem + ".pls";
-    std::error_code error;
     if (!FileExists(pls)) {
         std::string source = dirs.SettingsDir + "Default.pls";
         if (!FileExists(source)) {
@@ -101,9 +98,10 @@ void CopyPlasmaSettings(const Directories& dirs, const std::string& programStem,
                 }
             }
         }
-        if (!source.empty()) fs::copy_file(source, pls, fs::copy_options::overwrite_existing, error);
+        if (!source.empty() && !CopyFileOver(source, pls)) return pls;
     }
-    if (FileExists(pls)) fs::copy_file(pls, slotStem + "pls", fs::copy_options::overwrite_existing, error);
+    if (FileExists(pls) && !CopyFileOver(pls, slotStem + "pls")) return slotStem + "pls";
+    return {};
 }
 
 void ReadSlotPlasma(const std::string& slotStem, SlotRecord& record) {
@@ -112,9 +110,8 @@ void ReadSlotPlasma(const std::string& slotStem, SlotRecord& record) {
     LoadPlasmaSetting(slotStem + "pls", description, record.PlasmaSettings);
 }
 
-// The Reverse pass on the slot: the drawing, "Reverse.txt" and the statistics. Non-zero bars
-// the program.
-std::int16_t ReverseSlot(Process& process, int slot, const std::string& stem, SlotRecord& record) {
+// The Reverse pass on the slot: the drawing, "Reverse.txt" and the statistics.
+ReverseResult ReverseSlot(Process& process, int slot, const std::string& stem, SlotRecord& record) {
     ReverseSettings settings = ReverseSettingsFrom(process.Config.Machine, process.Config.Dirs,
                                                    SlotTable(process.Tools, slot), MachinePlasmaTool(process.Tools));
     if (FileExists(stem + "pls")) {
@@ -127,7 +124,7 @@ std::int16_t ReverseSlot(Process& process, int slot, const std::string& stem, Sl
     std::int16_t toolChanges = 0;
     ReverseResult result = ReversePass(stem, record.ProgramName, record.ProgramDirName, toolChanges, settings);
     record.Stats = SlotStats{result.Stats.Hits, result.Stats.Travel, result.Stats.CutLength};
-    return result.Result;
+    return result;
 }
 
 }  // namespace
@@ -203,47 +200,63 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
         ClearSlot(process, slot);
         return refuse(text);
     };
+    // A file that cannot be read or written refuses the selection as a failed pass does.
+    auto fileFault = [&](const std::string& file) { return fail(record.ProgramName + "\n\nFile Fault : " + file); };
     // 8. The cleaned source in the slot.
-    if (!CopyProgram(dirs, programPath, stem + "org")) return fail(record.ProgramName + "\n\nCan Not Be Read !");
+    NoteFile(dirs.ServiceDir, programPath);
+    auto source = ReadLines(programPath);
+    if (!source) return fail(record.ProgramName + "\n\nCan Not Be Read !");
+    if (std::string file = CopyProgram(dirs, *source, stem + "org"); !file.empty()) return fileFault(file);
     // 9. The plasma settings for a profiler of kind 2.
-    if (machine.ProfilerKind == 2) CopyPlasmaSettings(dirs, programStem, stem);
+    if (machine.ProfilerKind == 2) {
+        if (std::string file = CopyPlasmaSettings(dirs, programStem, stem); !file.empty()) return fileFault(file);
+    }
     // 10. Translation; the comment marks by dialect.
     ConvertResult converted = ConvertProgram(stem, record.SourceDialect, ConvertSettingsFrom(machine, dirs));
+    if (converted.Status == ConvertStatus::FileFault) return fileFault(converted.Fault);
     if (converted.Status != ConvertStatus::Done) return fail(record.ProgramName + "\n\n" + ConvertStatusText(converted.Status));
     SetCommentMarks(record, false);
     // 11. The Blend pass; 12. the Reverse pass judges.
-    BlendProgram(record.ProgramDirName, record.ProgramName, stem, BlendSettingsFrom(machine, dirs));
-    if (ReverseSlot(process, slot, stem, record) > 0)
-        return fail(record.ProgramName + "\n\nCan Not Be Selected Due To Errors in Code !");
+    std::string blendFault;
+    if (BlendProgram(record.ProgramDirName, record.ProgramName, stem, BlendSettingsFrom(machine, dirs), &blendFault) < 0)
+        return fileFault(blendFault);
+    ReverseResult reversed = ReverseSlot(process, slot, stem, record);
+    if (reversed.FileFault) return fileFault(reversed.FaultFile);
+    if (reversed.Result > 0) return fail(record.ProgramName + "\n\nCan Not Be Selected Due To Errors in Code !");
     // 13. Sheet and clamps from the drawing.
     ReadSheetRecord(stem, record);
     // 14. The hits, with a turret.
     record.ExpandedFilePath = stem + "dr1";
     if (machine.HasTurret) {
-        ExpandDrawing(stem);
+        if (!ExpandDrawing(stem).Done) return fileFault(stem + "dr1");
         record.HitFileRecords = HitFileRecords(stem);
     }
     if (record.ActiveStation < 1) record.ActiveStation = 1;
     // 15, 16. The maps of the card's program counter.
-    auto main = BuildBlockMap(stem + "A1", stem + "M1", stem + "W1", stem + "RA1", stem + "RM1");
-    auto subroutines = BuildBlockMap(stem + "A2", stem + "M2", stem + "W2", stem + "RA2", stem + "RM2");
+    std::string mapFault;
+    auto main = BuildBlockMap(stem + "A1", stem + "M1", stem + "W1", stem + "RA1", stem + "RM1", &mapFault);
+    std::optional<SlotCounts> subroutines;
+    if (main) subroutines = BuildBlockMap(stem + "A2", stem + "M2", stem + "W2", stem + "RA2", stem + "RM2", &mapFault);
+    if (!mapFault.empty()) return fileFault(mapFault);
     if (!main || !subroutines) return fail(record.ProgramName + "\n\nIs Too Large To Be Selected !");
     record.Counts = {*main, *subroutines};
     // 17. The slot's description.
-    WriteSlotConfig(dirs, slot, record);
+    if (!WriteSlotConfig(dirs, slot, record)) return fileFault(stem + "cfg");
     // 18. The turret table and the program's settings.
     if (machine.HasTurret) {
         StationTable& table = SlotTable(process.Tools, slot);
         CopyMachineTable(process.Tools, slot);
         if (FileExists(programStem + ".stg")) ReadProgramSettings(programStem + ".stg", table, dirs.ServiceDir);
-        WriteProgramTurret(stem + "trt", table, ProgramTurret{record.ProgramStatsUsed ? TrueWord : FalseWord, record.ActiveStation});
-        WriteProgramSettings(programStem + ".stg", table);
+        if (!WriteProgramTurret(stem + "trt", table,
+                                ProgramTurret{record.ProgramStatsUsed ? TrueWord : FalseWord, record.ActiveStation}))
+            return fileFault(stem + "trt");
+        if (!WriteProgramSettings(programStem + ".stg", table)) return fileFault(programStem + ".stg");
     }
     // 19. The plasma settings.
     if (machine.ProfilerKind == 2 && FileExists(stem + "pls")) ReadSlotPlasma(stem, record);
     // 20. Statistics and batch.
-    WriteSlotStats(dirs, slot, record.Stats);
-    WriteSlotBatch(dirs, slot, record.Batch);
+    if (!WriteSlotStats(dirs, slot, record.Stats)) return fileFault(stem + "sts");
+    if (!WriteSlotBatch(dirs, slot, record.Batch)) return fileFault(stem + "btc");
     record.Present = true;
     // 22. The card's hit counter starts anew.
     Conversation talk = Talk(process, platform, link);
@@ -262,18 +275,40 @@ void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link
     for (int slot = 1; slot <= 2; ++slot) {
         SlotRecord& record = process.Slots[slot - 1];
         const std::string stem = SlotStem(dirs, slot);
-        // 2. An incomplete file set empties the slot silently.
+        // 2. An incomplete file set empties the slot silently. A file that is there but cannot
+        // be read is a fault of the disk, not a missing file: the slot stays empty in memory,
+        // its files are kept, and the operator is told.
+        auto unreadable = [&](const std::string& file) {
+            record = SlotRecord{};
+            record.SlotLoadY = machine.LoadPositionY;
+            ClearPlasmaSetting(record.PlasmaSettings);
+            if (machine.HasTurret) CopyMachineTable(process.Tools, slot);
+            platform.ShowWarning(file + " Can Not Be Read !\n\nSlot " + std::to_string(slot) +
+                                 " Is Left Empty, Its Files Are Kept");
+        };
         bool complete = true;
-        for (const char* extension : {"cfg", "drw", "M1", "RA1"}) complete = complete && FileExists(stem + extension);
+        std::string faulty;
+        for (const char* extension : {"cfg", "drw", "M1", "RA1"}) {
+            std::error_code error;
+            fs::file_status status = fs::status(stem + extension, error);
+            if (status.type() == fs::file_type::not_found) complete = false;
+            else if (faulty.empty() && (error || status.type() != fs::file_type::regular)) faulty = stem + extension;
+        }
         if (!complete) {
             ClearSlot(process, slot);
+            continue;
+        }
+        if (!faulty.empty()) {
+            unreadable(faulty);
             continue;
         }
         // 1, 3. The description.
         record = SlotRecord{};
         record.ExpandedFilePath = stem + "dr1";
-        if (!ReadSlotConfig(dirs, slot, record)) {
-            ClearSlot(process, slot);
+        bool cfgUnreadable = false;
+        if (!ReadSlotConfig(dirs, slot, record, &cfgUnreadable)) {
+            if (cfgUnreadable) unreadable(stem + "cfg");
+            else ClearSlot(process, slot);
             continue;
         }
         record.Present = true;
@@ -308,7 +343,8 @@ void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link
     if (process.Config.ActiveSlot != 1 && process.Config.ActiveSlot != 2) process.Config.ActiveSlot = 1;
     SendSlotBlocks(process, platform, link);
     const SlotRecord& active = process.Slots[process.Config.ActiveSlot - 1];
-    if (!active.ProgramDirName.empty()) SetProgramDir(process.Config, active.ProgramDirName);
+    // Main writes Control.cfg next and reports there a file that cannot be written.
+    if (!active.ProgramDirName.empty()) (void)SetProgramDir(process.Config, active.ProgramDirName);
 }
 
 }  // namespace kirvana

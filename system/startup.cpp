@@ -96,7 +96,8 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
     // 12. The active slots: the first download of motion programs.
     LoadActiveSlots(process, platform, link);
     // 13. Control.cfg with the active slot now settled.
-    WriteControlConfig(config);
+    if (!WriteControlConfig(config))
+        return {StartOutcome::Kind::ConfigurationFault, ConfigFault{config.Dirs.RootDir + "Control.cfg", "cannot be written"}};
     // 14. The active slot to the card.
     talk.Download("M811=" + std::to_string(config.ActiveSlot));
     // 15. Dialogue work program, serial settings, receiving files.

@@ -1067,10 +1067,10 @@ struct Run {
 
     // The splitter's outputs: main text, subroutine text, subroutine table.
     struct SplitFiles {
-        LineWriter A1, A2, Sbs;
+        FileWriter A1, A2, Sbs;
         std::int16_t Count = 0;
         bool ToA2 = false;
-        LineWriter& Current() { return ToA2 ? A2 : A1; }
+        FileWriter& Current() { return ToA2 ? A2 : A1; }
     };
 
     // Dialects 0 and 1: "(ID,PSUB," to "(END,PSUB" (and GSUB) go to A2; a "(GSUB," call of a
@@ -1128,9 +1128,9 @@ struct Run {
         NoteFile(Settings.ServiceDir, org);
         LineReader in(org);
         if (!in.IsOpen()) return Fail(ConvertStatus::MissingProgram, org);
-        SplitFiles files{LineWriter(File("A1")), LineWriter(File("A2")), LineWriter(File("sbs"))};
-        if (!files.A1.IsOpen() || !files.A2.IsOpen() || !files.Sbs.IsOpen())
-            return Fail(ConvertStatus::FileFault, File("A1"));
+        SplitFiles files{FileWriter(File("A1")), FileWriter(File("A2")), FileWriter(File("sbs"))};
+        for (const FileWriter* out : {&files.A1, &files.A2, &files.Sbs})
+            if (!out->IsOpen()) return Fail(ConvertStatus::FileFault, out->Path());
         long lineNumber = 0;
         std::string_view raw;
         while (in.Next(raw)) {
@@ -1141,7 +1141,8 @@ struct Run {
         }
         if (bracket && files.Count >= 1 && files.ToA2) files.A2.Write("(ENDSUB)");
         files.Sbs.Write(EndMarker);
-        if (!files.A1.Close() || !files.A2.Close() || !files.Sbs.Close()) return Fail(ConvertStatus::FileFault, File("A1"));
+        for (FileWriter* out : {&files.A1, &files.A2, &files.Sbs})
+            if (!out->Close()) return Fail(ConvertStatus::FileFault, out->Path());
         return true;
     }
 
@@ -1168,7 +1169,7 @@ struct Run {
         NoteFile(Settings.ServiceDir, source);
         LineReader in(source);
         if (!in.IsOpen()) return Fail(ConvertStatus::FileFault, source);
-        LineWriter out(File(to));
+        FileWriter out(File(to));
         if (!out.IsOpen()) return Fail(ConvertStatus::FileFault, File(to));
         StartBlockPass(State, pass);
         long lineNumber = 0;
@@ -1188,7 +1189,7 @@ struct Run {
         NoteFile(Settings.ServiceDir, from);
         LineReader in(from);
         if (!in.IsOpen()) return Fail(ConvertStatus::FileFault, from);
-        LineWriter out(to);
+        FileWriter out(to);
         if (!out.IsOpen()) return Fail(ConvertStatus::FileFault, to);
         std::string text;
         std::string_view line;
@@ -1203,9 +1204,8 @@ struct Run {
 
     bool CallFix() {
         const std::string m2 = File("M2"), tmp = File("tmp");
-        if (!CopyLines(m2, tmp, true)) return false;
-        std::remove(m2.c_str());
-        if (!CopyLines(tmp, m2, false)) return false;
+        // The copy back is written beside M2 and renamed over it: M2 is never missing.
+        if (!CopyLines(m2, tmp, true) || !CopyLines(tmp, m2, false)) return false;
         std::remove(tmp.c_str());
         return true;
     }

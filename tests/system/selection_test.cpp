@@ -158,7 +158,7 @@ TEST_F(SelectionTest, SlotsSurviveARestart) {
         ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01").Selected);
         p.Config.ActiveSlot = 2;
         ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "COVER02").Selected);
-        WriteControlConfig(p.Config);
+        ASSERT_TRUE(WriteControlConfig(p.Config));
     }
     Process again;
     Start(again);
@@ -229,7 +229,7 @@ TEST_F(SelectionTest, EndToEndWithTheSimulatedCard) {
     p.Config.ActiveSlot = 2;
     ASSERT_TRUE(SelectProgram(p, platform_, &link, "Dorvenis", "COVER02").Selected);
     EXPECT_FALSE(sim.Program(2).empty());
-    WriteControlConfig(p.Config);
+    ASSERT_TRUE(WriteControlConfig(p.Config));
     link.SetEnabled(false);  // the first process has ended
     sim.ClearReceived();
     PmacEthernetLink again(CardAddress{"127.0.0.1", sim.Port()}, 1000);
