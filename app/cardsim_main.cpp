@@ -1,6 +1,6 @@
 // kirvana-cardsim: the card simulator for people. It listens on loopback and takes text
 // commands on standard input to set variables, raise status bits, set the station, step the
-// hit counter or hold an answer back.
+// hit counter, hold answers back, drop the connection or reject lines.
 #include <cstdio>
 #include <cstring>
 #include <iostream>

@@ -73,6 +73,7 @@ public:
     // The operator's shutdown, without powering off.
     void End();
     Conversation Talk();
+    CardLink& Link() { return link_; }
 
     Process State;
 

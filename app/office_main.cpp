@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "app/office.h"
+#include "core/names.h"
 
 namespace kirvana::office {
 
@@ -25,6 +26,18 @@ bool Flag(const Args& args, const std::string& name) {
     for (const auto& a : args)
         if (a == name) return true;
     return false;
+}
+
+void PrintCardFault(const std::string& lead, const CardFault& fault) {
+    std::printf("%s card fault %d: %s\n", lead.c_str(), fault.Number, fault.Description.c_str());
+}
+
+bool NamesAcceptable(const std::string& directory, const std::string& program) {
+    const char* refusal = !AcceptableName(directory) ? InvalidDirectoryName
+                          : !AcceptableName(program) ? InvalidProgramName
+                                                     : nullptr;
+    if (refusal) std::fprintf(stderr, "%s\n", refusal);
+    return refusal == nullptr;
 }
 
 bool MachineAt(std::string root, Directories& dirs, MachineData& machine) {

@@ -44,12 +44,14 @@ int Select(const Args& args) {
             seat.End();
             return 1;
         }
+        // The slot holds the program, but the card may still hold the former one.
+        if (outcome.Fault) PrintCardFault("Download failed:", *outcome.Fault);
         PrintSlot(process.Config.ActiveSlot, process.Slots[process.Config.ActiveSlot - 1], true);
     } else {
         std::printf("Refused: %s\n", outcome.Warning.c_str());
     }
     seat.End();
-    return outcome.Selected ? 0 : 1;
+    return !outcome.Selected ? 1 : outcome.Fault ? CardFaultExit : 0;
 }
 
 int Slots(const Args& args) {

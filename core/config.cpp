@@ -272,7 +272,7 @@ ConfigResult ReadCardSetup(const Directories& dirs, CardSetup& card) {
     const std::string pmac = dirs.RootDir + "PMAC.cfg";
     if (ReadOptional(dirs, pmac, lines)) {
         std::size_t count = 0;
-        while (count < lines.size() && count < 5 && Trim(lines[count]) != EndMarker) ++count;
+        while (count < lines.size() && count < 6 && Trim(lines[count]) != EndMarker) ++count;
         auto whole = [&](std::size_t i, std::int32_t& value) {
             auto rounded = RoundToInt32(ToNumber(ConfigValue(lines[i])));
             if (rounded) value = *rounded;
@@ -289,6 +289,10 @@ ConfigResult ReadCardSetup(const Directories& dirs, CardSetup& card) {
         }
         if (count > 3 && !whole(3, card.PollRestartDelayMs)) return OutOfRange(pmac, 3);
         if (count > 4) card.CardAddressLine = std::string(Trim(lines[4]));
+        if (count > 5) {
+            if (!whole(5, card.OperationDeadlineMs)) return OutOfRange(pmac, 5);
+            if (card.OperationDeadlineMs <= 0) card.OperationDeadlineMs = DefaultOperationDeadlineMs;
+        }
     }
     if (card.PollRestartDelayMs < card.PollIntervalMs) card.PollRestartDelayMs = card.PollIntervalMs;
     return std::nullopt;

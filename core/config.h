@@ -64,6 +64,9 @@ struct MessageTables {
     std::array<std::string, 32> LogicMessages;
 };
 
+// The deadline of a long card operation when PMAC.cfg gives none (or one of 0 or less).
+inline constexpr std::int32_t DefaultOperationDeadlineMs = 30000;
+
 // Control.cnc and PMAC.cfg.
 struct CardSetup {
     bool CardInUse = true;
@@ -74,6 +77,9 @@ struct CardSetup {
     std::int32_t PollRestartDelayMs = 0;
     // PMAC.cfg line 5, "label: host[:port]": where the card is reached; empty for the default.
     std::string CardAddressLine;
+    // PMAC.cfg line 6: how long one long card operation (a selection's download, a run of the
+    // office seat's card command) may take in all before it fails as a card fault.
+    std::int32_t OperationDeadlineMs = DefaultOperationDeadlineMs;
 };
 
 // What the installation's files say: one record, owned by the process.

@@ -7,6 +7,7 @@
 #include "analysis/expand.h"
 #include "analysis/reverse.h"
 #include "controller/download.h"
+#include "core/names.h"
 #include "core/number.h"
 #include "core/paths.h"
 #include "system/slots.h"
@@ -175,11 +176,12 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     std::string directory(Trim(directoryName)), name(Trim(programName));
     auto refuse = [&](const std::string& text) {
         platform.ShowWarning(text);
-        return SelectOutcome{false, text};
+        return SelectOutcome{false, text, std::nullopt};
     };
-    // 1-4. Names within 32 characters, the directory and the program there.
-    if (directory.empty() || directory.size() > 32) return refuse("Invalid Directory Name !");
-    if (name.empty() || name.size() > 32) return refuse("Invalid Program Name !");
+    // 1-4. Acceptable names (within 32 characters, never leading out of the program store),
+    // the directory and the program there.
+    if (!AcceptableName(directory)) return refuse(InvalidDirectoryName);
+    if (!AcceptableName(name)) return refuse(InvalidProgramName);
     std::string directoryPath = ResolveNoCase(dirs.ProgramRoot + directory);
     if (!IsDirectory(directoryPath)) return refuse("Directory Does Not Exist !");
     std::string programPath = ResolveNoCase(directoryPath + "/" + name + ".prg");
@@ -258,20 +260,29 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     if (!WriteSlotStats(dirs, slot, record.Stats)) return fileFault(stem + "sts");
     if (!WriteSlotBatch(dirs, slot, record.Batch)) return fileFault(stem + "btc");
     record.Present = true;
-    // 22. The card's hit counter starts anew.
-    Conversation talk = Talk(process, platform, link);
-    talk.Download("M869=0");
-    record.RunCount = 0;
-    // 24. The motion programs; 25-28. the slot's blocks.
-    DownProgram(talk, dirs.RootDir, dirs.ServiceDir, slot);
-    SendSlotBlocks(process, platform, link);
-    return SelectOutcome{true, {}};
+    // 22-28. The card's part, as one operation with its deadline.
+    const int faultsBefore = link ? link->FaultCount() : 0;
+    {
+        CardOperation operation(link, process.Config.Card.OperationDeadlineMs);
+        // 22. The card's hit counter starts anew.
+        Conversation talk = Talk(process, platform, link);
+        talk.Download("M869=0");
+        record.RunCount = 0;
+        // 24. The motion programs; 25-28. the slot's blocks.
+        DownProgram(talk, dirs.RootDir, dirs.ServiceDir, slot);
+        SendSlotBlocks(process, platform, link);
+    }
+    SelectOutcome outcome{true, {}, std::nullopt};
+    if (link && link->FaultCount() != faultsBefore) outcome.Fault = link->LastFault();
+    return outcome;
 }
 
 void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link) {
     const Directories& dirs = process.Config.Dirs;
     const MachineData& machine = process.Config.Machine;
     Conversation talk = Talk(process, platform, link);
+    // Both downloads and the blocks: one card operation with its deadline.
+    CardOperation operation(link, process.Config.Card.OperationDeadlineMs);
     for (int slot = 1; slot <= 2; ++slot) {
         SlotRecord& record = process.Slots[slot - 1];
         const std::string stem = SlotStem(dirs, slot);

@@ -7,13 +7,13 @@
 #include <optional>
 #include <string>
 
+#include "controller/card_link.h"
 #include "tooling/settings.h"
 
 namespace kirvana {
 
 struct Process;
 class StartupPlatform;
-class CardLink;
 struct Directories;
 
 // The records of `.W`k, the motion blocks with words, and the records of `.RA`k and `.RM`k.
@@ -96,13 +96,16 @@ bool ReadSlotConfig(const Directories& dirs, int slot, SlotRecord& record, bool*
 // Empties the slot and deletes its files.
 void ClearSlot(Process& process, int slot);
 
-// The outcome of a selection: the warning shown when it was refused.
+// The outcome of a selection: the warning shown when it was refused; and, when the card failed
+// the download or the slot's blocks, its last fault (already gone through the card fault path).
 struct SelectOutcome {
     bool Selected = false;
     std::string Warning;
+    std::optional<CardFault> Fault;
 };
 // The Select button: the program `name` of `directory` into the active slot, through every
-// pass, then downloaded. A refusal is shown through the platform's warning screen.
+// pass, then downloaded within the card operation's deadline. A refusal is shown through the
+// platform's warning screen.
 SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLink* link, const std::string& directory,
                             const std::string& name);
 

@@ -7,6 +7,7 @@
 #include <iterator>
 #include <limits>
 
+#include "core/names.h"
 #include "core/number.h"
 #include "core/paths.h"
 #include "core/text.h"
@@ -1092,9 +1093,11 @@ struct Run {
         files.Current().Write(line);
         // 3. A subroutine closes.
         if (Has(up, "(END,GSUB") || Has(up, "(END,PSUB")) files.ToA2 = false;
-        // 4. A ".GSB" file, named as a relative path.
+        // 4. A ".GSB" file, named as a relative path; only a name that stays in the current
+        // directory is looked up there.
         if (Has(up, "(GSUB,")) {
             std::string name = SubroutineName(line);
+            if (!AcceptableName(name)) return;
             std::string path = ResolveNoCase(Settings.CurrentDir + name + ".GSB");
             if (!FileExists(path)) return;
             NoteCount(files.Count);

@@ -73,6 +73,20 @@ TEST(PmacProtocol, DownloadBuffersHoldWholeLines) {
     EXPECT_EQ(back.Line, 258);
 }
 
+TEST(PmacProtocol, WriteBufferLineNumberLowByteFirst) {
+    // The card's answer to a WRITEBUFFER: line number low byte, high byte, error, 0x80 flag.
+    const std::uint8_t line5[4] = {0x05, 0x00, 0x03, 0x80};
+    auto status = pmac::DecodeWriteStatus(line5);
+    EXPECT_TRUE(status.Error);
+    EXPECT_EQ(status.ErrorNumber, 3);
+    EXPECT_EQ(status.Line, 5);
+    const std::uint8_t line258[4] = {0x02, 0x01, 0x1F, 0x80};
+    EXPECT_EQ(pmac::DecodeWriteStatus(line258).Line, 258);
+    const std::uint8_t fine[4] = {0x00, 0x00, 0x00, 0x00};
+    EXPECT_FALSE(pmac::DecodeWriteStatus(fine).Error);
+    EXPECT_EQ(pmac::EncodeWriteStatus({true, 3, 5}), std::string("\x05\x00\x03\x80", 4));
+}
+
 TEST(CardAddress, FromPmacCfgLine) {
     EXPECT_EQ(ParseCardAddress("").Host, "127.0.0.1");
     EXPECT_EQ(ParseCardAddress("").Port, 1025);

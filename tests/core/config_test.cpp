@@ -285,6 +285,23 @@ TEST_F(ConfigTest, PmacCfgDefaultsAndCorrections) {
     dir_.Write("PMAC.cfg", "N\n0\n60\n250\nCard address: 192.168.0.20:1025 \n******\n");
     ReadCardSetup(Dirs(), c);
     EXPECT_EQ(c.CardAddressLine, "Card address: 192.168.0.20:1025");
+    EXPECT_EQ(c.OperationDeadlineMs, DefaultOperationDeadlineMs);
+}
+
+TEST_F(ConfigTest, PmacCfgOperationDeadline) {
+    CardSetup c;
+    dir_.Write("PMAC.cfg", "N\n0\n60\n250\nCard: 127.0.0.1\nDeadline: 5000\n******\n");
+    ASSERT_FALSE(ReadCardSetup(Dirs(), c));
+    EXPECT_EQ(c.OperationDeadlineMs, 5000);
+    // 0 or less is the default; a value that is no whole number of 32 bits names the line.
+    dir_.Write("PMAC.cfg", "N\n0\n60\n250\nCard: 127.0.0.1\nDeadline: 0\n");
+    ASSERT_FALSE(ReadCardSetup(Dirs(), c));
+    EXPECT_EQ(c.OperationDeadlineMs, DefaultOperationDeadlineMs);
+    dir_.Write("PMAC.cfg", "N\n0\n60\n250\nCard: 127.0.0.1\nDeadline: 1e12\n");
+    auto fault = ReadCardSetup(Dirs(), c);
+    ASSERT_TRUE(fault);
+    EXPECT_NE(fault->Message().find("PMAC.cfg"), std::string::npos);
+    EXPECT_NE(fault->Message().find("line 6"), std::string::npos);
 }
 
 TEST_F(ConfigTest, MessageTablesStopRules) {

@@ -128,6 +128,25 @@ TEST_F(SelectionTest, RefusalsLeaveTheSlotAsItWas) {
     EXPECT_EQ(platform_.Warnings.size(), 6u);
 }
 
+TEST_F(SelectionTest, NamesNeverLeadOutOfTheProgramStore) {
+    // A program beside the installation, reachable by a path that climbs out of the store.
+    dir_.Write("outside/EVIL.prg", "! evil\nT1 X10 Y10\nM30\n");
+    Process p;
+    Start(p);
+    ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01").Selected);
+    auto files = SlotFiles(1);
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, "../outside", "EVIL").Warning, "Invalid Directory Name !");
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, "Dorvenis", "../../outside/EVIL").Warning, "Invalid Program Name !");
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, dir_.Path() + "outside", "EVIL").Warning, "Invalid Directory Name !");
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLA\tTE01").Warning, "Invalid Program Name !");
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, ".", "PLATE01").Warning, "Invalid Directory Name !");
+    // Nothing written beside the program outside, and the slot as it was.
+    EXPECT_FALSE(FileExists("outside/EVIL.stg"));
+    EXPECT_FALSE(FileExists("outside/EVIL.pls"));
+    EXPECT_EQ(p.Slots[0].ProgramName, "PLATE01");
+    EXPECT_EQ(SlotFiles(1), files);
+}
+
 TEST_F(SelectionTest, NamesAreFoundIgnoringCase) {
     Process p;
     Start(p);
