@@ -7,6 +7,7 @@
 
 #include <sys/types.h>
 
+#include "core/little_endian.h"
 #include "core/paths.h"
 
 namespace kirvana {
@@ -66,14 +67,8 @@ static_assert(ToolAt + ToolExtra2At + 4 == RecordNoAt);
 class Writer {
 public:
     explicit Writer(RecordBytes& bytes) : bytes_(bytes) {}
-    void U32(std::size_t at, std::uint32_t v) {
-        for (int i = 0; i < 4; ++i) bytes_[at + i] = static_cast<std::uint8_t>(v >> (8 * i));
-    }
-    void I16(std::size_t at, std::int16_t v) {
-        auto u = static_cast<std::uint16_t>(v);
-        bytes_[at] = static_cast<std::uint8_t>(u);
-        bytes_[at + 1] = static_cast<std::uint8_t>(u >> 8);
-    }
+    void U32(std::size_t at, std::uint32_t v) { StoreUint32(bytes_.data() + at, v); }
+    void I16(std::size_t at, std::int16_t v) { StoreInt16(bytes_.data() + at, v); }
     void I32(std::size_t at, std::int32_t v) { U32(at, static_cast<std::uint32_t>(v)); }
     void F32(std::size_t at, float v) { U32(at, std::bit_cast<std::uint32_t>(v)); }
     void Point(std::size_t at, const PointF& p) {
@@ -109,14 +104,8 @@ private:
 class Reader {
 public:
     explicit Reader(const RecordBytes& bytes) : bytes_(bytes) {}
-    std::uint32_t U32(std::size_t at) const {
-        std::uint32_t v = 0;
-        for (int i = 3; i >= 0; --i) v = (v << 8) | bytes_[at + i];
-        return v;
-    }
-    std::int16_t I16(std::size_t at) const {
-        return static_cast<std::int16_t>(static_cast<std::uint16_t>(bytes_[at] | (bytes_[at + 1] << 8)));
-    }
+    std::uint32_t U32(std::size_t at) const { return LoadUint32(bytes_.data() + at); }
+    std::int16_t I16(std::size_t at) const { return LoadInt16(bytes_.data() + at); }
     std::int32_t I32(std::size_t at) const { return static_cast<std::int32_t>(U32(at)); }
     float F32(std::size_t at) const { return std::bit_cast<float>(U32(at)); }
     PointF Point(std::size_t at) const { return {F32(at), F32(at + 4)}; }

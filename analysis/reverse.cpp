@@ -19,7 +19,6 @@ namespace kirvana {
 
 namespace {
 
-constexpr double Inch = 25.4;
 constexpr double Missing = -999;
 constexpr std::int16_t True16 = -1;
 // Hits walked one by one for the limit check of one pattern; beyond it the corners stand for

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "core/little_endian.h"
 #include "core/config.h"
 #include "core/file_writer.h"
 #include "core/number.h"
@@ -23,13 +24,6 @@ std::string Padded(const std::string& text, std::size_t width) {
     out.resize(width, ' ');
     return out;
 }
-
-void PutWord(char* at, std::int16_t value) {
-    at[0] = static_cast<char>(value & 0xFF);
-    at[1] = static_cast<char>((value >> 8) & 0xFF);
-}
-
-std::int16_t GetWord(const unsigned char* at) { return static_cast<std::int16_t>(at[0] | (at[1] << 8)); }
 
 std::string SlotFile(const Directories& dirs, int slot, const char* extension) {
     return SlotStem(dirs, slot) + extension;
@@ -92,11 +86,11 @@ std::optional<SlotCounts> BuildBlockMap(const std::string& aFile, const std::str
         ++block;
         for (int k = 0; k < count; ++k) {
             ++word;
-            char record[6];
-            PutWord(record, static_cast<std::int16_t>(word - 1));
-            PutWord(record + 2, static_cast<std::int16_t>(block - 1));
-            PutWord(record + 4, static_cast<std::int16_t>(rec));
-            w.WriteBytes(std::string_view(record, sizeof record));
+            std::uint8_t record[6];
+            StoreInt16(record, static_cast<std::int16_t>(word - 1));
+            StoreInt16(record + 2, static_cast<std::int16_t>(block - 1));
+            StoreInt16(record + 4, static_cast<std::int16_t>(rec));
+            w.WriteBytes(std::string_view(reinterpret_cast<const char*>(record), sizeof record));
         }
     }
     if (a.bad()) return fault(aFile);
@@ -115,10 +109,10 @@ SlotBlock SlotBlockAt(const Process& process, int program, std::int32_t word) {
     if (target > counts.MapWordCount || target < 1) target = 1;
     std::ifstream w(SlotFile(process.Config.Dirs, slot, file == 0 ? "W1" : "W2"), std::ios::binary);
     if (!w) return {};
-    unsigned char record[6];
+    std::uint8_t record[6];
     w.seekg((target - 1) * 6);
     if (!w.read(reinterpret_cast<char*>(record), sizeof record)) return {};
-    return SlotBlock{GetWord(record + 2), GetWord(record + 4)};
+    return SlotBlock{LoadInt16(record + 2), LoadInt16(record + 4)};
 }
 
 SlotStats ReadSlotStats(const Directories& dirs, int slot) {

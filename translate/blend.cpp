@@ -15,7 +15,6 @@ namespace kirvana {
 
 namespace {
 
-constexpr double Inch = 25.4;
 constexpr double Missing = -999;
 
 double Round(float value, int places) { return RoundHalfEven(Number(value), places); }
