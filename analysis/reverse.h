@@ -134,7 +134,7 @@ ReverseResult ReverseTexts(const std::vector<std::string>& m1, const std::vector
 // The entry: reads stem + "M1" and stem + "M2", writes stem + "drw" and ServiceDir +
 // "Reverse.txt" (program name, directory and time in its head). When the words of M1 are
 // rejected the pass ends before the drawing is created: an older drawing stays.
-ReverseResult ReversePass(const std::string& stem, const std::string& programName, const std::string& directory,
+[[nodiscard]] ReverseResult ReversePass(const std::string& stem, const std::string& programName, const std::string& directory,
                           std::int16_t& toolChanges, const ReverseSettings& settings);
 
 // The messages of the report beyond those the passes share, with their blanks.

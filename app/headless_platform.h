@@ -37,8 +37,10 @@ public:
         return false;
     }
     void ShowWarning(const std::string& text) override {
-        if (!quiet_) std::fprintf(stderr, "%s\n", text.c_str());
+        if (!quiet_ || starting_) std::fprintf(stderr, "%s\n", text.c_str());
     }
+    // Warnings of the start reach stderr even at a quiet seat: no command prints them otherwise.
+    void SetStarting(bool starting) { starting_ = starting; }
     void ShowFrontEnd() override { frontEnd_ = true; }
     bool FrontEndVisible() override { return frontEnd_; }
     void UnloadFrontEnd() override { frontEnd_ = false; }
@@ -56,6 +58,7 @@ public:
 private:
     int splashMs_;
     bool quiet_;
+    bool starting_ = false;
     bool frontEnd_ = false;
     std::chrono::steady_clock::time_point splashStart_;
 };

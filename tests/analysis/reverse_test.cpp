@@ -10,7 +10,9 @@
 #include "analysis/drawing_file.h"
 #include "analysis/expand.h"
 #include "analysis/reverse.h"
+#include "core/paths.h"
 #include "tests/analysis/reverse_settings.h"
+#include "tests/core/temp_dir.h"
 #include "translate/blend.h"
 
 namespace kirvana {
@@ -448,6 +450,36 @@ TEST(ReversePass, UnknownWordsRejectTheProgram) {
     EXPECT_TRUE(run.Result.WordsRejected);
     EXPECT_EQ(run.Result.Result, 1);
     EXPECT_TRUE(run.Report.empty());
+}
+
+TEST(ReversePass, WordCheckRejectionEndsBeforeTheDrawingExists) {
+    TempDir dir;
+    ReverseSettings settings = Settings();
+    settings.ServiceDir = dir.Path();
+    const std::string stem = dir.Path() + "Actvprg1.";
+    const std::string older = "an older drawing";
+    dir.Write("Actvprg1.drw", older);
+    dir.Write("Actvprg1.M1", "N0001 G90 T1\nN0002 G81 X10 Y10 QQ\n");
+    std::int16_t toolChanges = 0;
+    ReverseResult result = ReversePass(stem, "P", "D", toolChanges, settings);
+    EXPECT_TRUE(result.WordsRejected);
+    EXPECT_EQ(result.Result, 1);
+    EXPECT_FALSE(result.FileFault);
+    EXPECT_EQ(ReadFileText(stem + "drw"), older);
+    EXPECT_EQ(ListDirectory(dir.Path(), false), (std::vector<std::string>{"Actvprg1.drw", "Actvprg1.M1", "LastFile.txt", "Reverse.txt"}));
+}
+
+TEST(ReversePass, AReportThatCannotBeWrittenIsAFileFaultNamingIt) {
+    TempDir dir;
+    ReverseSettings settings = Settings();
+    settings.ServiceDir = dir.Path() + "Service/";
+    dir.Write("Service/Reverse.txt/inside", "a directory stands in the way");
+    dir.Write("P.M1", "N0001 G90\nN0002 G81 X10 Y10\n");
+    std::int16_t toolChanges = 0;
+    ReverseResult result = ReversePass(dir.Path() + "P.", "P", "D", toolChanges, settings);
+    EXPECT_TRUE(result.FileFault);
+    EXPECT_EQ(result.FaultFile, dir.Path() + "Service/Reverse.txt");
+    EXPECT_NE(result.Result, 0);
 }
 
 TEST(ReversePass, HeaderForms) {

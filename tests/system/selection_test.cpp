@@ -332,3 +332,92 @@ TEST_F(SelectionTest, AmadaProgramHasBracketMarksUntilARestart) {
     EXPECT_EQ(again.Slots[0].CommentOpen, "!");
     EXPECT_EQ(again.Slots[0].CommentClose, "");
 }
+
+TEST_F(SelectionTest, EveryFileTheSelectionWritesIsChecked) {
+    // A directory with something in it stands where one file of the selection goes: the
+    // selection is refused naming that file, and the slot is left empty as after a failed pass.
+    const std::vector<std::string> files = {
+        "Temp.org",     "Actvprg1.org", "Actvprg1.pls", "Actvprg1.A1",  "Actvprg1.A2",  "Actvprg1.sbs",
+        "Actvprg1.M1",  "Actvprg1.M2",  "Blend.tmp",    "Service/Blend.txt", "Actvprg1.drw", "Service/Reverse.txt",
+        "Actvprg1.dr1", "Actvprg1.W1",  "Actvprg1.RA1", "Actvprg1.RM1", "Actvprg1.W2",  "Actvprg1.RA2",
+        "Actvprg1.RM2", "Actvprg1.cfg", "Actvprg1.trt", "Actvprg1.sts", "Actvprg1.btc", "Programs/Dorvenis/PLATE01.stg"};
+    const std::string stg = ReadFileText("Programs/Dorvenis/PLATE01.stg");
+    for (const std::string& file : files) {
+        Process p;
+        Start(p);
+        std::filesystem::remove(file);
+        dir_.Write(file + "/inside", "in the way");
+        SelectOutcome outcome = SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01");
+        EXPECT_FALSE(outcome.Selected) << file;
+        EXPECT_NE(outcome.Warning.find("File Fault : "), std::string::npos) << file << ": " << outcome.Warning;
+        EXPECT_NE(outcome.Warning.find(file), std::string::npos) << file << ": " << outcome.Warning;
+        EXPECT_FALSE(p.Slots[0].Present) << file;
+        EXPECT_TRUE(SlotFiles(1).empty()) << file;
+        EXPECT_FALSE(FileExists("Blend.tmp")) << file;
+        std::filesystem::remove_all(file);
+    }
+    dir_.Write("Programs/Dorvenis/PLATE01.stg", stg);
+    Process p;
+    Start(p);
+    EXPECT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01").Selected);
+}
+
+TEST_F(SelectionTest, AFullDiskRefusesTheSelection) {
+    // In a child process whose files may not grow beyond a few bytes, as on a full disk, at
+    // several places of the selection.
+    for (rlim_t bytes : {rlim_t{0}, rlim_t{100}, rlim_t{1000}, rlim_t{4000}}) {
+        Process p;
+        Start(p);
+        EXPECT_EXIT(
+            {
+                LimitFileSize(bytes);
+                SelectOutcome outcome = SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01");
+                bool refused = !outcome.Selected && outcome.Warning.find("File Fault : ") != std::string::npos;
+                std::_Exit(refused && !p.Slots[0].Present && SlotFiles(1).empty() ? 0 : 1);
+            },
+            ::testing::ExitedWithCode(0), "")
+            << bytes;
+    }
+}
+
+TEST_F(SelectionTest, AnUnreadableDescriptionAtStartKeepsTheSlotFiles) {
+    {
+        Process p;
+        Start(p);
+        p.Config.ActiveSlot = 2;
+        ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "COVER02").Selected);
+    }
+    const std::vector<std::string> files = SlotFiles(2);
+    const std::string cfg = ReadFileText("Actvprg2.cfg");
+    // A read of the file fails with an I/O error, as a failing disk does.
+    std::filesystem::remove("Actvprg2.cfg");
+    std::filesystem::create_symlink("/proc/self/mem", "Actvprg2.cfg");
+    platform_.Warnings.clear();
+    {
+        Process again;
+        Start(again);
+        EXPECT_FALSE(again.Slots[1].Present);
+        EXPECT_EQ(SlotFiles(2), files);
+        ASSERT_EQ(platform_.Warnings.size(), 1u);
+        EXPECT_NE(platform_.Warnings[0].find("Actvprg2.cfg Can Not Be Read !"), std::string::npos) << platform_.Warnings[0];
+    }
+    // A file of the set that is no file at all is kept too.
+    std::filesystem::remove("Actvprg2.cfg");
+    dir_.Write("Actvprg2.cfg", cfg);
+    const std::string drw = ReadFileText("Actvprg2.drw");
+    std::filesystem::remove("Actvprg2.drw");
+    dir_.Write("Actvprg2.drw/inside", "in the way");
+    {
+        Process again;
+        Start(again);
+        EXPECT_FALSE(again.Slots[1].Present);
+        EXPECT_TRUE(FileExists("Actvprg2.cfg"));
+    }
+    // Once the disk reads again, the slot is there as it was.
+    std::filesystem::remove_all("Actvprg2.drw");
+    dir_.Write("Actvprg2.drw", drw);
+    Process later;
+    Start(later);
+    EXPECT_TRUE(later.Slots[1].Present);
+    EXPECT_EQ(later.Slots[1].ProgramName, "COVER02");
+}
