@@ -77,9 +77,13 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
         if (!OpenCard(platform, link)) return {StartOutcome::Kind::CardNotOpened, {}};
     }
     Conversation talk = Talk(process, platform, link);
-    // 8. The card's system files, as the directory lists them.
-    for (const std::string& name : ListDirectory(config.Dirs.DataDir, false)) {
-        if (name.size() > 4 && UpperCase(name.substr(name.size() - 4)) == ".PRM") talk.DownSystem(config.Dirs.DataDir, name);
+    // 8. The card's system files, as the directory lists them: one card operation with its deadline.
+    {
+        CardOperation operation(process.Card.CardInUse ? link : nullptr, config.Card.OperationDeadlineMs);
+        for (const std::string& name : ListDirectory(config.Dirs.DataDir, false)) {
+            if (name.size() > 4 && UpperCase(name.substr(name.size() - 4)) == ".PRM")
+                talk.DownSystem(config.Dirs.DataDir, name);
+        }
     }
     // 9. The axis scale factors: the leading number of each answer; 0 (also offline) is 1.
     for (int axis = 0; axis < 4; ++axis) {

@@ -237,7 +237,7 @@ void CardSimulator::HoldEveryAnswer(int ms) {
     slowMs_ = std::max(ms, 0);
 }
 
-void CardSimulator::DropNextRequest() {
+void CardSimulator::DropNextDownload() {
     std::lock_guard lock(mutex_);
     dropNext_ = true;
 }
@@ -314,8 +314,8 @@ std::string CardSimulator::Command(const std::string& line) {
         return "every answer held " + a + " ms";
     }
     if (verb == "DROP") {
-        DropNextRequest();
-        return "the next request closes the connection";
+        DropNextDownload();
+        return "the next download buffer closes the connection";
     }
     if (verb == "REJECT") {
         Reject(a);
@@ -421,7 +421,7 @@ void CardSimulator::ServeClient(int client) {
         int slow;
         {
             std::lock_guard lock(mutex_);
-            if (std::exchange(dropNext_, false)) return;
+            if (h.Request == pmac::VrPmacWriteBuffer && std::exchange(dropNext_, false)) return;
             slow = slowMs_;
         }
         if (slow > 0) std::this_thread::sleep_for(std::chrono::milliseconds(slow));

@@ -43,7 +43,7 @@ public:
     void StepHits(int hits);                                  // M869 += hits
     void HoldNextAnswer(int ms);                              // delays the next answer
     void HoldEveryAnswer(int ms);                             // a slow card: every answer late (0: none)
-    void DropNextRequest();                                   // closes the connection instead of answering
+    void DropNextDownload();                                  // closes the connection at the next download buffer
     void Reject(const std::string& text);                     // ERR003 to every line holding it ("": none)
     void SetMotor(int motor, double position, double followingError);
     void SetAxisDefinition(int motor, const std::string& definition);

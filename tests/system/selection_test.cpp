@@ -1,5 +1,6 @@
 // Selection of programs into the active slots, end to end on a copy of the demo installation:
 // in office mode, and against the simulated card over the Ethernet link.
+#include <chrono>
 #include <filesystem>
 
 #include <gtest/gtest.h>
@@ -16,12 +17,16 @@ namespace {
 
 struct QuietPlatform : StartupPlatform {
     std::vector<std::string> Warnings;
+    std::vector<std::string> Questions;
     void ShowSplash(const std::string&, const std::string&) override {}
     bool SplashDone() override { return true; }
     void StopSplashTimer() override {}
     void ProcessEvents() override {}
     void ShowMessageBox(const std::string&, const std::string&) override {}
-    bool AskOperator(const std::string&) override { return false; }
+    bool AskOperator(const std::string& text) override {
+        Questions.push_back(text);
+        return false;
+    }
     void ShowWarning(const std::string& text) override { Warnings.push_back(text); }
     void ShowFrontEnd() override {}
     bool FrontEndVisible() override { return false; }
@@ -49,9 +54,17 @@ protected:
         StartupSteps steps;
         ASSERT_EQ(Main(process, platform_, link, steps).Result, StartOutcome::Kind::Started);
     }
-    void CardAt(int port) {
+    void CardAt(int port, int deadlineMs = 0) {
         dir_.Write("Control.cnc", "Card in use: TRUE\nPoll log: FALSE\n******\n");
-        dir_.Write("PMAC.cfg", "Save: N\nWait: 0\nPoll: 50\nDelay: 50\nCard: 127.0.0.1:" + std::to_string(port) + "\n******\n");
+        dir_.Write("PMAC.cfg", "Save: N\nWait: 0\nPoll: 50\nDelay: 50\nCard: 127.0.0.1:" + std::to_string(port) +
+                                   "\nDeadline: " + std::to_string(deadlineMs) + "\n******\n");
+    }
+    // A start against the simulated card, its faults going through the card fault path.
+    void StartWithCard(Process& process, PmacEthernetLink& link) {
+        link.SetFaultHandler([&, this](std::int32_t number, const std::string& description) {
+            HandleCardFault(process, platform_, &link, StartupSteps{}, number, description);
+        });
+        Start(process, &link);
     }
     std::vector<std::string> SlotFiles(int slot) {
         std::vector<std::string> found;
@@ -420,4 +433,63 @@ TEST_F(SelectionTest, AnUnreadableDescriptionAtStartKeepsTheSlotFiles) {
     Start(later);
     EXPECT_TRUE(later.Slots[1].Present);
     EXPECT_EQ(later.Slots[1].ProgramName, "COVER02");
+
+TEST_F(SelectionTest, ErrorAnswerToADownloadLineIsACardFault) {
+    CardSimulator sim;
+    ASSERT_TRUE(sim.Start());
+    CardAt(sim.Port());
+    PmacEthernetLink link(CardAddress{"127.0.0.1", sim.Port()}, 1000);
+    Process p;
+    StartWithCard(p, link);
+    // PLATE01 punches at X100: the card refuses that line of its program.
+    sim.Reject("X100");
+    SelectOutcome outcome = SelectProgram(p, platform_, &link, "Dorvenis", "PLATE01");
+    EXPECT_TRUE(outcome.Selected);
+    ASSERT_TRUE(outcome.Fault);
+    EXPECT_EQ(outcome.Fault->Number, 3);
+    EXPECT_TRUE(outcome.Fault->Description.starts_with("ERR003 in line ")) << outcome.Fault->Description;
+    EXPECT_TRUE(outcome.Fault->Description.ends_with(" of DownPrg.tmp")) << outcome.Fault->Description;
+    // The operator was asked through the card fault path.
+    ASSERT_EQ(platform_.Questions.size(), 1u);
+    EXPECT_TRUE(platform_.Questions[0].starts_with("An error occurred while talking to PMAC !\n\nError Number :  3\nERR003"));
+    EXPECT_TRUE(platform_.Questions[0].ends_with("\n\nShutdown Kirvana ?"));
+    // A card that takes the program again selects without a fault.
+    sim.Reject("");
+    outcome = SelectProgram(p, platform_, &link, "Dorvenis", "PLATE01");
+    EXPECT_TRUE(outcome.Selected);
+    EXPECT_FALSE(outcome.Fault);
+}
+
+TEST_F(SelectionTest, DroppedConnectionIsACardFault) {
+    CardSimulator sim;
+    ASSERT_TRUE(sim.Start());
+    CardAt(sim.Port());
+    PmacEthernetLink link(CardAddress{"127.0.0.1", sim.Port()}, 1000);
+    Process p;
+    StartWithCard(p, link);
+    sim.DropNextDownload();
+    SelectOutcome outcome = SelectProgram(p, platform_, &link, "Dorvenis", "PLATE01");
+    ASSERT_TRUE(outcome.Fault);
+    EXPECT_EQ(outcome.Fault->Number, LinkFaultClosed);
+    EXPECT_EQ(platform_.Questions.size(), 1u);
+}
+
+TEST_F(SelectionTest, SlowCardEndsTheSelectionByItsDeadline) {
+    CardSimulator sim;
+    ASSERT_TRUE(sim.Start());
+    CardAt(sim.Port(), 1500);
+    PmacEthernetLink link(CardAddress{"127.0.0.1", sim.Port()}, 1000);
+    Process p;
+    StartWithCard(p, link);
+    EXPECT_EQ(p.Config.Card.OperationDeadlineMs, 1500);
+    // Every answer comes within the time-out, but the selection's thirty-odd exchanges would
+    // take some 10 s.
+    sim.HoldEveryAnswer(300);
+    auto start = std::chrono::steady_clock::now();
+    SelectOutcome outcome = SelectProgram(p, platform_, &link, "Dorvenis", "PLATE01");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1500 + 2000));
+    ASSERT_TRUE(outcome.Fault);
+    EXPECT_EQ(outcome.Fault->Number, LinkFaultDeadline);
+    EXPECT_EQ(platform_.Questions.size(), 1u);
+    sim.HoldEveryAnswer(0);
 }
