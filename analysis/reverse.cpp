@@ -294,7 +294,7 @@ private:
     void Conditional();
     void Jump(std::string_view tail);
     void Restart(int depth);
-    // Counts lines read at this depth, from `first` on; false when the work bound is reached.
+    // Counts `lines` lines of the file read at this depth from `first` on.
     void CountLines(const std::vector<std::string>& file, std::size_t first, std::size_t lines);
     // False, with the pass stopped and the critical error reported, beyond any work bound.
     bool WithinBounds();
@@ -307,7 +307,7 @@ private:
     void Append();
     void FinishPattern();
     // An Arc Pattern entity begun with the tool, its centre, radius, first angle, sweep and step;
-// the tool turns with it when the block's P10 is absent or not positive.
+    // the tool turns with it when the block's P10 is absent or not positive.
     void BeginArcPattern(double centreX, double centreY, double radius, double first, double sweep, double step);
     // The previous position takes the position, which moves to the point of the circle at the
     // angle; the limits are checked there.
@@ -501,7 +501,6 @@ ReverseResult ReverseRun::Run() {
             std::size_t label = (S.Depth == 0 ? m1Labels_ : m2Labels_).Find(file, next, S.SkipTo);
             CountLines(file, next, label - next);
             next = label;
-            if (!WithinBounds()) break;
         }
         if (next >= file.size()) {
             ++steps_;
