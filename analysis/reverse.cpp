@@ -27,6 +27,38 @@ constexpr long MaxCheckedHits = 1'000'000;
 
 double Round(double value, int places) { return RoundHalfEven(Number(value), places); }
 
+// The work of one block beside its characters, counted as characters scanned.
+constexpr std::int64_t BlockWork = 32;
+
+// The lines of a file by their block number, so that the search for a label passes over the
+// lines in between without reading them again. Built at the first search in the file.
+class LabelIndex {
+public:
+    // The first line at or after `from` whose block number is `label`; the end of the file
+    // when none follows.
+    std::size_t Find(const std::vector<std::string>& file, std::size_t from, std::int16_t label) {
+        if (!built_) Build(file);
+        auto at = std::lower_bound(entries_.begin(), entries_.end(), std::make_pair(label, from));
+        return at != entries_.end() && at->first == label ? at->second : file.size();
+    }
+
+private:
+    void Build(const std::vector<std::string>& file) {
+        // The block number as the skipping test reads it: the first N in front of the comment.
+        ValueReader reader;
+        for (std::size_t line = 0; line < file.size(); ++line) {
+            std::string_view text = file[line];
+            std::int16_t number = reader.WordInteger(text.substr(0, text.find(';')), 'N');
+            if (!reader.WordMissing) entries_.emplace_back(number, line);
+        }
+        std::sort(entries_.begin(), entries_.end());
+        built_ = true;
+    }
+
+    std::vector<std::pair<std::int16_t, std::size_t>> entries_;
+    bool built_ = false;
+};
+
 std::string Single(float value) { return FormatNumber(Number(value), -1); }
 
 bool Whole(double q) { return q == std::trunc(q); }
@@ -261,6 +293,10 @@ private:
     void Conditional();
     void Jump(std::string_view tail);
     void Restart(int depth);
+    // Counts `lines` lines of the file read at this depth from `first` on.
+    void CountLines(const std::vector<std::string>& file, std::size_t first, std::size_t lines);
+    // False, with the pass stopped and the critical error reported, beyond any work bound.
+    bool WithinBounds();
     void ReadSettings();
 
     // Entities.
@@ -270,7 +306,7 @@ private:
     void Append();
     void FinishPattern();
     // An Arc Pattern entity begun with the tool, its centre, radius, first angle, sweep and step;
-// the tool turns with it when the block's P10 is absent or not positive.
+    // the tool turns with it when the block's P10 is absent or not positive.
     void BeginArcPattern(double centreX, double centreY, double radius, double first, double sweep, double step);
     // The previous position takes the position, which moves to the point of the circle at the
     // angle; the limits are checked there.
@@ -317,8 +353,11 @@ private:
     bool writeFault_ = false;
     bool recordsFull_ = false;
     bool blocksFull_ = false;
-    std::int64_t steps_ = 0;
+    std::int64_t steps_ = 0;       // lines read, the ones passed over to a label included
+    std::int64_t jumps_ = 0;       // jumps, calls and repetitions: files started again
+    std::int64_t characters_ = 0;  // characters of the blocks worked on, BlockWork each beside
     std::int64_t linesRead_ = 0;
+    LabelIndex m1Labels_, m2Labels_;
     std::int64_t hitWork_ = 0;
     std::array<std::uint16_t, 64> codeAt_{};
     int codes_ = 0;  // -1: too many letters to index, search the whole block
@@ -452,30 +491,25 @@ ReverseResult ReverseRun::Run() {
     S.ProcessSettings = settings_.ProgramSettings;
 
     // The main loop, until the main text is at its end.
-    while (!stopped_) {
-        if (++steps_ > settings_.MaxBlocks) {
-            line_.clear();
-            Error(reverse_message::BlockLimit, true);
-            result.Stopped = true;
-            break;
-        }
+    while (WithinBounds()) {
         // 1. The next line of this depth's file; a subroutine's file at its end is a RETURN.
         const std::vector<std::string>& file = S.Depth == 0 ? m1_ : m2_;
         std::size_t& next = S.CallLine[S.Depth];
+        if (S.Skipping && next < file.size()) {
+            // 3. Skipping to a block number: the lines before it are read and dropped.
+            std::size_t label = (S.Depth == 0 ? m1Labels_ : m2Labels_).Find(file, next, S.SkipTo);
+            CountLines(file, next, label - next);
+            next = label;
+        }
         if (next >= file.size()) {
+            ++steps_;
             if (S.Depth == 0) break;
             EndOfCall();
             continue;
         }
+        CountLines(file, next, 1);
         line_ = std::string(Trim(file[next++]));
-        ++linesRead_;
-        std::int16_t& count = S.BlockCount[S.Depth];
-        if (count < INT16_MAX) {
-            ++count;
-        } else if (!blocksFull_) {
-            blocksFull_ = true;
-            Error(reverse_message::TooManyBlocks, true);
-        }
+        characters_ += static_cast<std::int64_t>(line_.size()) + BlockWork;
         // The block as it stands, blanks kept: codes are found by plain search in it, so that
         // "M10 0" is no M100.
         block_ = BeforeComment(line_);
@@ -777,6 +811,34 @@ void ReverseRun::ReadSettings() {
 void ReverseRun::Restart(int depth) {
     S.CallLine[depth] = 0;
     S.BlockCount[depth] = 0;
+    ++jumps_;
+}
+
+void ReverseRun::CountLines(const std::vector<std::string>& file, std::size_t first, std::size_t lines) {
+    steps_ += static_cast<std::int64_t>(lines);
+    linesRead_ += static_cast<std::int64_t>(lines);
+    std::int16_t& count = S.BlockCount[S.Depth];
+    const std::size_t room = static_cast<std::size_t>(INT16_MAX - count);
+    if (lines <= room) {
+        count = static_cast<std::int16_t>(count + lines);
+        return;
+    }
+    count = INT16_MAX;
+    if (blocksFull_) return;
+    // Reported at the line that found the count full.
+    blocksFull_ = true;
+    line_ = std::string(Trim(file[first + room]));
+    Error(reverse_message::TooManyBlocks, true);
+}
+
+bool ReverseRun::WithinBounds() {
+    if (stopped_) return false;
+    if (steps_ <= settings_.MaxBlocks && jumps_ <= settings_.MaxJumps && characters_ <= settings_.MaxCharacters)
+        return true;
+    line_.clear();
+    Error(reverse_message::BlockLimit, true);
+    stopped_ = true;
+    return false;
 }
 
 void ReverseRun::CallSubroutine() {

@@ -37,12 +37,18 @@ struct ReverseSettings {
     std::string ServiceDir;                // where "Reverse.txt" is written
     // The report's time line, "dd/mm/yy hh:mm"; the local time when not set.
     std::function<std::string()> Now;
-    // The most blocks the pass reads, calls and jumps included: a program that loops for ever
-    // (a GOTO back, a call that never finds its label) is stopped here with a critical error.
+    // Bounds on the work of the walk, so that a program that loops for ever (a GOTO back, a
+    // call that never finds its label) or reads huge lines again and again ends soon with a
+    // critical error. The most lines read, the ones passed over to a label included:
     std::int64_t MaxBlocks = 20'000'000;
+    // The most jumps: GOTOs taken, calls made and repetitions started.
+    std::int64_t MaxJumps = 100'000;
+    // The most characters scanned in the blocks worked on, each block counting 32 beside its
+    // characters for its own work.
+    std::int64_t MaxCharacters = 16'000'000;
     // The most hits the pass walks over all (the outlines of grids and the limit checks of
     // every pattern), so that loops of huge patterns end too; reported as the block bound.
-    std::int64_t MaxHitWork = 200'000'000;
+    std::int64_t MaxHitWork = 50'000'000;
 };
 
 ReverseSettings ReverseSettingsFrom(const MachineData& machine, const Directories& dirs, const StationTable& stations,

@@ -435,6 +435,58 @@ TEST(ReversePass, EndlessLoopIsStoppedAtTheBlockBound) {
     EXPECT_TRUE(missing.Result.Stopped);
 }
 
+// Hostile programs end at the bounds on the walk's work, well before the lines read reach
+// the block bound: the refusal is the pass's critical error.
+std::string GotoLine(int gotos) {
+    std::string line = "N0002";
+    for (int k = 0; k < gotos; ++k) line += " GOTO 2";
+    return line;
+}
+
+void ExpectStoppedEarly(const PassRun& run, std::int64_t atMostBlocks) {
+    EXPECT_TRUE(run.Result.Stopped);
+    EXPECT_GE(run.Result.Result, 1);
+    EXPECT_NE(run.Report.find("****** CRITICAL ERROR ******\nProgram does not end: block limit reached\n"),
+              std::string::npos);
+    EXPECT_LE(run.Result.Blocks, atMostBlocks);
+}
+
+TEST(ReversePass, GotoLoopEndsAtTheJumpBound) {
+    PassRun run = Reverse("N0001 G90 T1\nN0002 G00 X10 Y10\nN0003 GOTO 2\n");
+    // 100,000 jumps, each reading three lines (the first passed over to the label).
+    ExpectStoppedEarly(run, 300'010);
+}
+
+TEST(ReversePass, LinesOfManyGotosEndAtTheCharacterBound) {
+    // A line of 250 GOTOs is 1,755 characters, 1,787 of work: 16,000,000 of them are some
+    // 9,000 loops; a line of 1,000 GOTOs ends after some 2,300.
+    PassRun line250 = Reverse("N0001 G90 T1\n" + GotoLine(250) + "\n");
+    ExpectStoppedEarly(line250, 20'000);
+    PassRun line1000 = Reverse("N0001 G90 T1\n" + GotoLine(1000) + "\n");
+    ExpectStoppedEarly(line1000, 5'000);
+}
+
+TEST(ReversePass, EachWorkBoundStopsTheWalk) {
+    ReverseSettings jumps = Settings();
+    jumps.MaxJumps = 50;
+    ExpectStoppedEarly(Reverse("N0001 G90 T1\nN0002 G00 X10 Y10\nN0003 GOTO 2\n", "", jumps), 200);
+    ReverseSettings characters = Settings();
+    characters.MaxCharacters = 10'000;
+    ExpectStoppedEarly(Reverse("N0001 G90 T1\n" + GotoLine(100) + "\n", "", characters), 30);
+    // A grid of a million calls of a label that M2 doesn't hold: each repetition is a jump.
+    ExpectStoppedEarly(Reverse("N0001 G90 T1\nN0002 G98 S7 P1=1000 P3=1000\n", "N1000 G81 X1\nRETURN\n"), 300'000);
+    // Lines passed over to a label are read, and counted, without being worked on.
+    std::string longText = "N0001 G90 T1\nN0002 GOTO 9\n";
+    for (int k = 0; k < 1000; ++k) longText += "G00 X1 Y1\n";
+    longText += "N0009 G81 X5 Y5\n";
+    PassRun passed = Reverse(longText);
+    EXPECT_FALSE(passed.Result.Stopped);
+    // The first two lines, then after the jump the 1,003 of the text.
+    EXPECT_EQ(passed.Result.Blocks, 1005);
+    ASSERT_EQ(passed.Records.size(), 2u);
+    EXPECT_EQ(passed.Records[1].MainBlock, 1003);
+}
+
 TEST(ReversePass, SubroutineDeeperThan64IsStopped) {
     PassRun run = Reverse("N0001 G90 T1\nN0002 G68 S1 Q1\n", "N1000 G69 S1 Q1\nRETURN\n");
     EXPECT_TRUE(run.Result.Stopped);

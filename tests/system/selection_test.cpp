@@ -183,6 +183,26 @@ TEST_F(SelectionTest, ProgramWithErrorsEmptiesTheSlot) {
               ReadLines("Service/Reverse.txt")->end());
 }
 
+TEST_F(SelectionTest, ProgramsThatLoopForEverAreRefused) {
+    Process p;
+    Start(p);
+    std::string gotos = "N2";
+    for (int k = 0; k < 1000; ++k) gotos += " GOTO 2";
+    dir_.Write("Programs/Dorvenis/LOOP1.prg", "N1 G90 T1\nN2 G00 X10 Y10\nN3 GOTO 2\n");
+    dir_.Write("Programs/Dorvenis/LOOP2.prg", "N1 G90 T1\n" + gotos + "\n");
+    for (const char* name : {"LOOP1", "LOOP2"}) {
+        SelectOutcome refused = SelectProgram(p, platform_, nullptr, "Dorvenis", name);
+        EXPECT_FALSE(refused.Selected) << name;
+        EXPECT_EQ(refused.Warning, std::string(name) + "\n\nCan Not Be Selected Due To Errors in Code !");
+        EXPECT_FALSE(p.Slots[0].Present);
+        auto report = ReadLines("Service/Reverse.txt");
+        ASSERT_TRUE(report);
+        auto critical = std::find(report->begin(), report->end(), "****** CRITICAL ERROR ******");
+        ASSERT_NE(critical, report->end()) << name;
+        EXPECT_EQ(*(critical + 1), "Program does not end: block limit reached") << name;
+    }
+}
+
 TEST_F(SelectionTest, SlotsSurviveARestart) {
     {
         Process p;
