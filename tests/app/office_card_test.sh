@@ -39,10 +39,10 @@ out="$("$office" select --root "$work/inst" --dir "$work/outside" --program EVIL
 expect_code select-absolute 1 $?
 if [ "$(ls "$work/outside")" == "EVIL.prg" ]; then pass; else fail "written outside: $(ls "$work/outside")"; fi
 if ls "$work/inst"/Actvprg* >/dev/null 2>&1; then fail "a slot was filled"; else pass; fi
-out="$("$office" blend "$work/inst/P." --root "$work/inst" --program ../EVIL --directory Dorvenis 2>&1)"
+out="$("$office" blend "$work/inst/P." --root "$work/inst" --program ../EVIL --dir Dorvenis 2>&1)"
 expect_code blend-name 2 $?
 expect_in blend-name "Invalid Program Name !" "$out"
-out="$("$office" reverse "$work/inst/P." --root "$work/inst" --program P --directory "a/b" 2>&1)"
+out="$("$office" reverse "$work/inst/P." --root "$work/inst" --program P --dir "a/b" 2>&1)"
 expect_code reverse-name 2 $?
 expect_in reverse-name "Invalid Directory Name !" "$out"
 

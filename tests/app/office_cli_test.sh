@@ -87,18 +87,18 @@ check_code expand-usage 2 "$office" expand Slot. --root
 # start-up does, and a report that cannot be written fails the command naming it.
 mkdir -p "$work/bare/Data" && cp "$demo/Data/"* "$work/bare/Data/"
 printf 'N0001 M100\nN0002 M03\nN0003 G00 X100 Y100\nN0004 G101 X200 Y100\n' > "$work/bare/P.M1"
-check blend-bare "0" "$office" blend "$work/bare/P." --root "$work/bare" --program P --directory Dorvenis
+check blend-bare "critical errors: 0" "$office" blend "$work/bare/P." --root "$work/bare" --program P --dir Dorvenis
 check blend-bare-report "PROGRAM   :  P" sed -n 1p "$work/bare/Service/Blend.txt"
 if [ -d "$work/bare/Dialogue/Reverse" ] && [ -d "$work/bare/PMAC" ]; then passed=$((passed + 1)); else failed=$((failed + 1)); echo "FAILED bare directories"; fi
-check reverse-bare "0 2" "$office" reverse "$work/bare/P." --root "$work/bare" --program P --directory Dorvenis
+check reverse-bare $'critical errors: 0\nrecords: 2' "$office" reverse "$work/bare/P." --root "$work/bare" --program P --dir Dorvenis
 check reverse-bare-report "PROGRAM   :  P" sed -n 1p "$work/bare/Service/Reverse.txt"
 rm "$work/bare/Service/Blend.txt" "$work/bare/Service/Reverse.txt"
 mkdir -p "$work/bare/Service/Blend.txt/in-the-way" "$work/bare/Service/Reverse.txt/in-the-way"
 check blend-report-fault "file fault: $work/bare/Service/Blend.txt" \
-    "$office" blend "$work/bare/P." --root "$work/bare" --program P --directory Dorvenis
-check_code blend-report-fault-code 1 "$office" blend "$work/bare/P." --root "$work/bare" --program P --directory Dorvenis
+    "$office" blend "$work/bare/P." --root "$work/bare" --program P --dir Dorvenis
+check_code blend-report-fault-code 1 "$office" blend "$work/bare/P." --root "$work/bare" --program P --dir Dorvenis
 check reverse-report-fault "file fault: $work/bare/Service/Reverse.txt" \
-    "$office" reverse "$work/bare/P." --root "$work/bare" --program P --directory Dorvenis
+    "$office" reverse "$work/bare/P." --root "$work/bare" --program P --dir Dorvenis
 
 # A Control.cfg line of garbage is refused naming the file and the line; no folder is made.
 mkdir -p "$work/garbage" && cp -r "$demo/." "$work/garbage/"

@@ -453,6 +453,7 @@ TEST_F(SelectionTest, AnUnreadableDescriptionAtStartKeepsTheSlotFiles) {
     Start(later);
     EXPECT_TRUE(later.Slots[1].Present);
     EXPECT_EQ(later.Slots[1].ProgramName, "COVER02");
+}
 
 TEST_F(SelectionTest, ErrorAnswerToADownloadLineIsACardFault) {
     CardSimulator sim;
