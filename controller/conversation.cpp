@@ -115,6 +115,7 @@ void Conversation::WaitMs(int ms) {
 
 void Conversation::StartPollTimer(bool setRunning) {
     if (setRunning) state_.PollRunning = true;
+    state_.PollTimerIntervalMs = state_.PollRestartDelayMs;
     if (platform_) {
         platform_->SetPollTimer(false, 0);
         platform_->SetPollTimer(true, state_.PollRestartDelayMs);
@@ -123,6 +124,7 @@ void Conversation::StartPollTimer(bool setRunning) {
 
 void Conversation::StopPollTimer(bool clearRunning) {
     if (platform_) platform_->SetPollTimer(false, 0);
+    state_.PollTimerIntervalMs = 0;
     if (clearRunning) state_.PollRunning = false;
 }
 

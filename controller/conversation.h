@@ -25,6 +25,8 @@ struct CardState {
     bool FormsLocked = false;
     int PollIntervalMs = 50;
     int PollRestartDelayMs = 50;
+    // The interval the poll timer runs with now; 0 while it is stopped.
+    int PollTimerIntervalMs = 0;
 };
 
 // Polling.txt is moved to Polling.bak when it reaches this size.
