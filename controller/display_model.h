@@ -130,6 +130,7 @@ struct DisplayModel {
     PlotUpdate Plot;                                 // the plot, cleared at each tick
     std::int32_t HitCount = 0;                       // the active slot's hit counter
     bool HeadCaptionsChanged = false;                // the buttons of a head need new captions
+    std::vector<std::string> Notices;                // what the tick has to say once, cleared each tick
 };
 
 }  // namespace kirvana

@@ -32,6 +32,7 @@ struct PollState {
     float RunTime = 0;                        // Q17 at 2 places
     std::int16_t CurrentStation = 1;
     std::int32_t LastMessageNo = -1, LastLogicBits = -1;
+    std::int32_t LastSlotShown = -1, LastRecordShown = -1;   // the block the viewing screen lights
     int LastSelectedMessage = 0;
     bool LastNewProgramsReceived = false;
     std::int16_t SkipFlags = 0;               // 1: M873, 2: M874

@@ -30,9 +30,14 @@ void PutWord(char* at, std::int16_t value) {
 
 std::int16_t GetWord(const unsigned char* at) { return static_cast<std::int16_t>(at[0] | (at[1] << 8)); }
 
+
+}  // namespace
+
 std::string SlotFile(const Directories& dirs, int slot, const char* extension) {
     return SlotStem(dirs, slot) + extension;
 }
+
+namespace {
 
 // The numbers of a comma list.
 std::vector<double> Numbers(const std::string& line) {

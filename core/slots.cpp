@@ -44,7 +44,8 @@ std::int32_t HitFileRecords(const std::string& stem) {
     return hits.Open(stem + "dr1", true) ? hits.Count() : 0;
 }
 
-// The station block of a station of the slot's table.
+}  // namespace
+
 StationBlock StationBlockOf(const Station& station) {
     StationBlock block;
     block.ToolNumber = station.TNumber;
@@ -54,6 +55,8 @@ StationBlock StationBlockOf(const Station& station) {
                      station.Settings.RamTimer};
     return block;
 }
+
+namespace {
 
 PlasmaBlock PlasmaBlockOf(const PlasmaSetting& s) {
     PlasmaBlock block;
@@ -148,9 +151,12 @@ void ClearSlot(Process& process, int slot) {
     }
     // 4. The machine's turret in the slot's table.
     if (process.Config.Machine.HasTurret) CopyMachineTable(process.Tools, slot);
+    // 5. The plot's data of the slot: no run seen since the change.
+    process.Poll.RunMarked[slot - 1] = false;
+    process.Poll.HitFileShortReported[slot - 1] = false;
 }
 
-void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link) {
+void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link, std::optional<std::int32_t> hitCount) {
     Conversation talk = Talk(process, platform, link);
     const MachineData& machine = process.Config.Machine;
     int slot = process.Config.ActiveSlot;
@@ -163,6 +169,7 @@ void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link)
         if (record.ActiveStation >= 1 && static_cast<std::size_t>(record.ActiveStation) <= table.size())
             SendStationBlock(talk, StationBlockOf(table[record.ActiveStation - 1]), true);
     }
+    if (hitCount) talk.Download("M869=" + LongText(*hitCount));
     if (machine.ProfilerKind > 0) {
         const StationType& plasma = PlasmaStationType(process.Tools);
         SendProfilerBlock(talk, {plasma.OffsetX, plasma.OffsetY, plasma.OffsetZ}, machine.ProfilerKind,
