@@ -236,8 +236,6 @@ void ReadProfilerEdges(Tick& t) {
     edge(t.Poll.ProfilerLatch, t.Poll.ProfilerLatchBefore, card::StatusProfilerLatch);
 }
 
-std::string Acknowledge(std::int32_t bit) { return std::string(card::StatusWord) + "=" + card::StatusWord + "-" + LongText(bit); }
-
 // 3. The card's requests, each read, acted on and acknowledged in its order.
 void ServiceCardRequests(Tick& t) {
     if (!t.P.Card.CardInUse) return;
@@ -262,22 +260,22 @@ void ServiceCardRequests(Tick& t) {
             int station = ReadCurrentStation(t);
             if (const Station* s = ValidStation(t.P, station) ? SlotStation(t.P, station) : nullptr) {
                 SendStationBlock(t.Talk, StationBlockOf(*s), false);
-                t.Talk.Download(Acknowledge(card::StatusNewStation));
+                t.Talk.Download(card::AcknowledgeText(card::StatusNewStation));
                 t.Display.Plot.ToolChanged = true;
                 UpdateMachineStatus(t);
             } else if (ValidStation(t.P, station)) {
                 // A station of the machine that the slot's table doesn't hold: no block to send.
-                t.Talk.Download(Acknowledge(card::StatusNewStation));
+                t.Talk.Download(card::AcknowledgeText(card::StatusNewStation));
                 UpdateMachineStatus(t);
             }
         } else {
-            t.Talk.Download(Acknowledge(card::StatusNewStation));
+            t.Talk.Download(card::AcknowledgeText(card::StatusNewStation));
         }
     }
     // Bit 256: the clamps.
     if (Bit(status, card::StatusNewClamps)) {
         for (int n = 0; n < 4; ++n) t.Poll.ClampActual[n] = t.Second.Sngl(t.Req.Clamps[n], -1);
-        t.Talk.Download(Acknowledge(card::StatusNewClamps));
+        t.Talk.Download(card::AcknowledgeText(card::StatusNewClamps));
         t.Display.Plot.ToolChanged = true;
         UpdateClampPanel(t);
         UpdateMachineStatus(t);
@@ -288,12 +286,12 @@ void ServiceCardRequests(Tick& t) {
         t.Poll.ReferenceOffset[1] = t.Second.Sngl(t.Req.Reference[1], -1);
         t.Poll.TurretOffset = t.Second.Sngl(t.Req.Reference[2], -1);
         t.Poll.ReferenceOffset[2] = 0;
-        t.Talk.Download(Acknowledge(card::StatusNewReferenceOffsets));
+        t.Talk.Download(card::AcknowledgeText(card::StatusNewReferenceOffsets));
     }
     // Bit 65536: the work offsets.
     if (Bit(status, card::StatusNewWorkOffsets)) {
         for (int n = 0; n < 2; ++n) t.Poll.WorkOffset[n] = t.Second.Sngl(t.Req.Work[n], -1);
-        t.Talk.Download(Acknowledge(card::StatusNewWorkOffsets));
+        t.Talk.Download(card::AcknowledgeText(card::StatusNewWorkOffsets));
         t.Display.Plot.ToolChanged = true;
         UpdateMachineStatus(t);
     }
