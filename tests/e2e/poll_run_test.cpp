@@ -1,6 +1,7 @@
 // A demo program selected, downloaded to the simulated card over the Ethernet link, started and
 // followed by the poll cycle to its end: the hits counted, the positions passed, the block lit
 // at each hit and the hit records walked agree with the drawing the selection made.
+#include <chrono>
 #include <filesystem>
 
 #include <gtest/gtest.h>
@@ -154,6 +155,28 @@ TEST_P(PollRunTest, StationOutOfRangeStandsAndTwentyLogicBitsShowEighteen) {
     Tick();
     EXPECT_EQ(p_.Display.Messages.LineCount, 18);
     EXPECT_TRUE(faults_.empty());
+}
+
+TEST_P(PollRunTest, ACardThatStopsAnsweringMidRunNeitherCrashesNorStalls) {
+    ASSERT_TRUE(SelectProgram(p_, platform_, &link_, "Dorvenis", GetParam()).Selected);
+    p_.Display.Visible = {true, true, true, true, true, true, true, true, true, true};
+    Talk().Download("B1R");
+    sim_.WalkRun(2.5);
+    Tick();
+    ASSERT_TRUE(p_.Running);
+    const std::array<std::string, 6> shown = p_.Display.FrontEnd.PositionText;
+    const std::int32_t hits = p_.Display.HitCount;
+    sim_.Stop();
+    auto start = std::chrono::steady_clock::now();
+    Tick();
+    Tick();
+    // The link's fault path reported; every query read 0, so the machine reads as at rest.
+    EXPECT_FALSE(faults_.empty());
+    EXPECT_FALSE(p_.Running);
+    EXPECT_EQ(p_.Display.FrontEnd.PositionText[0], "0.0");
+    EXPECT_NE(shown[0], "");
+    EXPECT_GE(hits, 1);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
 INSTANTIATE_TEST_SUITE_P(DemoPrograms, PollRunTest, ::testing::Values("PLATE01", "GRID03", "COVER02"));
