@@ -491,13 +491,6 @@ void UpdatePlasmaPanel(Tick& t) {
 
 }  // namespace
 
-void ResetPollState(PollState& poll) {
-    poll.LastMessageNo = -1;
-    poll.LastLogicBits = -1;
-    poll.LastSlotShown = -1;
-    poll.LastRecordShown = -1;
-}
-
 std::string RunTimeText(float seconds) {
     double whole = std::trunc(std::fabs(static_cast<double>(seconds)));
     if (!(whole < 2147483647.0)) whole = 0;
@@ -573,7 +566,7 @@ void PollCycle(Process& process, ControllerPlatform& platform, CardLink* link) {
 void PollTick(Process& process, ControllerPlatform& platform, CardLink* link) {
     PollCycle(process, platform, link);
     CardState& card = process.Card;
-    if (card.PollTimerIntervalMs != card.PollIntervalMs) {
+    if (card.PollRunning && card.PollTimerIntervalMs != card.PollIntervalMs) {
         platform.SetPollTimer(false, 0);
         platform.SetPollTimer(true, card.PollIntervalMs);
         card.PollTimerIntervalMs = card.PollIntervalMs;

@@ -253,6 +253,9 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     WriteSlotStats(dirs, slot, record.Stats);
     WriteSlotBatch(dirs, slot, record.Batch);
     record.Present = true;
+    // 21. The block indication: this slot's program, no block yet.
+    process.Poll.LastSlotShown = slot;
+    process.Poll.LastRecordShown = -1;
     // 22. The card's hit counter starts anew.
     Conversation talk = Talk(process, platform, link);
     talk.Download(card::Assignment(card::HitCounter, "0"));
@@ -317,6 +320,8 @@ void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link
     SendSlotBlocks(process, platform, link);
     const SlotRecord& active = process.Slots[process.Config.ActiveSlot - 1];
     if (!active.ProgramDirName.empty()) SetProgramDir(process.Config, active.ProgramDirName);
+    // The block indication cleared.
+    ResetPollState(process.Poll);
 }
 
 }  // namespace kirvana

@@ -263,6 +263,11 @@ TEST_F(PollTest, RestartDelayAppliesToTheFirstWaitOnly) {
     std::size_t calls = platform.TimerCalls.size();
     PollTick(p, platform, &card);
     EXPECT_EQ(platform.TimerCalls.size(), calls);
+    // A poll stopped for good is not started again by a late tick.
+    talk.StopPollTimer(true);
+    calls = platform.TimerCalls.size();
+    PollTick(p, platform, &card);
+    EXPECT_EQ(platform.TimerCalls.size(), calls);
 }
 
 TEST_F(PollTest, SteadyTickWithEveryPanelVisibleTakesAtMostTwoRoundTrips) {
