@@ -20,6 +20,24 @@ class Conversation;
 class StartupPlatform;
 class CardLink;
 
+// The captions of the command buttons and boxes, as the forms show them.
+inline constexpr std::array<const char*, 5> ReferenceButtonCaptions = {
+    "&REFERENCE ALL", "REFERENCE &AXIS", "REFERENCE &CLAMPS", "REFERENCE &TURRET", "REFERENCE &INDEX"};
+inline constexpr const char* SetupReferenceCaption = "&REFERENCE CLAMPS";
+inline constexpr const char* CarriageCaption = "&CARRIAGE";
+struct FeedButton {
+    const char* Caption;
+    int Step;
+};
+inline constexpr std::array<FeedButton, 4> FeedButtons = {
+    {{"- 20 (&1)", -20}, {"+ 20 (&4)", 20}, {"- 5 (&2)", -5}, {"+ 5 (&3)", 5}}};
+inline constexpr std::array<const char*, 4> LoadBoxCaptions = {"X :  &1", "Y :  &2", "X :  &3", "Y :  &4"};
+inline constexpr std::array<const char*, 3> MoveBoxCaptions = {"X  POSITION :  &1", "Y  POSITION :  &2",
+                                                               "INDEX  POSITION :  &3"};
+inline constexpr std::array<const char*, 2> MoveButtonCaptions = {"&MOVE", "&PUNCH"};
+inline constexpr std::array<const char*, 2> BlockSkipCaptions = {"BLOCK SKIP &1", "BLOCK SKIP &2"};
+inline constexpr std::array<const char*, 2> BatchButtonCaptions = {"&SET", "&CLEAR"};
+
 // A refusal: the warning's text (first line, two line feeds, second line), or nothing.
 using Refusal = std::optional<std::string>;
 
