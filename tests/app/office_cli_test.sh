@@ -118,6 +118,10 @@ echo "set P1020 5" >&8
 sleep 0.1
 check watch-messages $'tick 1: X 350.0 Y 250.0 C 0.00 | at rest | hits: 5 | feed 100\n  message: Program finished\n  message: Punch in clamp zone' \
     "$office" watch --root "$work/watch" --ticks 1
+printf 'Card in use: FALSE\n******\n' > "$work/watch/Control.cnc"
+check watch-office $'(card not in use: office seat, the machine stands still)\ntick 1: X  Y  C  | at rest | hits: 0 | feed \ntick 2: X  Y  C  | at rest | hits: 0 | feed ' \
+    "$office" watch --root "$work/watch" --ticks 2 --interval 0
+check_code watch-office-idle 1 "$office" watch --root "$work/watch" --ticks 3 --interval 0 --until-idle
 check_code watch-usage 2 "$office" watch --root "$work/watch" --ticks 0
 check_code watch-unknown 2 "$office" watch --root "$work/watch" --fast
 exec 8>&-
