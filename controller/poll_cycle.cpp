@@ -182,35 +182,40 @@ int ReadCurrentStation(Tick& t) {
     return station;
 }
 
-void UpdateMachineStatus(Tick& t) {
-    MachineStatusDisplay& status = t.Display.MachineStatus;
-    const Station* station = SlotStation(t.P, t.Poll.CurrentStation);
-    status.ClampCount = std::clamp<int>(t.P.Config.Machine.ClampCount, 0, 4);
+}  // namespace
+
+void UpdateMachineStatus(Process& process) {
+    MachineStatusDisplay& status = process.Display.MachineStatus;
+    const PollState& poll = process.Poll;
+    const Station* station = SlotStation(process, poll.CurrentStation);
+    status.ClampCount = std::clamp<int>(process.Config.Machine.ClampCount, 0, 4);
     float offsetX = station ? station->OffsetX : 0;
     for (int n = 0; n < 4; ++n)
-        status.ClampTexts[n] = n < status.ClampCount ? FormatNumber(ToSingle(t.Poll.ClampActual[n] - offsetX), 1) : "";
+        status.ClampTexts[n] = n < status.ClampCount ? FormatNumber(ToSingle(poll.ClampActual[n] - offsetX), 1) : "";
     if (!station) {
         status.StationText = "0";
         status.ToolText.clear();
         status.OffsetTexts = {"0.0", "0.0", "0.0"};
         return;
     }
-    status.StationText = IntegerText(t.Poll.CurrentStation);
+    status.StationText = IntegerText(poll.CurrentStation);
     status.ToolText = std::string(Trim(station->ToolText));
     status.OffsetTexts = {FormatNumber(station->OffsetX, 1), FormatNumber(station->OffsetY, 1),
                           FormatNumber(station->OffsetZ, 1)};
 }
 
-void UpdateClampPanel(Tick& t) {
-    ClampPanel& panel = t.Display.Clamps;
-    panel.ClampCount = std::clamp<int>(t.P.Config.Machine.ClampCount, 0, 4);
-    const SlotRecord* slot = HasActiveSlot(t.P) ? &t.P.Slots[t.P.Config.ActiveSlot - 1] : nullptr;
+void UpdateClampPanel(Process& process) {
+    ClampPanel& panel = process.Display.Clamps;
+    panel.ClampCount = std::clamp<int>(process.Config.Machine.ClampCount, 0, 4);
+    const SlotRecord* slot = HasActiveSlot(process) ? &process.Slots[process.Config.ActiveSlot - 1] : nullptr;
     for (int n = 0; n < 4; ++n) {
         bool shown = n < panel.ClampCount;
-        panel.ActualTexts[n] = shown ? FormatNumber(t.Poll.ClampActual[n], 2) : "";
+        panel.ActualTexts[n] = shown ? FormatNumber(process.Poll.ClampActual[n], 2) : "";
         panel.DemandTexts[n] = shown && slot ? FormatNumber(slot->Clamps[n], 2) : "";
     }
 }
+
+namespace {
 
 // 1. The status word and the machine states.
 void ReadStatus(Tick& t) {
@@ -262,11 +267,11 @@ void ServiceCardRequests(Tick& t) {
                 SendStationBlock(t.Talk, StationBlockOf(*s), false);
                 t.Talk.Download(card::AcknowledgeText(card::StatusNewStation));
                 t.Display.Plot.ToolChanged = true;
-                UpdateMachineStatus(t);
+                UpdateMachineStatus(t.P);
             } else if (ValidStation(t.P, station)) {
                 // A station of the machine that the slot's table doesn't hold: no block to send.
                 t.Talk.Download(card::AcknowledgeText(card::StatusNewStation));
-                UpdateMachineStatus(t);
+                UpdateMachineStatus(t.P);
             }
         } else {
             t.Talk.Download(card::AcknowledgeText(card::StatusNewStation));
@@ -277,8 +282,8 @@ void ServiceCardRequests(Tick& t) {
         for (int n = 0; n < 4; ++n) t.Poll.ClampActual[n] = t.Second.Sngl(t.Req.Clamps[n], -1);
         t.Talk.Download(card::AcknowledgeText(card::StatusNewClamps));
         t.Display.Plot.ToolChanged = true;
-        UpdateClampPanel(t);
-        UpdateMachineStatus(t);
+        UpdateClampPanel(t.P);
+        UpdateMachineStatus(t.P);
     }
     // Bit 262144: the reference offsets and the turret's.
     if (Bit(status, card::StatusNewReferenceOffsets)) {
@@ -293,7 +298,7 @@ void ServiceCardRequests(Tick& t) {
         for (int n = 0; n < 2; ++n) t.Poll.WorkOffset[n] = t.Second.Sngl(t.Req.Work[n], -1);
         t.Talk.Download(card::AcknowledgeText(card::StatusNewWorkOffsets));
         t.Display.Plot.ToolChanged = true;
-        UpdateMachineStatus(t);
+        UpdateMachineStatus(t.P);
     }
 }
 

@@ -62,6 +62,13 @@ void PollTick(Process& process, ControllerPlatform& platform, CardLink* link);
 // when its selection moves).
 void UpdateMessageList(Process& process, std::int32_t messageNo, std::int32_t logicBits);
 
+// MachineStatusForm's rows (clamps less the station's X offset, the station, its tool and
+// values) and SetupForm's clamp panel, from the clamps and the station the cycle last read.
+// The cycle calls them when the card reports new clamps, a station or offsets; a form may call
+// them when it is shown.
+void UpdateMachineStatus(Process& process);
+void UpdateClampPanel(Process& process);
+
 // "m:ss" of a run time in seconds; below a minute "0:ss".
 std::string RunTimeText(float seconds);
 

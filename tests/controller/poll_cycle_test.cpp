@@ -498,3 +498,18 @@ TEST_F(PollTest, TooMuchOrGarbageForTheCounterMessagesAndStatus) {
     EXPECT_EQ(p.Poll.StatusWord, 0);
     EXPECT_FALSE(p.Running);
 }
+
+TEST_F(PollTest, ClampPanelShowsActualBesideDemandAsFarAsTheClampsGo) {
+    p.Slots[0].Present = true;
+    p.Slots[0].Clamps = {150, 600, 1050, 1500};
+    p.Poll.ClampActual = {149.995f, 600.5f, 1050, 1700};
+    UpdateClampPanel(p);
+    EXPECT_EQ(p.Display.Clamps.ActualTexts, (std::array<std::string, 4>{"150.00", "600.50", "1050.00", ""}));
+    EXPECT_EQ(p.Display.Clamps.DemandTexts, (std::array<std::string, 4>{"150.00", "600.00", "1050.00", ""}));
+    // With no valid station the status rows show the clamps as they are.
+    p.Poll.CurrentStation = 0;
+    UpdateMachineStatus(p);
+    EXPECT_EQ(p.Display.MachineStatus.StationText, "0");
+    EXPECT_EQ(p.Display.MachineStatus.ClampTexts[1], "600.5");
+    EXPECT_EQ(p.Display.MachineStatus.OffsetTexts[0], "0.0");
+}
