@@ -519,9 +519,11 @@ void UpdateMessageList(Process& process, std::int32_t messageNo, std::int32_t lo
     auto add = [&](const std::string& text, std::string help) {
         list.Lines[list.LineCount++] = {" " + text, std::move(help)};
     };
-    // 4. The I/O message; a number beyond the table is not shown.
+    // 4. The I/O message; a number beyond the table is not shown, and said once.
     if (messageNo > 0 && messageNo < static_cast<std::int32_t>(tables.IOMessages.size()))
         add(std::string(Trim(tables.IOMessages[messageNo])), helpDir + "IO/" + LongText(messageNo) + ".hlp");
+    else if (messageNo >= static_cast<std::int32_t>(tables.IOMessages.size()) && messageNo != poll.LastMessageNo)
+        display.Notices.push_back("The card reports I/O message " + LongText(messageNo) + ": IO.msg holds 1 to 64");
     // 5. The logic messages, bit by bit, while lines are left.
     if (logicBits > 0)
         for (int bit = 0; bit <= 30 && list.LineCount < MessageListLines; ++bit)

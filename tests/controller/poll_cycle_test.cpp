@@ -228,6 +228,12 @@ TEST_F(PollTest, MessageNumberOf65OrMoreIsNotShown) {
         Tick();
         EXPECT_EQ(p.Display.Messages.LineCount, 0) << number;
     }
+    card.Values["M830"] = "65";
+    Tick();
+    ASSERT_EQ(p.Display.Notices.size(), 1u);
+    EXPECT_EQ(p.Display.Notices[0], "The card reports I/O message 65: IO.msg holds 1 to 64");
+    Tick();
+    EXPECT_TRUE(p.Display.Notices.empty());
 }
 
 TEST_F(PollTest, HoldBitGivesTheHoldColours) {
