@@ -263,14 +263,10 @@ void ServiceCardRequests(Tick& t) {
     if (Bit(status, card::StatusNewStation)) {
         if (turret) {
             int station = ReadCurrentStation(t);
-            if (const Station* s = ValidStation(t.P, station) ? SlotStation(t.P, station) : nullptr) {
-                SendStationBlock(t.Talk, StationBlockOf(*s), false);
+            if (ValidStation(t.P, station)) {
+                if (const Station* s = SlotStation(t.P, station)) SendStationBlock(t.Talk, StationBlockOf(*s), false);
                 t.Talk.Download(card::AcknowledgeText(card::StatusNewStation));
                 t.Display.Plot.ToolChanged = true;
-                UpdateMachineStatus(t.P);
-            } else if (ValidStation(t.P, station)) {
-                // A station of the machine that the slot's table doesn't hold: no block to send.
-                t.Talk.Download(card::AcknowledgeText(card::StatusNewStation));
                 UpdateMachineStatus(t.P);
             }
         } else {
