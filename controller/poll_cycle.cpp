@@ -298,6 +298,8 @@ void ServiceCardRequests(Tick& t) {
     }
 }
 
+inline constexpr int MaxHitsWalkedPerTick = 10000;
+
 // Whether the skip rule leaves a hit out: path mode 1 under skip 1, path mode 2 under skip 2.
 bool Skipped(std::int16_t pathMode, std::int16_t skipFlags) {
     return (pathMode == 1 && (skipFlags == 1 || skipFlags == 3)) || (pathMode == 2 && (skipFlags == 2 || skipFlags == 3));
@@ -328,7 +330,10 @@ void UpdateHitCounts(Tick& t) {
         DrawingFile hits;
         std::int32_t records = hits.Open(slot.ExpandedFilePath, true) ? hits.Count() : 0;
         EntityRec rec;
-        while (slot.HitBase + static_cast<std::int64_t>(slot.RunCount) < slot.RunHitFile) {
+        // A counter far ahead (a card answering garbage) is caught up over several ticks, so that
+        // no tick stalls; a machine punches far fewer hits between two ticks.
+        int walked = 0;
+        while (slot.HitBase + static_cast<std::int64_t>(slot.RunCount) < slot.RunHitFile && walked++ < MaxHitsWalkedPerTick) {
             std::int32_t next = slot.RunCount + 1;
             if (next > records) {
                 if (!t.Poll.HitFileShortReported[slotIndex])

@@ -519,3 +519,16 @@ TEST_F(PollTest, ClampPanelShowsActualBesideDemandAsFarAsTheClampsGo) {
     EXPECT_EQ(p.Display.MachineStatus.ClampTexts[1], "600.5");
     EXPECT_EQ(p.Display.MachineStatus.OffsetTexts[0], "0.0");
 }
+
+TEST_F(PollTest, AHugeCounterIsCaughtUpOverSeveralTicks) {
+    PresentSlot(std::vector<std::int16_t>(12000, 0));
+    card.Values["P1022"] = "16384";
+    card.Values["M869"] = "2000000000";
+    Tick();
+    EXPECT_EQ(p.Display.Plot.DoneHits.size(), 9999u);  // the Sheet is the first record walked
+    EXPECT_TRUE(p.Display.Notices.empty());
+    Tick();
+    EXPECT_EQ(p.Display.Plot.DoneHits.size(), 2001u);
+    EXPECT_EQ(p.Display.Plot.DoneHits.back(), 12001);
+    ASSERT_EQ(p.Display.Notices.size(), 1u);
+}
