@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 namespace kirvana::card {
 
@@ -19,6 +20,17 @@ inline constexpr std::int32_t RequestMove = 256;
 inline constexpr std::int32_t RequestMoveAndPunch = 512;
 inline constexpr std::int32_t RequestPunch = 1024;
 inline constexpr std::int32_t RequestMoveCarriage = 4096;
+// "NAME=value": a variable written.
+inline std::string Assignment(const char* name, const std::string& value) { return std::string(name) + "=" + value; }
+
+// "P1021=P1021|n": a request bit set, the only form in which the front end writes P1021.
+inline std::string RequestText(std::int32_t bit) {
+    return std::string(RequestWord) + "=" + RequestWord + "|" + std::to_string(bit);
+}
+// "P1021=P1021-1": the front end going down at shutdown.
+inline std::string RequestClearText(std::int32_t bit) {
+    return std::string(RequestWord) + "=" + RequestWord + "-" + std::to_string(bit);
+}
 
 // The status word, read on each poll tick.
 inline constexpr const char* StatusWord = "P1022";
@@ -33,6 +45,10 @@ inline constexpr std::int32_t StatusNewWorkOffsets = 65536;
 inline constexpr std::int32_t StatusNewReferenceOffsets = 262144;
 inline constexpr std::int32_t StatusProfilerHead = 1048576;
 inline constexpr std::int32_t StatusProfilerLatch = 2097152;
+// "P1022=P1022-n": the front end has taken the data of a status request.
+inline std::string AcknowledgeText(std::int32_t bit) {
+    return std::string(StatusWord) + "=" + StatusWord + "-" + std::to_string(bit);
+}
 
 inline constexpr const char* LogicMessageBits = "P1020";
 inline constexpr const char* IOMessageNumber = "M830";

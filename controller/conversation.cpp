@@ -31,30 +31,38 @@ void Conversation::Download(std::string_view text) {
     Exchange("Download", text, response);
 }
 
-double Conversation::LeadingNumber(const char* name, std::string_view query) {
+std::string Conversation::Answer(const char* name, std::string_view query) {
     std::string response;
-    if (!Exchange(name, query, response)) return 0;
-    return ToNumber(Trim(response));
+    Exchange(name, query, response);
+    return response;
 }
 
-bool Conversation::GetRspnsBln(std::string_view query) {
-    return std::trunc(LeadingNumber("GetRspnsBln", query)) != 0;
-}
+bool AnswerBln(std::string_view answer) { return std::trunc(ToNumber(Trim(answer))) != 0; }
 
-std::int16_t Conversation::GetRspnsInt(std::string_view query) {
+std::int16_t AnswerInt(std::string_view answer) {
     // An answer that doesn't fit 16 bits reads as 0, like a missing one.
-    return TruncateToInt16(LeadingNumber("GetRspnsInt", query)).value_or(0);
+    return TruncateToInt16(ToNumber(Trim(answer))).value_or(0);
 }
 
-std::int32_t Conversation::GetRspnsLng(std::string_view query) {
-    double t = std::trunc(LeadingNumber("GetRspnsLng", query));
+std::int32_t AnswerLng(std::string_view answer) {
+    double t = std::trunc(ToNumber(Trim(answer)));
     return (t >= -2147483648.0 && t <= 2147483647.0) ? static_cast<std::int32_t>(t) : 0;
 }
 
-float Conversation::GetRspnsSngl(std::string_view query, int places) {
-    float value = ToSingle(LeadingNumber("GetRspnsSngl", query));
+float AnswerSngl(std::string_view answer, int places) {
+    float value = ToSingle(ToNumber(Trim(answer)));
     if (places >= 0) value = ToSingle(RoundHalfEven(value, places));
     return value;
+}
+
+bool Conversation::GetRspnsBln(std::string_view query) { return AnswerBln(Answer("GetRspnsBln", query)); }
+
+std::int16_t Conversation::GetRspnsInt(std::string_view query) { return AnswerInt(Answer("GetRspnsInt", query)); }
+
+std::int32_t Conversation::GetRspnsLng(std::string_view query) { return AnswerLng(Answer("GetRspnsLng", query)); }
+
+float Conversation::GetRspnsSngl(std::string_view query, int places) {
+    return AnswerSngl(Answer("GetRspnsSngl", query), places);
 }
 
 std::string Conversation::GetRspnsTxt(std::string_view query) {
@@ -63,7 +71,8 @@ std::string Conversation::GetRspnsTxt(std::string_view query) {
     return std::string(Trim(response));
 }
 
-std::vector<std::string> Conversation::GetRspnsBatch(const std::vector<std::string>& queries) {
+std::vector<std::string> Conversation::GetRspnsBatch(const std::vector<std::string>& queries,
+                                                   const std::vector<const char*>& names) {
     std::vector<std::string> answers(queries.size());
     if (!state_.CardInUse || !link_ || queries.empty()) return answers;
     std::string line;
@@ -82,7 +91,7 @@ std::vector<std::string> Conversation::GetRspnsBatch(const std::vector<std::stri
         start = end == std::string::npos ? response.size() : end + 1;
         if (end != std::string::npos && response[end] == '\r' && start < response.size() && response[start] == '\n') ++start;
         state_.LastCommand = std::string(Trim(queries[i]));
-        LogExchange("GetRspnsBatch", queries[i], answers[i], success);
+        LogExchange(i < names.size() ? names[i] : "GetRspnsBatch", queries[i], answers[i], success);
     }
     return answers;
 }
@@ -115,6 +124,7 @@ void Conversation::WaitMs(int ms) {
 
 void Conversation::StartPollTimer(bool setRunning) {
     if (setRunning) state_.PollRunning = true;
+    state_.PollTimerIntervalMs = state_.PollRestartDelayMs;
     if (platform_) {
         platform_->SetPollTimer(false, 0);
         platform_->SetPollTimer(true, state_.PollRestartDelayMs);
@@ -123,6 +133,7 @@ void Conversation::StartPollTimer(bool setRunning) {
 
 void Conversation::StopPollTimer(bool clearRunning) {
     if (platform_) platform_->SetPollTimer(false, 0);
+    state_.PollTimerIntervalMs = 0;
     if (clearRunning) state_.PollRunning = false;
 }
 

@@ -25,7 +25,15 @@ struct CardState {
     bool FormsLocked = false;
     int PollIntervalMs = 50;
     int PollRestartDelayMs = 50;
+    // The interval the poll timer runs with now; 0 while it is stopped.
+    int PollTimerIntervalMs = 0;
 };
+
+// The typed reading of one answer, the same for a single query and for a line of a batch.
+bool AnswerBln(std::string_view answer);
+std::int16_t AnswerInt(std::string_view answer);
+std::int32_t AnswerLng(std::string_view answer);
+float AnswerSngl(std::string_view answer, int places);
 
 // Polling.txt is moved to Polling.bak when it reaches this size.
 inline constexpr long long PollingLogLimit = 50000001;
@@ -47,8 +55,10 @@ public:
     std::string GetRspnsTxt(std::string_view query);
 
     // Several queries in one exchange: the card answers them line by line. Each query is
-    // still remembered and logged on its own; a missing answer line reads as "".
-    std::vector<std::string> GetRspnsBatch(const std::vector<std::string>& queries);
+    // still remembered and logged on its own, under its name in `names` (the typed query it
+    // stands for) or else "GetRspnsBatch"; a missing answer line reads as "".
+    std::vector<std::string> GetRspnsBatch(const std::vector<std::string>& queries,
+                                           const std::vector<const char*>& names = {});
 
     // Downloads a card system file as it lies.
     void DownSystem(std::string_view dir, std::string_view name);
@@ -75,7 +85,7 @@ public:
 private:
     // The common steps of every send and query; false when the card is not in use.
     bool Exchange(const char* name, std::string_view text, std::string& response);
-    double LeadingNumber(const char* name, std::string_view query);
+    std::string Answer(const char* name, std::string_view query);
 
     CardLink* link_;
     CardState& state_;

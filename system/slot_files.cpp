@@ -25,9 +25,13 @@ std::string Padded(const std::string& text, std::size_t width) {
     return out;
 }
 
+}  // namespace
+
 std::string SlotFile(const Directories& dirs, int slot, const char* extension) {
     return SlotStem(dirs, slot) + extension;
 }
+
+namespace {
 
 // The numbers of a comma list.
 std::vector<double> Numbers(const std::string& line) {

@@ -6,6 +6,7 @@
 #include "analysis/drawing_file.h"
 #include "analysis/expand.h"
 #include "analysis/reverse.h"
+#include "controller/card_variables.h"
 #include "controller/download.h"
 #include "core/names.h"
 #include "core/number.h"
@@ -45,7 +46,8 @@ std::int32_t HitFileRecords(const std::string& stem) {
     return hits.Open(stem + "dr1", true) ? hits.Count() : 0;
 }
 
-// The station block of a station of the slot's table.
+}  // namespace
+
 StationBlock StationBlockOf(const Station& station) {
     StationBlock block;
     block.ToolNumber = station.TNumber;
@@ -55,6 +57,8 @@ StationBlock StationBlockOf(const Station& station) {
                      station.Settings.RamTimer};
     return block;
 }
+
+namespace {
 
 PlasmaBlock PlasmaBlockOf(const PlasmaSetting& s) {
     PlasmaBlock block;
@@ -146,21 +150,25 @@ void ClearSlot(Process& process, int slot) {
     }
     // 4. The machine's turret in the slot's table.
     if (process.Config.Machine.HasTurret) CopyMachineTable(process.Tools, slot);
+    // 5. The plot's data of the slot: no run seen since the change.
+    process.Poll.RunMarked[slot - 1] = false;
+    process.Poll.HitFileShortReported[slot - 1] = false;
 }
 
-void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link) {
+void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link, std::optional<std::int32_t> hitCount) {
     Conversation talk = Talk(process, platform, link);
     const MachineData& machine = process.Config.Machine;
     int slot = process.Config.ActiveSlot;
     SlotRecord& record = process.Slots[slot - 1];
-    talk.Download("M811=" + std::to_string(slot));
-    talk.Download("Q11=" + FormatNumber(record.SlotLoadY, 2));
+    talk.Download(card::Assignment(card::ActiveSlot, std::to_string(slot)));
+    talk.Download(card::Assignment(card::LoadPosition1[1], FormatNumber(record.SlotLoadY, 2)));
     if (machine.HasTurret) {
-        talk.Download("M867=" + IntegerText(record.ActiveStation));
+        talk.Download(card::Assignment(card::WorkStation, IntegerText(record.ActiveStation)));
         const StationTable& table = SlotTable(process.Tools, slot);
         if (record.ActiveStation >= 1 && static_cast<std::size_t>(record.ActiveStation) <= table.size())
             SendStationBlock(talk, StationBlockOf(table[record.ActiveStation - 1]), true);
     }
+    if (hitCount) talk.Download(card::Assignment(card::HitCounter, LongText(*hitCount)));
     if (machine.ProfilerKind > 0) {
         const StationType& plasma = PlasmaStationType(process.Tools);
         SendProfilerBlock(talk, {plasma.OffsetX, plasma.OffsetY, plasma.OffsetZ}, machine.ProfilerKind,
@@ -260,13 +268,16 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     if (!WriteSlotStats(dirs, slot, record.Stats)) return fileFault(stem + "sts");
     if (!WriteSlotBatch(dirs, slot, record.Batch)) return fileFault(stem + "btc");
     record.Present = true;
+    // 21. The block indication: this slot's program, no block yet.
+    process.Poll.LastSlotShown = slot;
+    process.Poll.LastRecordShown = -1;
     // 22-28. The card's part, as one operation with its deadline.
     const int faultsBefore = link ? link->FaultCount() : 0;
     {
         CardOperation operation(link, process.Config.Card.OperationDeadlineMs);
         // 22. The card's hit counter starts anew.
         Conversation talk = Talk(process, platform, link);
-        talk.Download("M869=0");
+        talk.Download(card::Assignment(card::HitCounter, "0"));
         record.RunCount = 0;
         // 24. The motion programs; 25-28. the slot's blocks.
         DownProgram(talk, dirs.RootDir, dirs.ServiceDir, slot);
@@ -356,6 +367,8 @@ void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link
     const SlotRecord& active = process.Slots[process.Config.ActiveSlot - 1];
     // Main writes Control.cfg next and reports there a file that cannot be written.
     if (!active.ProgramDirName.empty()) (void)SetProgramDir(process.Config, active.ProgramDirName);
+    // The block indication cleared.
+    ResetPollState(process.Poll);
 }
 
 }  // namespace kirvana

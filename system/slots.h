@@ -8,7 +8,9 @@
 #include <string>
 
 #include "controller/card_link.h"
+#include "controller/download.h"
 #include "tooling/settings.h"
+#include "tooling/turret.h"
 
 namespace kirvana {
 
@@ -61,6 +63,10 @@ struct SlotRecord {
 
 // RootDir + "Actvprg" + slot + ".": the stem of the slot's files.
 std::string SlotStem(const Directories& dirs, int slot);
+// RootDir + "Actvprg" + slot + "." + extension.
+std::string SlotFile(const Directories& dirs, int slot, const char* extension);
+// The station block of a station of a slot's table.
+StationBlock StationBlockOf(const Station& station);
 // The caption of the slot's program button on FrontEnd, naming the key F10 or F11.
 std::string ProgramButtonCaption(int slot, const SlotRecord& record);
 // The comment marks of a dialect, at selection or at the start-up load (dialect 5 differs).
@@ -112,7 +118,9 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
 // Takes up both slots from their files at start and downloads them.
 void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link);
 
-// The variable blocks of the active slot to the card: M811, Q11, the station, the profiler, the batch.
-void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link);
+// The variable blocks of the active slot to the card: M811, Q11, the station, the hit counter
+// when one is given (the change of the active slot), the profiler, the batch.
+void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link,
+                    std::optional<std::int32_t> hitCount = std::nullopt);
 
 }  // namespace kirvana

@@ -9,6 +9,8 @@
 #include "controller/card_link.h"
 #include "controller/controller_platform.h"
 #include "controller/conversation.h"
+#include "controller/display_model.h"
+#include "system/poll_cycle.h"
 #include "core/config.h"
 #include "system/slots.h"
 #include "tooling/tooling.h"
@@ -34,6 +36,9 @@ struct Process {
     bool Running = false;
     bool InFeedhold = false;
     bool InCycle = false;
+    // The poll cycle's values between ticks, and what it shows.
+    PollState Poll;
+    DisplayModel Display;
 };
 
 // What Main needs of the screens, the event queue and the computer.
