@@ -1028,6 +1028,7 @@ struct Run {
     const ConvertSettings& Settings;
     ConvertState State;
     ConvertResult Result;
+    std::string ReadFault;  // a ".GSB" file whose reading failed
 
     explicit Run(const ConvertSettings& settings) : Settings(settings) {}
 
@@ -1061,6 +1062,7 @@ struct Run {
         DialectDetector detector;
         std::string_view line;
         while (!detector.Found() && in.Next(line)) detector.Line(line);
+        if (in.Failed()) return Fail(ConvertStatus::FileFault, org);
         dialect = detector.Dialect();
         return true;
     }
@@ -1106,6 +1108,7 @@ struct Run {
                 std::string_view trimmed = Trim(gsbLine);
                 if (!trimmed.empty()) files.A2.Write(trimmed);
             }
+            if (gsb.Failed()) ReadFault = path;
         }
     }
 
@@ -1139,6 +1142,8 @@ struct Run {
             else SplitPlainLine(files, Trim(raw));
             NoteOverflow("org", lineNumber);
         }
+        if (in.Failed()) return Fail(ConvertStatus::FileFault, org);
+        if (!ReadFault.empty()) return Fail(ConvertStatus::FileFault, ReadFault);
         if (bracket && files.Count >= 1 && files.ToA2) files.A2.Write("(ENDSUB)");
         files.Sbs.Write(EndMarker);
         for (FileWriter* out : {&files.A1, &files.A2, &files.Sbs})
@@ -1157,6 +1162,7 @@ struct Run {
             text.append(line);
             text += '\n';
         }
+        if (in.Failed()) return Fail(ConvertStatus::FileFault, sbs);
         table.Read(text);
         return true;
     }
@@ -1179,6 +1185,7 @@ struct Run {
             out.Write(block(State, context, line));
             NoteOverflow(from, lineNumber);
         }
+        if (in.Failed()) return Fail(ConvertStatus::FileFault, source);
         if (!out.Close()) return Fail(ConvertStatus::FileFault, File(to));
         return true;
     }
@@ -1198,6 +1205,7 @@ struct Run {
             if (callFix) ReplaceFirst(text, "G68", "G69");
             out.Write(text);
         }
+        if (in.Failed()) return Fail(ConvertStatus::FileFault, from);
         if (!out.Close()) return Fail(ConvertStatus::FileFault, to);
         return true;
     }
