@@ -2,7 +2,7 @@
 
 #include "controller/card_variables.h"
 #include "core/number.h"
-#include "core/startup.h"
+#include "system/startup.h"
 
 namespace kirvana {
 

@@ -11,7 +11,7 @@
 #include <optional>
 #include <string>
 
-#include "core/slots.h"
+#include "system/slots.h"
 
 namespace kirvana {
 

@@ -14,7 +14,7 @@
 #include "core/geometry.h"
 #include "core/number.h"
 #include "core/paths.h"
-#include "core/startup.h"
+#include "system/startup.h"
 #include "core/station_kind.h"
 #include "core/text.h"
 #include "core/words.h"

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "core/number.h"
-#include "core/startup.h"
+#include "system/startup.h"
 #include "tests/controller/poll_card.h"
 #include "tests/core/temp_dir.h"
 

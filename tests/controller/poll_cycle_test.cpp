@@ -4,7 +4,7 @@
 
 #include "analysis/drawing_file.h"
 #include "core/paths.h"
-#include "core/startup.h"
+#include "system/startup.h"
 #include "tests/controller/poll_card.h"
 #include "tests/core/temp_dir.h"
 

@@ -7,7 +7,7 @@
 
 #include "controller/card_link.h"
 #include "controller/poll_cycle.h"
-#include "core/startup.h"
+#include "system/startup.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "core/slot_run_plan.h"
+#include "system/slot_run_plan.h"
 
 #include <gtest/gtest.h>
 

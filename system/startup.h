@@ -12,7 +12,7 @@
 #include "controller/display_model.h"
 #include "controller/poll_cycle.h"
 #include "core/config.h"
-#include "core/slots.h"
+#include "system/slots.h"
 #include "tooling/tooling.h"
 
 namespace kirvana {
