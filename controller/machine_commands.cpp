@@ -15,6 +15,8 @@ Refusal Refuse(bool refused, const char* firstLine, const char* secondLine = Run
     return std::string(firstLine) + "\n\n" + secondLine;
 }
 
+Refusal FileFault(const std::string& file) { return "File Fault : " + file; }
+
 bool RunningHoldOrCycle(const Process& process) { return process.Running || process.InFeedhold || process.InCycle; }
 
 // "NAME=" and the value at full precision.
@@ -193,22 +195,24 @@ std::array<bool, 2> ReadBlockSkips(Conversation& talk) {
     return {talk.GetRspnsBln(card::BlockSkip[0]), talk.GetRspnsBln(card::BlockSkip[1])};
 }
 
-void SetBatch(Process& process, Conversation& talk, const SlotBatch& batch) {
+Refusal SetBatch(Process& process, Conversation& talk, const SlotBatch& batch) {
     int slot = process.Config.ActiveSlot;
-    if (slot < 1 || slot > 2) return;
+    if (slot < 1 || slot > 2) return std::nullopt;
     process.Slots[slot - 1].Batch = batch;
     SendBatchBlock(talk, {batch[0], batch[1], batch[2], batch[3]});
-    WriteSlotBatch(process.Config.Dirs, slot, batch);
+    if (!WriteSlotBatch(process.Config.Dirs, slot, batch)) return FileFault(SlotFile(process.Config.Dirs, slot, "btc"));
+    return std::nullopt;
 }
 
-void ClearBatch(Process& process, Conversation& talk) { SetBatch(process, talk, SlotBatch{}); }
+Refusal ClearBatch(Process& process, Conversation& talk) { return SetBatch(process, talk, SlotBatch{}); }
 
 Refusal ChangeActiveSlot(Process& process, StartupPlatform& platform, CardLink* link, int slot) {
     if (Refusal refusal = SlotChangeInterlock(process)) return refusal;
     if (slot != 1 && slot != 2) return std::nullopt;
     process.Config.ActiveSlot = static_cast<std::int16_t>(slot);
-    WriteControlConfig(process.Config);
+    bool written = WriteControlConfig(process.Config);
     SendSlotBlocks(process, platform, link, process.Slots[slot - 1].HitCount);
+    if (!written) return FileFault(process.Config.Dirs.RootDir + "Control.cfg");
     return std::nullopt;
 }
 

@@ -101,11 +101,13 @@ void SetBlockSkip(Conversation& talk, int which, bool on);
 std::array<bool, 2> ReadBlockSkips(Conversation& talk);
 
 // BatchForm: "&SET" sends the counters and writes the active slot's `.btc`; "&CLEAR" zeroes them.
-void SetBatch(Process& process, Conversation& talk, const SlotBatch& batch);
-void ClearBatch(Process& process, Conversation& talk);
+// Gives the warning "File Fault : " and the file when the `.btc` can't be written.
+Refusal SetBatch(Process& process, Conversation& talk, const SlotBatch& batch);
+Refusal ClearBatch(Process& process, Conversation& talk);
 
 // FrontEnd.ProgramButton: the active slot changes, Control.cfg is written and the card gets the
-// slot's blocks and hit counter.
+// slot's blocks and hit counter. Gives the refusal, or the warning "File Fault : " and the file
+// when Control.cfg can't be written (the change stands, and the card has been told).
 Refusal ChangeActiveSlot(Process& process, StartupPlatform& platform, CardLink* link, int slot);
 
 }  // namespace kirvana
