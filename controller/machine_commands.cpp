@@ -195,7 +195,7 @@ std::array<bool, 2> ReadBlockSkips(Conversation& talk) {
     return {talk.GetRspnsBln(card::BlockSkip[0]), talk.GetRspnsBln(card::BlockSkip[1])};
 }
 
-Refusal SetBatch(Process& process, Conversation& talk, const SlotBatch& batch) {
+Refusal SetBatch(Process& process, Conversation& talk, const std::array<std::int32_t, 5>& batch) {
     int slot = process.Config.ActiveSlot;
     if (slot < 1 || slot > 2) return std::nullopt;
     process.Slots[slot - 1].Batch = batch;

@@ -11,7 +11,6 @@
 #include <optional>
 #include <string>
 
-#include "system/slots.h"
 
 namespace kirvana {
 
@@ -102,7 +101,8 @@ std::array<bool, 2> ReadBlockSkips(Conversation& talk);
 
 // BatchForm: "&SET" sends the counters and writes the active slot's `.btc`; "&CLEAR" zeroes them.
 // Gives the warning "File Fault : " and the file when the `.btc` can't be written.
-Refusal SetBatch(Process& process, Conversation& talk, const SlotBatch& batch);
+// The counters: parts per sheet, parts required, sheets required, completed sheets, sheets to go.
+Refusal SetBatch(Process& process, Conversation& talk, const std::array<std::int32_t, 5>& batch);
 Refusal ClearBatch(Process& process, Conversation& talk);
 
 // FrontEnd.ProgramButton: the active slot changes, Control.cfg is written and the card gets the
