@@ -77,8 +77,8 @@ const Command Commands[] = {
     {"tool", Tool, "tool \"TEXT\" [--inches] [--station-type N]   read a tool text, print the record and its description"},
     {"reverse", Reverse, "reverse STEM --root ROOT --program NAME --dir DIR   draw STEM + \"M1\", \"M2\" into STEM + \"drw\", print the critical errors and records"},
     {"drawing", Drawing, "drawing FILE                     list the records of a drawing file"},
-    {"expand", Expand, "expand STEM [--root ROOT]        expand STEM + \"drw\" into single hits in STEM + \"dr1\", print the hits"},
     {"watch", Watch, "watch --root ROOT [--ticks N] [--interval MS] [--start] [--until-idle]   follow the machine tick by tick"},
+    {"expand", Expand, "expand STEM [--root ROOT]        expand STEM + \"drw\" into single hits in STEM + \"dr1\", print the hits"},
 };
 
 // The list of commands: on stdout with exit code 0 when asked for, on stderr with 2 after a

@@ -10,7 +10,7 @@
 #include "controller/controller_platform.h"
 #include "controller/conversation.h"
 #include "controller/display_model.h"
-#include "controller/poll_cycle.h"
+#include "system/poll_cycle.h"
 #include "core/config.h"
 #include "system/slots.h"
 #include "tooling/tooling.h"

@@ -377,8 +377,8 @@ std::string CardSimulator::Command(const std::string& line) {
         return out + "(" + std::to_string(Received().size()) + " commands)";
     }
     return "commands: set NAME VALUE | get NAME | raise BITS | station N | hit [N] | hold MS | slow MS | drop | "
-           "reject [TEXT] | motor N POSITION [FOLLOWING] | axis N DEFINITION | pc PROGRAM WORD | program N | "
-           "start | feedhold | abort | speed BLOCKS_PER_S | walk STEPS | optional on|off | run | log | quit";
+           "reject [TEXT] | motor N POSITION [FOLLOWING] | axis N DEFINITION | pc PROGRAM WORD | program N | start | feedhold | "
+           "abort | speed BLOCKS_PER_S | walk STEPS | optional on|off | run | log | quit";
 }
 
 // Program runs.

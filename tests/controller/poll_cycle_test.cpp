@@ -1,4 +1,4 @@
-#include "controller/poll_cycle.h"
+#include "system/poll_cycle.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "controller/card_link.h"
-#include "controller/poll_cycle.h"
+#include "system/poll_cycle.h"
 #include "system/startup.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "controller/machine_commands.h"
+#include "system/machine_commands.h"
 
 #include "controller/card_variables.h"
 #include "core/number.h"
@@ -14,8 +14,6 @@ Refusal Refuse(bool refused, const char* firstLine, const char* secondLine = Run
     if (!refused) return std::nullopt;
     return std::string(firstLine) + "\n\n" + secondLine;
 }
-
-Refusal FileFault(const std::string& file) { return "File Fault : " + file; }
 
 bool RunningHoldOrCycle(const Process& process) { return process.Running || process.InFeedhold || process.InCycle; }
 
@@ -195,24 +193,24 @@ std::array<bool, 2> ReadBlockSkips(Conversation& talk) {
     return {talk.GetRspnsBln(card::BlockSkip[0]), talk.GetRspnsBln(card::BlockSkip[1])};
 }
 
-Refusal SetBatch(Process& process, Conversation& talk, const std::array<std::int32_t, 5>& batch) {
+bool SetBatch(Process& process, Conversation& talk, const SlotBatch& batch) {
     int slot = process.Config.ActiveSlot;
-    if (slot < 1 || slot > 2) return std::nullopt;
+    if (slot < 1 || slot > 2) return true;
     process.Slots[slot - 1].Batch = batch;
     SendBatchBlock(talk, {batch[0], batch[1], batch[2], batch[3]});
-    if (!WriteSlotBatch(process.Config.Dirs, slot, batch)) return FileFault(SlotFile(process.Config.Dirs, slot, "btc"));
-    return std::nullopt;
+    return WriteSlotBatch(process.Config.Dirs, slot, batch);
 }
 
-Refusal ClearBatch(Process& process, Conversation& talk) { return SetBatch(process, talk, SlotBatch{}); }
+bool ClearBatch(Process& process, Conversation& talk) { return SetBatch(process, talk, SlotBatch{}); }
 
 Refusal ChangeActiveSlot(Process& process, StartupPlatform& platform, CardLink* link, int slot) {
     if (Refusal refusal = SlotChangeInterlock(process)) return refusal;
     if (slot != 1 && slot != 2) return std::nullopt;
     process.Config.ActiveSlot = static_cast<std::int16_t>(slot);
-    bool written = WriteControlConfig(process.Config);
+    // The change stands on the card either way; a Control.cfg that can't be written is told.
+    if (!WriteControlConfig(process.Config))
+        platform.ShowWarning("File Fault : " + process.Config.Dirs.RootDir + "Control.cfg");
     SendSlotBlocks(process, platform, link, process.Slots[slot - 1].HitCount);
-    if (!written) return FileFault(process.Config.Dirs.RootDir + "Control.cfg");
     return std::nullopt;
 }
 

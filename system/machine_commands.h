@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 
+#include "system/slots.h"
 
 namespace kirvana {
 
@@ -100,14 +101,12 @@ void SetBlockSkip(Conversation& talk, int which, bool on);
 std::array<bool, 2> ReadBlockSkips(Conversation& talk);
 
 // BatchForm: "&SET" sends the counters and writes the active slot's `.btc`; "&CLEAR" zeroes them.
-// Gives the warning "File Fault : " and the file when the `.btc` can't be written.
-// The counters: parts per sheet, parts required, sheets required, completed sheets, sheets to go.
-Refusal SetBatch(Process& process, Conversation& talk, const std::array<std::int32_t, 5>& batch);
-Refusal ClearBatch(Process& process, Conversation& talk);
+// False when the `.btc` could not be written (the card has the counters all the same).
+bool SetBatch(Process& process, Conversation& talk, const SlotBatch& batch);
+bool ClearBatch(Process& process, Conversation& talk);
 
 // FrontEnd.ProgramButton: the active slot changes, Control.cfg is written and the card gets the
-// slot's blocks and hit counter. Gives the refusal, or the warning "File Fault : " and the file
-// when Control.cfg can't be written (the change stands, and the card has been told).
+// slot's blocks and hit counter.
 Refusal ChangeActiveSlot(Process& process, StartupPlatform& platform, CardLink* link, int slot);
 
 }  // namespace kirvana

@@ -2,7 +2,7 @@
 // together: the first round trip carries the status word and every read of the visible forms,
 // a second one only the data of the requests the status word raised. Each query is still
 // remembered and logged on its own, and a query that fails reads 0.
-#include "controller/poll_cycle.h"
+#include "system/poll_cycle.h"
 
 #include <algorithm>
 #include <cmath>
