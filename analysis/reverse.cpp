@@ -14,6 +14,7 @@
 #include "core/text.h"
 #include "translate/cycle_maths.h"
 #include "translate/cycle_maths_more.h"
+#include "translate/cycle_words.h"
 
 namespace kirvana {
 
@@ -275,6 +276,8 @@ private:
     double Value(std::string_view key);
     double Length(std::string_view key);
     std::int16_t Integer(std::string_view key);
+    // The words of the block as the cycles read them.
+    CycleWordReader CycleWords();
     // Plain text search for a code; codes begin with "G", "M" or "I", so only the places of
     // those letters, indexed once per block, are looked at.
     bool Has(std::string_view code) const;
@@ -393,6 +396,11 @@ double ReverseRun::Value(std::string_view key) {
         return Missing;
     }
     return value;
+}
+
+CycleWordReader ReverseRun::CycleWords() {
+    return {[this](const char* key) { return Value(key); }, [this](const char* key) { return Length(key); },
+            [this](const char* key) { return Integer(key); }};
 }
 
 double ReverseRun::Length(std::string_view key) {
@@ -1266,26 +1274,11 @@ void ReverseRun::CycleG64() {
 
 // G28: an arc of hits around a centre given from the position or from the origin.
 void ReverseRun::CycleG28() {
-    auto value = [&](const char* key, double missing, bool length) {
-        double v = length ? Length(key) : Value(key);
-        return v == Missing ? missing : v;
-    };
-    double r = value("R", Missing, true);
-    ArcPattern arc;
-    arc.I = value("I", 0, true);
-    arc.J = value("J", 0, true);
-    std::int16_t p1 = Integer("P1=");
-    arc.P1 = p1 == Missing ? 0 : p1;
-    arc.P2 = value("P2=", 0, false);
-    arc.P3 = value("P3=", Missing, false);
-    arc.P3Given = arc.P3 != Missing;
-    arc.P4 = value("P4=", Missing, false);
-    arc.P4Given = arc.P4 != Missing;
-    arc.P5 = value("P5=", 0, false);
-    double p7 = value("P7=", Missing, true);
-    double p8 = value("P8=", Missing, true);
-    std::int16_t p9 = Integer("P9=");
-    bool stay = p9 != Missing && p9 != 0;
+    ArcWords words = ReadArcWords(CycleWords());
+    double r = words.R;
+    ArcPattern& arc = words.Arc;
+    double p7 = words.P7, p8 = words.P8;
+    bool stay = words.Stay;
     arc.MirrorX = S.MirrorX;
     arc.MirrorY = S.MirrorY;
     if (arc.P1 == 1) {
@@ -1323,30 +1316,18 @@ void ReverseRun::CycleG28() {
 
 // G26: a grid of hits walked to and fro, or with one row a row of hits.
 void ReverseRun::CycleG26() {
-    auto value = [&](const char* key, bool length) {
-        double v = length ? Length(key) : Value(key);
-        return v == Missing ? 0.0 : v;
-    };
-    auto integer = [&](const char* key) {
-        std::int16_t v = Integer(key);
-        return v == Missing ? std::int16_t{0} : v;
-    };
-    double i = Length("I");
-    bool iGiven = i != Missing;
-    double j = Length("J");
-    bool jGiven = j != Missing;
-    GridPattern grid;
-    grid.P1 = integer("P1=");
-    grid.P2 = value("P2=", true);
-    grid.P3 = integer("P3=");
-    grid.P4 = value("P4=", true);
-    grid.P5 = value("P5=", false);
-    grid.P7 = value("P7=", true);
-    grid.P8 = value("P8=", true);
+    GridWords words = ReadGridWords(CycleWords());
+    double i = words.I, j = words.J;
+    bool iGiven = i != Missing, jGiven = j != Missing;
+    GridPattern& grid = words.Grid;
     grid.MirrorX = S.MirrorX;
     grid.MirrorY = S.MirrorY;
-    bool stay = integer("P9=") != 0;
-    double offsetX = value("P10=", true), offsetY = value("P11=", true);
+    bool stay = words.Stay;
+    auto value = [&](const char* key) {
+        double v = Length(key);
+        return v == Missing ? 0.0 : v;
+    };
+    double offsetX = value("P10="), offsetY = value("P11=");
     if (grid.P1 == 1 || grid.P3 == 1) {
         Error(pass_message::InvalidHitsP1P3, true);
         return;
@@ -1424,14 +1405,10 @@ void ReverseRun::CycleG26() {
 
 // G36: a straight line nibbled as a pattern from the position.
 void ReverseRun::CycleG36() {
-    double i = Length("I");
-    bool iGiven = i != Missing;
-    double j = Length("J");
-    bool jGiven = j != Missing;
-    double p1 = Length("P1=");
-    if (p1 == Missing) p1 = 0;
-    double p5 = Value("P5=");
-    if (p5 == Missing) p5 = 0;
+    NibbleLineWords words = ReadNibbleLineWords(CycleWords());
+    double i = words.I, j = words.J;
+    bool iGiven = i != Missing, jGiven = j != Missing;
+    double p1 = words.P1, p5 = words.P5;
     if (p1 < 0) {
         p1 = std::fabs(p1);
         p5 = NormaliseAngle(p5 + 180);
@@ -1469,14 +1446,9 @@ void ReverseRun::CycleG36() {
 
 // G37: an arc nibbled as a pattern around the centre the position plus I, J.
 void ReverseRun::CycleG37() {
-    auto length = [&](const char* key) {
-        double v = Length(key);
-        return v == Missing ? 0.0 : v;
-    };
-    double r = length("R"), i = length("I"), j = length("J");
-    double p1 = Value("P1=");
-    if (p1 == Missing) p1 = 0;
-    double p5 = Value("P5=");
+    NibbleArcWords words = ReadNibbleArcWords(CycleWords());
+    double r = words.R, i = words.I, j = words.J;
+    double p1 = words.P1, p5 = words.P5;
     double p10 = Value("P10=");
     double step = NibbleIncrement();
     if (p5 == Missing) {

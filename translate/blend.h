@@ -12,6 +12,7 @@
 
 #include "core/config.h"
 #include "core/words.h"
+#include "translate/cycle_words.h"
 #include "translate/pass_messages.h"
 
 namespace kirvana {
@@ -114,6 +115,8 @@ private:
     bool NibbleHits(const std::string& block, double length, double step);
     // A length word: converted under G70, the missing value taken first when `always`.
     double Length(double value, bool given, bool always) const;
+    // The words of the block as the cycles read them.
+    CycleWordReader CycleWords(const std::string& block);
     void ClearAndStep();
     void MoveBy(double dx, double dy);
 
