@@ -12,6 +12,7 @@
 #include "core/number.h"
 #include "core/paths.h"
 #include "core/text.h"
+#include "translate/code_index.h"
 #include "translate/cycle_maths.h"
 #include "translate/cycle_maths_more.h"
 #include "translate/cycle_words.h"
@@ -278,10 +279,8 @@ private:
     std::int16_t Integer(std::string_view key);
     // The words of the block as the cycles read them.
     CycleWordReader CycleWords();
-    // Plain text search for a code; codes begin with "G", "M" or "I", so only the places of
-    // those letters, indexed once per block, are looked at.
-    bool Has(std::string_view code) const;
-    void IndexCodes();
+    // Plain text search for a code in the working block.
+    bool Has(std::string_view code) const { return codes_.Has(block_, code); }
     void Error(std::string_view message, bool critical);
     void CheckLimit(double x, double y);
 
@@ -362,32 +361,8 @@ private:
     std::int64_t linesRead_ = 0;
     LabelIndex m1Labels_, m2Labels_;
     std::int64_t hitWork_ = 0;
-    std::array<std::uint16_t, 64> codeAt_{};
-    int codes_ = 0;  // -1: too many letters to index, search the whole block
+    CodeIndex codes_;  // where the codes stand in the working block
 };
-
-void ReverseRun::IndexCodes() {
-    codes_ = 0;
-    for (std::size_t i = 0; i < block_.size(); ++i) {
-        char c = block_[i];
-        if (c != 'G' && c != 'M' && c != 'I') continue;
-        if (codes_ == static_cast<int>(codeAt_.size()) || i > UINT16_MAX) {
-            codes_ = -1;
-            return;
-        }
-        codeAt_[codes_++] = static_cast<std::uint16_t>(i);
-    }
-}
-
-bool ReverseRun::Has(std::string_view code) const {
-    if (codes_ < 0) return block_.find(code) != std::string::npos;
-    const std::string_view block(block_);
-    for (int k = 0; k < codes_; ++k) {
-        std::size_t at = codeAt_[k];
-        if (block[at] == code[0] && block.compare(at, code.size(), code) == 0) return true;
-    }
-    return false;
-}
 
 double ReverseRun::Value(std::string_view key) {
     double value = reader_.WordValue(block_, key);
@@ -522,7 +497,7 @@ ReverseResult ReverseRun::Run() {
         // "M10 0" is no M100.
         block_ = BeforeComment(line_);
         for (char& c : block_) c = UpperChar(c);
-        IndexCodes();
+        codes_.Build(block_);
         HandleBlock();
     }
     // A jump or a call whose block number never came.

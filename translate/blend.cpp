@@ -67,18 +67,6 @@ std::int16_t BlendPass::BlendInteger(std::string_view block, std::string_view ke
     return value;
 }
 
-bool BlendPass::Holds(const char* code) const {
-    if (codes_ < 0) return block_.find(code) != std::string::npos;
-    for (int k = 0; k < codes_; ++k) {
-        std::size_t at = codeAt_[k];
-        if (block_[at] != code[0]) continue;
-        std::size_t i = 1;
-        while (code[i] && at + i < block_.size() && block_[at + i] == code[i]) ++i;
-        if (!code[i]) return true;
-    }
-    return false;
-}
-
 double BlendPass::MirrorAngle(double angle) const {
     return kirvana::MirrorAngle(angle, State.BlendMirrorX, State.BlendMirrorY);
 }
@@ -409,13 +397,7 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
     block_ = StripBlanks(BeforeComment(s.BlendLine));
     for (char& c : block_) c = UpperChar(c);
     const std::string& b = block_;
-    // Where the codes can stand: every "G" and "M" (more than the index holds: search all).
-    codes_ = 0;
-    for (std::size_t i = 0; i < b.size() && codes_ >= 0; ++i) {
-        if (b[i] != 'G' && b[i] != 'M') continue;
-        if (codes_ == 32) codes_ = -1;
-        else codeAt_[codes_++] = i;
-    }
+    codes_.Build(b);
     // 3. Variable assignments.
     if (b.find('P') != std::string::npos) StoreAssignments(b);
     // 4. The tool, in punch mode.

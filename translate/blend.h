@@ -12,6 +12,7 @@
 
 #include "core/config.h"
 #include "core/words.h"
+#include "translate/code_index.h"
 #include "translate/cycle_words.h"
 #include "translate/pass_messages.h"
 
@@ -120,14 +121,13 @@ private:
     void ClearAndStep();
     void MoveBy(double dx, double dy);
 
-    // Substring tests of "G" and "M" codes look only where those letters stand in the block.
-    bool Holds(const char* code) const;
+    // Whether the working block holds the code (a plain substring test).
+    bool Holds(std::string_view code) const { return codes_.Has(block_, code); }
 
     const BlendSettings& settings_;
     std::ostream* report_ = nullptr;
     std::string block_;  // the working block: no comment, no blanks, upper case
-    std::size_t codeAt_[32];
-    int codes_ = 0;
+    CodeIndex codes_;  // where the codes stand in the working block
 };
 
 // The entry: blends stem + "M1", reporting to ServiceDir + "Blend.txt". Gives the count of
