@@ -10,6 +10,7 @@
 #include "core/paths.h"
 #include "core/text.h"
 #include "translate/cycle_maths.h"
+#include "translate/cycle_maths_more.h"
 
 namespace kirvana {
 
@@ -233,48 +234,6 @@ void BlendPass::ProfileLine() {
     s.LastMove.EndY = s.BlendY;
 }
 
-namespace {
-
-// The sweep of an arc given by its centre, by the machine's orientation and the mirrors.
-double CentreSweep(double sweep, bool g103, std::int16_t orientation, bool mirrorsEqual) {
-    bool clockwiseFirst = (orientation == 1) != g103;  // the case that starts with -360
-    if (clockwiseFirst) {
-        if (sweep == 0) sweep = -360;
-        if (mirrorsEqual) {
-            if (sweep > 0) sweep -= 360;
-            if (sweep == 0) sweep = -360;
-        } else {
-            if (sweep < 0) sweep += 360;
-            if (sweep == 0) sweep = 360;
-        }
-    } else {
-        if (sweep == 0) sweep = 360;
-        if (!mirrorsEqual) {
-            if (sweep > 0) sweep -= 360;
-            if (sweep == 0) sweep = -360;
-        } else {
-            if (sweep < 0) sweep += 360;
-            if (sweep == 0) sweep = 360;
-        }
-    }
-    return sweep;
-}
-
-// The sweep of a candidate arc given by its radius: G102 turns positive with equal mirrors.
-double RadiusSweep(double sweep, bool g103, bool mirrorsEqual) {
-    if (sweep == 0) sweep = 360;
-    if (mirrorsEqual != g103) {
-        while (sweep < 0) sweep += 360;
-        if (sweep == 0) sweep = 360;
-    } else {
-        if (sweep > 0) sweep -= 360;
-        if (sweep == 0) sweep = -360;
-    }
-    return sweep;
-}
-
-}  // namespace
-
 void BlendPass::ProfileArc(const std::string& block, bool g103) {
     BlendState& s = State;
     // 1. R, I, J; the mirrors turn the centre offset.
@@ -287,58 +246,21 @@ void BlendPass::ProfileArc(const std::string& block, bool g103) {
     if (s.BlendMirrorX) i = 0 - i;
     if (s.BlendMirrorY) j = 0 - j;
     s.BlendArcCode = g103 ? 3 : 2;
+    // 2, 3. Given by its centre, or by its radius (negative R asks for the longer arc). By the
+    // centre, G102 turns negative with equal mirrors on a machine of orientation 1; by the
+    // radius, G102 turns positive with equal mirrors; G103 and unequal mirrors turn either round.
     bool mirrorsEqual = s.BlendMirrorX == s.BlendMirrorY;
-    double radius, centreX, centreY, startAngle, sweep;
-    if (r == 0) {
-        // 2. Given by its centre.
-        radius = std::sqrt(i * i + j * j);
-        centreX = s.BlendPrevX + i;
-        centreY = s.BlendPrevY + j;
-        double startRadius, endRadius, endAngle;
-        XYToPolar(s.BlendPrevX - centreX, s.BlendPrevY - centreY, startRadius, startAngle);
-        XYToPolar(s.BlendX - centreX, s.BlendY - centreY, endRadius, endAngle);
-        if (std::fabs(startRadius - endRadius) > 0.05) {
-            BlendError(block, pass_message::InvalidIJ, true);
-            return;
-        }
-        sweep = CentreSweep(endAngle - startAngle, g103, settings_.MachineOrientation, mirrorsEqual);
-    } else {
-        // 3. Given by its radius: negative R asks for the longer arc.
-        bool largeArc = r < 0;
-        r = std::fabs(r);
-        double dx = static_cast<double>(s.BlendX) - s.BlendPrevX;
-        double dy = static_cast<double>(s.BlendY) - s.BlendPrevY;
-        if (dx == 0) dx = 1E-15;
-        double chordAngle = RadToDeg(std::atan(dy / dx));
-        double halfChord = std::sqrt(dx * dx + dy * dy) / 2;
-        if (r < halfChord) {
-            BlendError(block, pass_message::InvalidR, true);
-            return;
-        }
-        double midX = s.BlendPrevX + dx / 2, midY = s.BlendPrevY + dy / 2;
-        double height = std::sqrt(r * r - halfChord * halfChord);
-        struct Candidate {
-            double CentreX, CentreY, StartAngle, Sweep;
-        } candidates[2];
-        for (int k = 0; k < 2; ++k) {
-            double ox, oy;
-            PolarToXY(height, chordAngle + (k == 0 ? 90 : 270), ox, oy);
-            Candidate& c = candidates[k];
-            c.CentreX = midX + ox;
-            c.CentreY = midY + oy;
-            double startRadius, endRadius, endAngle;
-            XYToPolar(s.BlendPrevX - c.CentreX, s.BlendPrevY - c.CentreY, startRadius, c.StartAngle);
-            XYToPolar(s.BlendX - c.CentreX, s.BlendY - c.CentreY, endRadius, endAngle);
-            c.Sweep = RadiusSweep(endAngle - c.StartAngle, g103, mirrorsEqual);
-        }
-        bool shortSecond = std::fabs(candidates[1].Sweep) <= 180;
-        const Candidate& kept = candidates[(shortSecond != largeArc) ? 1 : 0];
-        radius = r;
-        centreX = kept.CentreX;
-        centreY = kept.CentreY;
-        startAngle = kept.StartAngle;
-        sweep = kept.Sweep;
+    bool clockwiseFirst = (settings_.MachineOrientation == 1) != g103;
+    int centreSense = clockwiseFirst == mirrorsEqual ? -1 : 1;
+    int radiusSense = mirrorsEqual != g103 ? 1 : -1;
+    ArcGeometry arc;
+    switch (ArcThrough(s.BlendPrevX, s.BlendPrevY, s.BlendX, s.BlendY, r, i, j, centreSense, radiusSense, arc)) {
+    case ArcCheck::InvalidIJ: BlendError(block, pass_message::InvalidIJ, true); return;
+    case ArcCheck::InvalidR: BlendError(block, pass_message::InvalidR, true); return;
+    case ArcCheck::Ok: break;
     }
+    const double radius = arc.Radius, centreX = arc.CentreX, centreY = arc.CentreY;
+    const double startAngle = arc.StartAngle, sweep = arc.Sweep;
     if (!s.BlendTorchOn) {
         // 4. No cut: no mark, and the chain ends.
         ClearLastMove();
