@@ -286,7 +286,6 @@ private:
 
     // The block.
     void HandleBlock();
-    void StoreAssignments();
     bool ApplyPosition();
     void ChangeTool();
     void CallSubroutine();
@@ -536,7 +535,7 @@ void ReverseRun::HandleBlock() {
         S.Skipping = false;
     }
     // 3a. Variable assignments P12 to P99; a condition's "P12=1" is a comparison, not one.
-    if (block_.find('P') != std::string::npos && !Has("IF")) StoreAssignments();
+    if (block_.find('P') != std::string::npos && !Has("IF")) StoreAssignments(block_, reader_, S.Parameters);
     // 4. Calls, conditions and jumps end the block.
     if (Has("G68") || Has("G69") || Has("G98")) {
         CallSubroutine();
@@ -680,23 +679,6 @@ void ReverseRun::HandleBlock() {
     // 7.24 Stops.
     if (Has("M00")) Stop(false);
     else if (Has("M01")) Stop(true);
-}
-
-void ReverseRun::StoreAssignments() {
-    // "Pnn=" words: a "P" whose third following character is "="; each piece runs to the next.
-    std::size_t marks[101];
-    int count = 0;
-    for (std::size_t i = 0; i + 3 < block_.size() && count < 100; ++i)
-        if (block_[i] == 'P' && block_[i + 3] == '=') marks[count++] = i;
-    marks[count] = block_.size();
-    for (int k = 0; k < count; ++k) {
-        std::string_view piece = std::string_view(block_).substr(marks[k], marks[k + 1] - marks[k]);
-        std::int16_t number = reader_.WordInteger(piece.substr(0, 3), 'P');
-        if (reader_.WordMissing || number < 12 || number > 99) continue;
-        std::string key = "P" + std::to_string(number) + "=";
-        double value = reader_.WordValue(piece, key);
-        if (!reader_.WordMissing && std::isfinite(value)) S.Parameters.P[number] = value;
-    }
 }
 
 bool ReverseRun::ApplyPosition() {

@@ -239,4 +239,20 @@ std::int16_t ValueReader::WordInteger(std::string_view block, std::string_view k
     return *value;
 }
 
+void StoreAssignments(std::string_view block, ValueReader& reader, ProgramParameters& parameters) {
+    constexpr int MostAssignments = 100;
+    std::size_t marks[MostAssignments + 1];
+    int count = 0;
+    for (std::size_t i = 0; i + 3 < block.size() && count < MostAssignments; ++i)
+        if (block[i] == 'P' && block[i + 3] == '=') marks[count++] = i;
+    marks[count] = block.size();
+    for (int k = 0; k < count; ++k) {
+        std::string_view piece = block.substr(marks[k], marks[k + 1] - marks[k]);
+        std::int16_t number = reader.WordInteger(piece.substr(0, 3), 'P');
+        if (reader.WordMissing || number < 12 || number > 99) continue;
+        double value = reader.WordValue(piece, "P" + std::to_string(number) + "=");
+        parameters.P[static_cast<std::size_t>(number)] = reader.WordMissing ? -999.0 : value;
+    }
+}
+
 }  // namespace kirvana

@@ -82,23 +82,6 @@ void BlendPass::BlendError(std::string_view block, std::string_view message, boo
     if (critical && State.BlendCritical < 32767) ++State.BlendCritical;
 }
 
-void BlendPass::StoreAssignments(const std::string& block) {
-    // "Pnn=" words: a "P" whose third following character is "=". Each one's piece runs to
-    // the next such word or the end of the block.
-    std::size_t marks[101];
-    int count = 0;
-    for (std::size_t i = 0; i + 3 < block.size() && count < 100; ++i)
-        if (block[i] == 'P' && block[i + 3] == '=') marks[count++] = i;
-    marks[count] = block.size();
-    for (int k = 0; k < count; ++k) {
-        std::string_view piece = std::string_view(block).substr(marks[k], marks[k + 1] - marks[k]);
-        std::int16_t number = BlendInteger(piece.substr(0, 3), "P");
-        if (number < 12 || number > 100) continue;
-        std::string key = "P" + std::to_string(number) + "=";
-        State.BlendParameters.P[number] = BlendValue(piece, key);
-    }
-}
-
 void BlendPass::ReadTool(const std::string& block) {
     // The first T that is part of neither "GOTO" nor "TRUNC".
     for (std::size_t i = block.find('T'); i != std::string::npos; i = block.find('T', i + 1)) {
@@ -321,7 +304,7 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
     const std::string& b = block_;
     codes_.Build(b);
     // 3. Variable assignments.
-    if (b.find('P') != std::string::npos) StoreAssignments(b);
+    if (b.find('P') != std::string::npos) StoreAssignments(b, Reader, State.BlendParameters);
     // 4. The tool, in punch mode.
     if (!s.BlendProfiling && b.find('T') != std::string::npos) ReadTool(b);
     // 5. Absolute or incremental, metric or inch: the later code wins.

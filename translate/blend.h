@@ -93,7 +93,6 @@ public:
     ValueReader Reader{&State.BlendParameters};
 
 private:
-    void StoreAssignments(const std::string& block);
     void ReadTool(const std::string& block);
     void PositionUpdate(const std::string& block);
     void CheckLimits(double x, double y, const std::string& block);
