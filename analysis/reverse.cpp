@@ -79,12 +79,7 @@ std::optional<std::int16_t> NibbleHits(double length, double step) {
 ReverseSettings ReverseSettingsFrom(const MachineData& machine, const Directories& dirs, const StationTable& stations,
                                     const ToolRecord& plasmaTool) {
     ReverseSettings s;
-    s.LoadX = machine.LoadPositionX;
-    s.LoadY = machine.LoadPositionY;
-    s.XLimitMin = machine.XLimitMin;
-    s.XLimitMax = machine.XLimitMax;
-    s.YLimitMin = machine.YLimitMin;
-    s.YLimitMax = machine.YLimitMax;
+    s.Travel = machine.Travel;
     s.ClampCount = machine.ClampCount;
     s.MachineType = machine.MachineType;
     s.MachineOrientation = machine.MachineOrientation;
@@ -464,12 +459,12 @@ ReverseResult ReverseRun::Run() {
     if (!drawing_.Put(1, sheet_)) writeFault_ = true;
     // 8. The modal state.
     S = ReverseState{};
-    S.PosX = S.PrevX = S.LastHitX = settings_.LoadX;
-    S.PosY = S.PrevY = S.LastHitY = settings_.LoadY;
-    S.LimitXLow = settings_.XLimitMin;
-    S.LimitXHigh = settings_.XLimitMax;
-    S.LimitYLow = settings_.YLimitMin;
-    S.LimitYHigh = settings_.YLimitMax;
+    S.PosX = S.PrevX = S.LastHitX = settings_.Travel.LoadPositionX;
+    S.PosY = S.PrevY = S.LastHitY = settings_.Travel.LoadPositionY;
+    S.LimitXLow = settings_.Travel.XLimitMin;
+    S.LimitXHigh = settings_.Travel.XLimitMax;
+    S.LimitYLow = settings_.Travel.YLimitMin;
+    S.LimitYHigh = settings_.Travel.YLimitMax;
     S.ProcessSettings = settings_.ProgramSettings;
 
     // The main loop, until the main text is at its end.
@@ -1697,8 +1692,8 @@ void ReverseRun::LoadPosition() {
     }
     S.PrevX = S.PosX;
     S.PrevY = S.PosY;
-    S.PosX = settings_.LoadX;
-    S.PosY = y == Missing ? settings_.LoadY : ToSingle(y);
+    S.PosX = settings_.Travel.LoadPositionX;
+    S.PosY = y == Missing ? settings_.Travel.LoadPositionY : ToSingle(y);
     BeginEntity(EntityKind::LoadPosition, "Load Position");
     rec_.Points.Position = {S.PosX, S.PosY};
     rec_.Values[1] = S.PosX;

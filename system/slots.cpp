@@ -135,7 +135,7 @@ void ClearSlot(Process& process, int slot) {
     SlotRecord& record = process.Slots[slot - 1];
     // 1. The record to its empty values.
     record = SlotRecord{};
-    record.SlotLoadY = process.Config.Machine.LoadPositionY;
+    record.SlotLoadY = process.Config.Machine.Travel.LoadPositionY;
     ClearPlasmaSetting(record.PlasmaSettings);
     // 3. The slot's files.
     const std::string prefix = "ACTVPRG" + std::to_string(slot) + ".";
@@ -291,7 +291,7 @@ void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link
         // its files are kept, and the operator is told.
         auto unreadable = [&](const std::string& file) {
             record = SlotRecord{};
-            record.SlotLoadY = machine.LoadPositionY;
+            record.SlotLoadY = machine.Travel.LoadPositionY;
             ClearPlasmaSetting(record.PlasmaSettings);
             if (machine.HasTurret) CopyMachineTable(process.Tools, slot);
             platform.ShowWarning(file + " Can Not Be Read !\n\nSlot " + std::to_string(slot) +

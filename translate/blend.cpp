@@ -24,12 +24,7 @@ double Round(float value, int places) { return RoundHalfEven(Number(value), plac
 
 BlendSettings BlendSettingsFrom(const MachineData& machine, const Directories& dirs) {
     BlendSettings s;
-    s.MachineQ10 = machine.LoadPositionX;
-    s.MachineQ11 = machine.LoadPositionY;
-    s.XLimitMin = machine.XLimitMin;
-    s.XLimitMax = machine.XLimitMax;
-    s.YLimitMin = machine.YLimitMin;
-    s.YLimitMax = machine.YLimitMax;
+    s.Travel = machine.Travel;
     s.ProfilerValue = machine.ProfilerValue;
     s.MachineOrientation = machine.MachineOrientation;
     s.RootDir = dirs.RootDir;
@@ -41,12 +36,12 @@ BlendPass::BlendPass(const BlendSettings& settings) : settings_(settings) { Star
 
 void BlendPass::Start() {
     State = BlendState{};
-    State.BlendX = State.BlendPrevX = settings_.MachineQ10;
-    State.BlendY = State.BlendPrevY = settings_.MachineQ11;
-    State.BlendXMin = settings_.XLimitMin;
-    State.BlendXMax = settings_.XLimitMax;
-    State.BlendYMin = settings_.YLimitMin;
-    State.BlendYMax = settings_.YLimitMax;
+    State.BlendX = State.BlendPrevX = settings_.Travel.LoadPositionX;
+    State.BlendY = State.BlendPrevY = settings_.Travel.LoadPositionY;
+    State.BlendXMin = settings_.Travel.XLimitMin;
+    State.BlendXMax = settings_.Travel.XLimitMax;
+    State.BlendYMin = settings_.Travel.YLimitMin;
+    State.BlendYMax = settings_.Travel.YLimitMax;
     Reader = ValueReader(&State.BlendParameters);
 }
 
@@ -283,11 +278,11 @@ void BlendPass::ProfileArc(const std::string& block, bool g103) {
 
 void BlendPass::LoadPosition(const std::string& block) {
     BlendState& s = State;
-    s.BlendX = settings_.MachineQ10;
-    s.BlendY = settings_.MachineQ11;
-    if (settings_.MachineQ10 < s.BlendXMin || settings_.MachineQ10 > s.BlendXMax)
+    s.BlendX = settings_.Travel.LoadPositionX;
+    s.BlendY = settings_.Travel.LoadPositionY;
+    if (settings_.Travel.LoadPositionX < s.BlendXMin || settings_.Travel.LoadPositionX > s.BlendXMax)
         BlendError(block, pass_message::OutOfLimitsX, false);
-    if (settings_.MachineQ11 < s.BlendYMin || settings_.MachineQ11 > s.BlendYMax)
+    if (settings_.Travel.LoadPositionY < s.BlendYMin || settings_.Travel.LoadPositionY > s.BlendYMax)
         BlendError(block, pass_message::OutOfLimitsY, false);
 }
 

@@ -20,8 +20,7 @@ namespace kirvana {
 
 // The machine values and places the pass needs.
 struct BlendSettings {
-    float MachineQ10 = 0, MachineQ11 = 0;  // the load position
-    float XLimitMin = 0, XLimitMax = 0, YLimitMin = 0, YLimitMax = 0;
+    MachineTravel Travel;                  // the load position (the card's Q10, Q11), the limits
     float ProfilerValue = 0;               // degrees within which moves run on tangentially
     std::int16_t MachineOrientation = 1;
     std::string RootDir;                   // for "Blend.tmp"

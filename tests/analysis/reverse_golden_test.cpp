@@ -41,12 +41,7 @@ TEST_P(ReverseGolden, DrawingAndReportAsWorkedOut) {
         std::int16_t dialect = 0;
         ASSERT_EQ(ConvertProgram(dir.Path() + "Slot.", dialect, convert).Status, ConvertStatus::Done);
         BlendSettings blend;
-        blend.MachineQ10 = settings.LoadX;
-        blend.MachineQ11 = settings.LoadY;
-        blend.XLimitMin = settings.XLimitMin;
-        blend.XLimitMax = settings.XLimitMax;
-        blend.YLimitMin = settings.YLimitMin;
-        blend.YLimitMax = settings.YLimitMax;
+        blend.Travel = settings.Travel;
         blend.ProfilerValue = 2;
         blend.RootDir = dir.Path();
         blend.ServiceDir = dir.Path();

@@ -15,12 +15,12 @@ namespace {
 
 BlendSettings Machine() {
     BlendSettings s;
-    s.MachineQ10 = 0;
-    s.MachineQ11 = 1250;
-    s.XLimitMin = -25;
-    s.XLimitMax = 2540;
-    s.YLimitMin = -10;
-    s.YLimitMax = 1270;
+    s.Travel.LoadPositionX = 0;
+    s.Travel.LoadPositionY = 1250;
+    s.Travel.XLimitMin = -25;
+    s.Travel.XLimitMax = 2540;
+    s.Travel.YLimitMin = -10;
+    s.Travel.YLimitMax = 1270;
     s.ProfilerValue = 2;
     s.MachineOrientation = 1;
     s.Now = [] { return std::string("21/11/26 10:30"); };
@@ -161,7 +161,7 @@ TEST_F(BlendTest, PatternsArcsAreNotCheckedByThePositionUpdate) {
 }
 
 TEST_F(BlendTest, LoadPositionOutOfLimitsAlwaysWarns) {
-    settings.MachineQ10 = -50;
+    settings.Travel.LoadPositionX = -50;
     BlendPass p(settings);
     std::ostringstream r;
     p.OpenReport(&r);
