@@ -18,8 +18,8 @@ void CodeIndex::Build(std::string_view block) {
     for (std::uint64_t& word : codes_) word = 0;
     for (std::size_t i = 0; i < block.size(); ++i) {
         if (block[i] != 'G' && block[i] != 'M') continue;
-        if (i + 2 < block.size()) {
-            int bit = CodeBit(block[i], block[i + 1], block[i + 2]);
+        for (std::size_t length = 3; length <= 4 && i + length <= block.size(); ++length) {
+            int bit = CodeBit(block.substr(i, length));
             if (bit >= 0) codes_[bit / 64] |= std::uint64_t{1} << (bit % 64);
         }
         if (count_ == static_cast<int>(std::size(at_))) {
