@@ -1,5 +1,6 @@
 #include "core/words.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/text.h"
@@ -92,6 +93,12 @@ double ValueReader::ScanGroup(std::string_view group, bool& divisionByZero) {
 }
 
 double ValueReader::EvaluateExpression(std::string_view text) {
+    // A plain number (a sign, digits and points) is the number itself: the scan below gives
+    // the same, so most words skip it.
+    std::size_t first = !text.empty() && text[0] == '-' ? 1 : 0;
+    if (first < text.size() &&
+        std::all_of(text.begin() + static_cast<std::ptrdiff_t>(first), text.end(), [](char c) { return IsDigit(c) || c == '.'; }))
+        return ToNumber(text);
     // 1. Cleaning: only digits, ".", operators and parentheses stay.
     std::string s;
     s.reserve(text.size());
