@@ -94,11 +94,20 @@ ReverseSettings ReverseSettingsFrom(const MachineData& machine, const Directorie
 
 namespace {
 
+// A word the language knows as a whole at the place, in either case.
 bool KnownWordAt(std::string_view text, std::size_t at, std::size_t& length) {
     static const char* const words[] = {"RETURN", "ROUND", "TRUNC", "GOTO", "ENDIF", "ABORT", "IF"};
+    // Most letters start no known word: only those that do are compared.
+    switch (UpperChar(text[at])) {
+    case 'R': case 'T': case 'G': case 'E': case 'A': case 'I': break;
+    default: return false;
+    }
     for (const char* word : words) {
         std::size_t n = std::char_traits<char>::length(word);
-        if (text.compare(at, n, word) == 0) {
+        if (at + n > text.size()) continue;
+        std::size_t k = 0;
+        while (k < n && UpperChar(text[at + k]) == word[k]) ++k;
+        if (k == n) {
             length = n;
             return true;
         }
@@ -112,9 +121,9 @@ bool Digit(char c) { return c >= '0' && c <= '9'; }
 
 bool CheckWords(const std::vector<std::string>& lines) {
     for (const std::string& line : lines) {
-        std::string text = UpperCase(line.substr(0, line.find(';')));
+        std::string_view text = std::string_view(line).substr(0, line.find(';'));
         for (std::size_t i = 0; i < text.size();) {
-            char c = text[i];
+            char c = UpperChar(text[i]);
             if (IsLetter(c)) {
                 // A word the language knows as a whole, or one letter followed by its value.
                 std::size_t length = 0;
@@ -124,7 +133,7 @@ bool CheckWords(const std::vector<std::string>& lines) {
                 }
                 std::size_t next = i + 1;
                 while (next < text.size() && (text[next] == ' ' || text[next] == '\t')) ++next;
-                if (next < text.size() && IsLetter(text[next])) {
+                if (next < text.size() && IsLetter(UpperChar(text[next]))) {
                     // Two letters in a row are no word of the language, except a known word.
                     std::size_t known = 0;
                     if (!KnownWordAt(text, next, known)) return false;
@@ -274,8 +283,16 @@ private:
     std::int16_t Integer(std::string_view key);
     // The words of the block as the cycles read them.
     CycleWordReader CycleWords();
-    // Plain text search for a code in the working block.
-    bool Has(std::string_view code) const { return codes_.Has(block_, code); }
+    // Plain text search for a code in the working block; inlined, so that a constant code is
+    // one bit of the index.
+    [[gnu::always_inline]] bool Has(std::string_view code) const { return codes_.Has(block_, code); }
+    // The index of the working block, and which letters it holds: a word whose letter is not
+    // there is missing without a search.
+    void IndexBlock();
+    bool MayHold(std::string_view key) const {
+        char c = key.empty() ? '\0' : key[0];
+        return c < 'A' || c > 'Z' || (letters_ >> (c - 'A') & 1) != 0;
+    }
     void Error(std::string_view message, bool critical);
     void CheckLimit(double x, double y);
 
@@ -355,10 +372,22 @@ private:
     std::int64_t linesRead_ = 0;
     LabelIndex m1Labels_, m2Labels_;
     std::int64_t hitWork_ = 0;
-    CodeIndex codes_;  // where the codes stand in the working block
+    CodeIndex codes_;           // where the codes stand in the working block
+    std::uint32_t letters_ = 0;  // bit k: the working block holds the letter 'A' + k
 };
 
+void ReverseRun::IndexBlock() {
+    codes_.Build(block_);
+    letters_ = 0;
+    for (char c : block_)
+        if (c >= 'A' && c <= 'Z') letters_ |= std::uint32_t{1} << (c - 'A');
+}
+
 double ReverseRun::Value(std::string_view key) {
+    if (!MayHold(key)) {
+        reader_.WordMissing = true;
+        return Missing;
+    }
     double value = reader_.WordValue(block_, key);
     if (reader_.WordMissing || value == Missing || !std::isfinite(value)) {
         reader_.WordMissing = true;
@@ -380,6 +409,10 @@ double ReverseRun::Length(std::string_view key) {
 
 std::int16_t ReverseRun::Integer(std::string_view key) {
     reader_.IntegerOverflow = false;
+    if (!MayHold(key)) {
+        reader_.WordMissing = true;
+        return static_cast<std::int16_t>(Missing);
+    }
     std::int16_t value = reader_.WordInteger(block_, key);
     if (reader_.IntegerOverflow) {
         Overflow();
@@ -491,7 +524,7 @@ ReverseResult ReverseRun::Run() {
         // "M10 0" is no M100.
         block_ = BeforeComment(line_);
         for (char& c : block_) c = UpperChar(c);
-        codes_.Build(block_);
+        IndexBlock();
         HandleBlock();
     }
     // A jump or a call whose block number never came.
