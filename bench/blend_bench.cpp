@@ -55,7 +55,7 @@ void BM_BlendProgram(benchmark::State& state) {
         state.PauseTiming();
         WriteMotion(dir + "Bench.M1", blocks);
         state.ResumeTiming();
-        benchmark::DoNotOptimize(BlendProgram("Bench", "BENCH", dir + "Bench.", settings));
+        benchmark::DoNotOptimize(BlendProgram("Bench", "BENCH", dir + "Bench.", settings).CriticalCount);
     }
     state.SetItemsProcessed(state.iterations() * blocks);
     state.SetLabel("blocks");

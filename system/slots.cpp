@@ -219,9 +219,8 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     if (converted.Status != ConvertStatus::Done) return fail(record.ProgramName + "\n\n" + ConvertStatusText(converted.Status));
     SetCommentMarks(record, false);
     // 11. The Blend pass; 12. the Reverse pass judges.
-    std::string blendFault;
-    if (BlendProgram(record.ProgramDirName, record.ProgramName, stem, BlendSettingsFrom(machine, dirs), &blendFault) < 0)
-        return fileFault(blendFault);
+    BlendResult blended = BlendProgram(record.ProgramDirName, record.ProgramName, stem, BlendSettingsFrom(machine, dirs));
+    if (blended.FileFault) return fileFault(blended.FaultFile);
     ReverseResult reversed = ReverseSlot(process, slot, stem, record);
     if (reversed.FileFault) return fileFault(reversed.FaultFile);
     if (reversed.Result > 0) return fail(record.ProgramName + "\n\nCan Not Be Selected Due To Errors in Code !");

@@ -412,8 +412,8 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
     return s.BlendOutLine;
 }
 
-std::int16_t BlendProgram(std::string_view directory, std::string_view name, std::string_view stem,
-                          const BlendSettings& settings, std::string* fileFault) {
+BlendResult BlendProgram(std::string_view directory, std::string_view name, std::string_view stem,
+                         const BlendSettings& settings) {
     // 1. The report with its header, written whole at the end; the motion text; the new text.
     std::ostringstream report;
     report << "PROGRAM   :  " << Trim(name) << '\n'
@@ -426,8 +426,7 @@ std::int16_t BlendProgram(std::string_view directory, std::string_view name, std
     auto fault = [&](const std::string& file) {
         std::error_code error;
         std::filesystem::remove(temporary, error);
-        if (fileFault) *fileFault = file;
-        return std::int16_t{-1};
+        return BlendResult{0, true, file};
     };
     NoteFile(settings.ServiceDir, motion);
     std::ifstream in(motion, std::ios::binary);
@@ -455,9 +454,10 @@ std::int16_t BlendProgram(std::string_view directory, std::string_view name, std
     if (!written) return fault(temporary);
     if (!reported) return fault(reportPath);
     // 5. Only a text without critical errors replaces M1, in one step.
-    std::int16_t critical = pass.State.BlendCritical;
-    if (critical == 0 && !MoveFileOver(temporary, motion)) return fault(motion);
-    return critical;
+    BlendResult result;
+    result.CriticalCount = pass.State.BlendCritical;
+    if (result.CriticalCount == 0 && !MoveFileOver(temporary, motion)) return fault(motion);
+    return result;
 }
 
 }  // namespace kirvana

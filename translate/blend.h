@@ -128,12 +128,19 @@ private:
     CodeIndex codes_;  // where the codes stand in the working block
 };
 
-// The entry: blends stem + "M1", reporting to ServiceDir + "Blend.txt". Gives the count of
-// critical errors: 0 replaces M1 by the blended text; otherwise M1 stays and "Blend.tmp" is
-// left in RootDir. -1 when the motion file cannot be read or "Blend.tmp", the report or the new
-// M1 cannot be written: M1 then stays as it was, no "Blend.tmp" is left, and `fileFault` (when
-// given) names the file.
-[[nodiscard]] std::int16_t BlendProgram(std::string_view directory, std::string_view name, std::string_view stem,
-                                        const BlendSettings& settings, std::string* fileFault = nullptr);
+// What the pass gives, in the fields every pass reports with.
+struct BlendResult {
+    // The critical errors: 0 replaced M1 by the blended text; otherwise M1 stays and
+    // "Blend.tmp" is left in RootDir.
+    std::int16_t CriticalCount = 0;
+    // The motion file could not be read or "Blend.tmp", the report or the new M1 could not be
+    // written: M1 stays as it was and no "Blend.tmp" is left.
+    bool FileFault = false;
+    std::string FaultFile;  // with FileFault: the file
+};
+
+// The entry: blends stem + "M1", reporting to ServiceDir + "Blend.txt".
+[[nodiscard]] BlendResult BlendProgram(std::string_view directory, std::string_view name, std::string_view stem,
+                                       const BlendSettings& settings);
 
 }  // namespace kirvana

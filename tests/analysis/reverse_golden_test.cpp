@@ -45,7 +45,7 @@ TEST_P(ReverseGolden, DrawingAndReportAsWorkedOut) {
         blend.ProfilerValue = 2;
         blend.RootDir = dir.Path();
         blend.ServiceDir = dir.Path();
-        EXPECT_GE(BlendProgram("GOLDEN", GetParam(), dir.Path() + "Slot.", blend), 0);
+        EXPECT_FALSE(BlendProgram("GOLDEN", GetParam(), dir.Path() + "Slot.", blend).FileFault);
         if (std::getenv("KIRVANA_DRAFT_GOLDEN")) {
             std::ofstream(data + "draft.M1", std::ios::binary) << ReadText(dir.Path() + "Slot.M1");
             std::ofstream(data + "draft.M2", std::ios::binary) << ReadText(dir.Path() + "Slot.M2");

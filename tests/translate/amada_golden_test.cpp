@@ -53,7 +53,7 @@ TEST_P(AmadaGolden, ExpectedFiles) {
     blend.Now = [] { return std::string("**"); };
     std::string name = folder.filename().string();
     std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    EXPECT_EQ(BlendProgram("Dorvenis", name, dir.Path() + "prog.", blend), 0);
+    EXPECT_EQ(BlendProgram("Dorvenis", name, dir.Path() + "prog.", blend).CriticalCount, 0);
     EXPECT_EQ(ReadFileText(dir.Path() + "prog.M1"), ReadFileText(folder / "expected.blended"));
     EXPECT_EQ(ReadFileText(dir.Path() + "Blend.txt"), ReadFileText(folder / "expected.Blend.txt"));
 }

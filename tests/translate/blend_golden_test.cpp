@@ -43,7 +43,7 @@ TEST_P(BlendGolden, MatchesTheHandWorkedFiles) {
     s.RootDir = dir.Path();
     s.ServiceDir = dir.Path();
     s.Now = [] { return std::string("**"); };
-    EXPECT_EQ(BlendProgram("Dorvenis", g.Program, dir.Path() + "Actvprg1.", s), g.Critical);
+    EXPECT_EQ(BlendProgram("Dorvenis", g.Program, dir.Path() + "Actvprg1.", s).CriticalCount, g.Critical);
     std::string written = ReadFileText(dir.Path() + (g.Critical == 0 ? "Actvprg1.M1" : "Blend.tmp"));
     EXPECT_EQ(written, ReadFileText(data + ".out"));
     if (g.Critical != 0) {
