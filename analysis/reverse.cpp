@@ -12,8 +12,10 @@
 #include "core/number.h"
 #include "core/paths.h"
 #include "core/text.h"
+#include "translate/code_index.h"
 #include "translate/cycle_maths.h"
 #include "translate/cycle_maths_more.h"
+#include "translate/cycle_words.h"
 
 namespace kirvana {
 
@@ -77,12 +79,7 @@ std::optional<std::int16_t> NibbleHits(double length, double step) {
 ReverseSettings ReverseSettingsFrom(const MachineData& machine, const Directories& dirs, const StationTable& stations,
                                     const ToolRecord& plasmaTool) {
     ReverseSettings s;
-    s.LoadX = machine.LoadPositionX;
-    s.LoadY = machine.LoadPositionY;
-    s.XLimitMin = machine.XLimitMin;
-    s.XLimitMax = machine.XLimitMax;
-    s.YLimitMin = machine.YLimitMin;
-    s.YLimitMax = machine.YLimitMax;
+    s.Travel = machine.Travel;
     s.ClampCount = machine.ClampCount;
     s.MachineType = machine.MachineType;
     s.MachineOrientation = machine.MachineOrientation;
@@ -97,11 +94,20 @@ ReverseSettings ReverseSettingsFrom(const MachineData& machine, const Directorie
 
 namespace {
 
+// A word the language knows as a whole at the place, in either case.
 bool KnownWordAt(std::string_view text, std::size_t at, std::size_t& length) {
     static const char* const words[] = {"RETURN", "ROUND", "TRUNC", "GOTO", "ENDIF", "ABORT", "IF"};
+    // Most letters start no known word: only those that do are compared.
+    switch (UpperChar(text[at])) {
+    case 'R': case 'T': case 'G': case 'E': case 'A': case 'I': break;
+    default: return false;
+    }
     for (const char* word : words) {
         std::size_t n = std::char_traits<char>::length(word);
-        if (text.compare(at, n, word) == 0) {
+        if (at + n > text.size()) continue;
+        std::size_t k = 0;
+        while (k < n && UpperChar(text[at + k]) == word[k]) ++k;
+        if (k == n) {
             length = n;
             return true;
         }
@@ -115,9 +121,9 @@ bool Digit(char c) { return c >= '0' && c <= '9'; }
 
 bool CheckWords(const std::vector<std::string>& lines) {
     for (const std::string& line : lines) {
-        std::string text = UpperCase(line.substr(0, line.find(';')));
+        std::string_view text = std::string_view(line).substr(0, line.find(';'));
         for (std::size_t i = 0; i < text.size();) {
-            char c = text[i];
+            char c = UpperChar(text[i]);
             if (IsLetter(c)) {
                 // A word the language knows as a whole, or one letter followed by its value.
                 std::size_t length = 0;
@@ -127,7 +133,7 @@ bool CheckWords(const std::vector<std::string>& lines) {
                 }
                 std::size_t next = i + 1;
                 while (next < text.size() && (text[next] == ' ' || text[next] == '\t')) ++next;
-                if (next < text.size() && IsLetter(text[next])) {
+                if (next < text.size() && IsLetter(UpperChar(text[next]))) {
                     // Two letters in a row are no word of the language, except a known word.
                     std::size_t known = 0;
                     if (!KnownWordAt(text, next, known)) return false;
@@ -275,16 +281,23 @@ private:
     double Value(std::string_view key);
     double Length(std::string_view key);
     std::int16_t Integer(std::string_view key);
-    // Plain text search for a code; codes begin with "G", "M" or "I", so only the places of
-    // those letters, indexed once per block, are looked at.
-    bool Has(std::string_view code) const;
-    void IndexCodes();
+    // The words of the block as the cycles read them.
+    CycleWordReader CycleWords();
+    // Plain text search for a code in the working block; inlined, so that a constant code is
+    // one bit of the index.
+    [[gnu::always_inline]] bool Has(std::string_view code) const { return codes_.Has(block_, code); }
+    // The index of the working block, and which letters it holds: a word whose letter is not
+    // there is missing without a search.
+    void IndexBlock();
+    bool MayHold(std::string_view key) const {
+        char c = key.empty() ? '\0' : key[0];
+        return c < 'A' || c > 'Z' || (letters_ >> (c - 'A') & 1) != 0;
+    }
     void Error(std::string_view message, bool critical);
     void CheckLimit(double x, double y);
 
     // The block.
     void HandleBlock();
-    void StoreAssignments();
     bool ApplyPosition();
     void ChangeTool();
     void CallSubroutine();
@@ -359,40 +372,33 @@ private:
     std::int64_t linesRead_ = 0;
     LabelIndex m1Labels_, m2Labels_;
     std::int64_t hitWork_ = 0;
-    std::array<std::uint16_t, 64> codeAt_{};
-    int codes_ = 0;  // -1: too many letters to index, search the whole block
+    CodeIndex codes_;           // where the codes stand in the working block
+    std::uint32_t letters_ = 0;  // bit k: the working block holds the letter 'A' + k
 };
 
-void ReverseRun::IndexCodes() {
-    codes_ = 0;
-    for (std::size_t i = 0; i < block_.size(); ++i) {
-        char c = block_[i];
-        if (c != 'G' && c != 'M' && c != 'I') continue;
-        if (codes_ == static_cast<int>(codeAt_.size()) || i > UINT16_MAX) {
-            codes_ = -1;
-            return;
-        }
-        codeAt_[codes_++] = static_cast<std::uint16_t>(i);
-    }
-}
-
-bool ReverseRun::Has(std::string_view code) const {
-    if (codes_ < 0) return block_.find(code) != std::string::npos;
-    const std::string_view block(block_);
-    for (int k = 0; k < codes_; ++k) {
-        std::size_t at = codeAt_[k];
-        if (block[at] == code[0] && block.compare(at, code.size(), code) == 0) return true;
-    }
-    return false;
+void ReverseRun::IndexBlock() {
+    codes_.Build(block_);
+    letters_ = 0;
+    for (char c : block_)
+        if (c >= 'A' && c <= 'Z') letters_ |= std::uint32_t{1} << (c - 'A');
 }
 
 double ReverseRun::Value(std::string_view key) {
+    if (!MayHold(key)) {
+        reader_.WordMissing = true;
+        return Missing;
+    }
     double value = reader_.WordValue(block_, key);
     if (reader_.WordMissing || value == Missing || !std::isfinite(value)) {
         reader_.WordMissing = true;
         return Missing;
     }
     return value;
+}
+
+CycleWordReader ReverseRun::CycleWords() {
+    return {[this](const char* key) { return Value(key); }, [this](const char* key) { return Length(key); },
+            [this](const char* key) { return Integer(key); }};
 }
 
 double ReverseRun::Length(std::string_view key) {
@@ -403,6 +409,10 @@ double ReverseRun::Length(std::string_view key) {
 
 std::int16_t ReverseRun::Integer(std::string_view key) {
     reader_.IntegerOverflow = false;
+    if (!MayHold(key)) {
+        reader_.WordMissing = true;
+        return static_cast<std::int16_t>(Missing);
+    }
     std::int16_t value = reader_.WordInteger(block_, key);
     if (reader_.IntegerOverflow) {
         Overflow();
@@ -482,12 +492,12 @@ ReverseResult ReverseRun::Run() {
     if (!drawing_.Put(1, sheet_)) writeFault_ = true;
     // 8. The modal state.
     S = ReverseState{};
-    S.PosX = S.PrevX = S.LastHitX = settings_.LoadX;
-    S.PosY = S.PrevY = S.LastHitY = settings_.LoadY;
-    S.LimitXLow = settings_.XLimitMin;
-    S.LimitXHigh = settings_.XLimitMax;
-    S.LimitYLow = settings_.YLimitMin;
-    S.LimitYHigh = settings_.YLimitMax;
+    S.PosX = S.PrevX = S.LastHitX = settings_.Travel.LoadPositionX;
+    S.PosY = S.PrevY = S.LastHitY = settings_.Travel.LoadPositionY;
+    S.LimitXLow = settings_.Travel.XLimitMin;
+    S.LimitXHigh = settings_.Travel.XLimitMax;
+    S.LimitYLow = settings_.Travel.YLimitMin;
+    S.LimitYHigh = settings_.Travel.YLimitMax;
     S.ProcessSettings = settings_.ProgramSettings;
 
     // The main loop, until the main text is at its end.
@@ -514,7 +524,7 @@ ReverseResult ReverseRun::Run() {
         // "M10 0" is no M100.
         block_ = BeforeComment(line_);
         for (char& c : block_) c = UpperChar(c);
-        IndexCodes();
+        IndexBlock();
         HandleBlock();
     }
     // A jump or a call whose block number never came.
@@ -553,7 +563,7 @@ void ReverseRun::HandleBlock() {
         S.Skipping = false;
     }
     // 3a. Variable assignments P12 to P99; a condition's "P12=1" is a comparison, not one.
-    if (block_.find('P') != std::string::npos && !Has("IF")) StoreAssignments();
+    if (block_.find('P') != std::string::npos && !Has("IF")) StoreAssignments(block_, reader_, S.Parameters);
     // 4. Calls, conditions and jumps end the block.
     if (Has("G68") || Has("G69") || Has("G98")) {
         CallSubroutine();
@@ -697,23 +707,6 @@ void ReverseRun::HandleBlock() {
     // 7.24 Stops.
     if (Has("M00")) Stop(false);
     else if (Has("M01")) Stop(true);
-}
-
-void ReverseRun::StoreAssignments() {
-    // "Pnn=" words: a "P" whose third following character is "="; each piece runs to the next.
-    std::size_t marks[101];
-    int count = 0;
-    for (std::size_t i = 0; i + 3 < block_.size() && count < 100; ++i)
-        if (block_[i] == 'P' && block_[i + 3] == '=') marks[count++] = i;
-    marks[count] = block_.size();
-    for (int k = 0; k < count; ++k) {
-        std::string_view piece = std::string_view(block_).substr(marks[k], marks[k + 1] - marks[k]);
-        std::int16_t number = reader_.WordInteger(piece.substr(0, 3), 'P');
-        if (reader_.WordMissing || number < 12 || number > 99) continue;
-        std::string key = "P" + std::to_string(number) + "=";
-        double value = reader_.WordValue(piece, key);
-        if (!reader_.WordMissing && std::isfinite(value)) S.Parameters.P[number] = value;
-    }
 }
 
 bool ReverseRun::ApplyPosition() {
@@ -1266,26 +1259,11 @@ void ReverseRun::CycleG64() {
 
 // G28: an arc of hits around a centre given from the position or from the origin.
 void ReverseRun::CycleG28() {
-    auto value = [&](const char* key, double missing, bool length) {
-        double v = length ? Length(key) : Value(key);
-        return v == Missing ? missing : v;
-    };
-    double r = value("R", Missing, true);
-    ArcPattern arc;
-    arc.I = value("I", 0, true);
-    arc.J = value("J", 0, true);
-    std::int16_t p1 = Integer("P1=");
-    arc.P1 = p1 == Missing ? 0 : p1;
-    arc.P2 = value("P2=", 0, false);
-    arc.P3 = value("P3=", Missing, false);
-    arc.P3Given = arc.P3 != Missing;
-    arc.P4 = value("P4=", Missing, false);
-    arc.P4Given = arc.P4 != Missing;
-    arc.P5 = value("P5=", 0, false);
-    double p7 = value("P7=", Missing, true);
-    double p8 = value("P8=", Missing, true);
-    std::int16_t p9 = Integer("P9=");
-    bool stay = p9 != Missing && p9 != 0;
+    ArcWords words = ReadArcWords(CycleWords());
+    double r = words.R;
+    ArcPattern& arc = words.Arc;
+    double p7 = words.P7, p8 = words.P8;
+    bool stay = words.Stay;
     arc.MirrorX = S.MirrorX;
     arc.MirrorY = S.MirrorY;
     if (arc.P1 == 1) {
@@ -1323,30 +1301,18 @@ void ReverseRun::CycleG28() {
 
 // G26: a grid of hits walked to and fro, or with one row a row of hits.
 void ReverseRun::CycleG26() {
-    auto value = [&](const char* key, bool length) {
-        double v = length ? Length(key) : Value(key);
-        return v == Missing ? 0.0 : v;
-    };
-    auto integer = [&](const char* key) {
-        std::int16_t v = Integer(key);
-        return v == Missing ? std::int16_t{0} : v;
-    };
-    double i = Length("I");
-    bool iGiven = i != Missing;
-    double j = Length("J");
-    bool jGiven = j != Missing;
-    GridPattern grid;
-    grid.P1 = integer("P1=");
-    grid.P2 = value("P2=", true);
-    grid.P3 = integer("P3=");
-    grid.P4 = value("P4=", true);
-    grid.P5 = value("P5=", false);
-    grid.P7 = value("P7=", true);
-    grid.P8 = value("P8=", true);
+    GridWords words = ReadGridWords(CycleWords());
+    double i = words.I, j = words.J;
+    bool iGiven = i != Missing, jGiven = j != Missing;
+    GridPattern& grid = words.Grid;
     grid.MirrorX = S.MirrorX;
     grid.MirrorY = S.MirrorY;
-    bool stay = integer("P9=") != 0;
-    double offsetX = value("P10=", true), offsetY = value("P11=", true);
+    bool stay = words.Stay;
+    auto value = [&](const char* key) {
+        double v = Length(key);
+        return v == Missing ? 0.0 : v;
+    };
+    double offsetX = value("P10="), offsetY = value("P11=");
     if (grid.P1 == 1 || grid.P3 == 1) {
         Error(pass_message::InvalidHitsP1P3, true);
         return;
@@ -1424,14 +1390,10 @@ void ReverseRun::CycleG26() {
 
 // G36: a straight line nibbled as a pattern from the position.
 void ReverseRun::CycleG36() {
-    double i = Length("I");
-    bool iGiven = i != Missing;
-    double j = Length("J");
-    bool jGiven = j != Missing;
-    double p1 = Length("P1=");
-    if (p1 == Missing) p1 = 0;
-    double p5 = Value("P5=");
-    if (p5 == Missing) p5 = 0;
+    NibbleLineWords words = ReadNibbleLineWords(CycleWords());
+    double i = words.I, j = words.J;
+    bool iGiven = i != Missing, jGiven = j != Missing;
+    double p1 = words.P1, p5 = words.P5;
     if (p1 < 0) {
         p1 = std::fabs(p1);
         p5 = NormaliseAngle(p5 + 180);
@@ -1469,14 +1431,9 @@ void ReverseRun::CycleG36() {
 
 // G37: an arc nibbled as a pattern around the centre the position plus I, J.
 void ReverseRun::CycleG37() {
-    auto length = [&](const char* key) {
-        double v = Length(key);
-        return v == Missing ? 0.0 : v;
-    };
-    double r = length("R"), i = length("I"), j = length("J");
-    double p1 = Value("P1=");
-    if (p1 == Missing) p1 = 0;
-    double p5 = Value("P5=");
+    NibbleArcWords words = ReadNibbleArcWords(CycleWords());
+    double r = words.R, i = words.I, j = words.J;
+    double p1 = words.P1, p5 = words.P5;
     double p10 = Value("P10=");
     double step = NibbleIncrement();
     if (p5 == Missing) {
@@ -1768,8 +1725,8 @@ void ReverseRun::LoadPosition() {
     }
     S.PrevX = S.PosX;
     S.PrevY = S.PosY;
-    S.PosX = settings_.LoadX;
-    S.PosY = y == Missing ? settings_.LoadY : ToSingle(y);
+    S.PosX = settings_.Travel.LoadPositionX;
+    S.PosY = y == Missing ? settings_.Travel.LoadPositionY : ToSingle(y);
     BeginEntity(EntityKind::LoadPosition, "Load Position");
     rec_.Points.Position = {S.PosX, S.PosY};
     rec_.Values[1] = S.PosX;

@@ -22,8 +22,7 @@ namespace kirvana {
 
 // What the pass needs of the installation and the slot, filled by the caller.
 struct ReverseSettings {
-    float LoadX = 0, LoadY = 0;  // the machine's load position: where the program starts
-    float XLimitMin = 0, XLimitMax = 0, YLimitMin = 0, YLimitMax = 0;
+    MachineTravel Travel;  // the load position, where the program starts, and the limits
     std::int16_t ClampCount = 0;
     std::int16_t MachineType = 0;
     std::int16_t MachineOrientation = 1;  // the sense of G102 (Machine.dat line 3)

@@ -18,12 +18,12 @@ int Blend(const Args& args) {
     Directories dirs;
     MachineData machine;
     if (!MachineAt(root, dirs, machine)) return 1;
-    std::string fault;
-    std::int16_t critical = BlendProgram(directory, program, args[0], BlendSettingsFrom(machine, dirs), &fault);
-    if (critical < 0) {
-        std::fprintf(stderr, "file fault: %s\n", fault.c_str());
+    BlendResult result = BlendProgram(directory, program, args[0], BlendSettingsFrom(machine, dirs));
+    if (result.FileFault) {
+        std::fprintf(stderr, "file fault: %s\n", result.FaultFile.c_str());
         return 1;
     }
+    const int critical = result.CriticalCount;
     std::printf("critical errors: %d\n", critical);
     if (critical != 0) std::fprintf(stderr, "refused: the errors are listed in %sBlend.txt\n", dirs.ServiceDir.c_str());
     return critical == 0 ? 0 : 1;

@@ -42,11 +42,11 @@ void WriteMotion(const std::string& path, int blocks) {
 void BM_BlendProgram(benchmark::State& state) {
     const std::string dir = Directory();
     BlendSettings settings;
-    settings.MachineQ11 = 1250;
-    settings.XLimitMin = -25;
-    settings.XLimitMax = 2540;
-    settings.YLimitMin = -10;
-    settings.YLimitMax = 1270;
+    settings.Travel.LoadPositionY = 1250;
+    settings.Travel.XLimitMin = -25;
+    settings.Travel.XLimitMax = 2540;
+    settings.Travel.YLimitMin = -10;
+    settings.Travel.YLimitMax = 1270;
     settings.ProfilerValue = 2;
     settings.RootDir = dir;
     settings.ServiceDir = dir;
@@ -55,7 +55,7 @@ void BM_BlendProgram(benchmark::State& state) {
         state.PauseTiming();
         WriteMotion(dir + "Bench.M1", blocks);
         state.ResumeTiming();
-        benchmark::DoNotOptimize(BlendProgram("Bench", "BENCH", dir + "Bench.", settings));
+        benchmark::DoNotOptimize(BlendProgram("Bench", "BENCH", dir + "Bench.", settings).CriticalCount);
     }
     state.SetItemsProcessed(state.iterations() * blocks);
     state.SetLabel("blocks");

@@ -69,11 +69,11 @@ void WriteMotion(const std::string& stem) {
 
 ReverseSettings Settings(const std::string& dir) {
     ReverseSettings s;
-    s.LoadY = 1250;
-    s.XLimitMin = -25;
-    s.XLimitMax = 2540;
-    s.YLimitMin = -10;
-    s.YLimitMax = 1270;
+    s.Travel.LoadPositionY = 1250;
+    s.Travel.XLimitMin = -25;
+    s.Travel.XLimitMax = 2540;
+    s.Travel.YLimitMin = -10;
+    s.Travel.YLimitMax = 1270;
     s.ClampCount = 2;
     s.Stations.resize(20);
     for (int n = 1; n <= 20; ++n) {

@@ -27,6 +27,13 @@ struct Directories {
     std::string ProgramDirPath;
 };
 
+// Where the machine loads a sheet (the start of every program) and the box it can travel in
+// (Machine.dat lines 7 to 10): the passes that model a program's moves take them as one.
+struct MachineTravel {
+    float LoadPositionX = 0, LoadPositionY = 0;
+    float XLimitMin = 0, XLimitMax = 0, YLimitMin = 0, YLimitMax = 0;
+};
+
 // Machine.dat with Westinghouse.cfg and Profiler.cfg.
 struct MachineData {
     std::string MachineName;
@@ -38,12 +45,7 @@ struct MachineData {
     std::int16_t StationCount = 0;
     bool Line5Flag = false;  // stored, read by nothing
     bool HasThirdAxis = false;
-    float LoadPositionX = 0;
-    float LoadPositionY = 0;
-    float XLimitMin = 0;
-    float XLimitMax = 0;
-    float YLimitMin = 0;
-    float YLimitMax = 0;
+    MachineTravel Travel;  // lines 7 to 10
     float ClampWidth = 0;
     float Line14Value = 0;  // stored, not used
     float ClampDepth = 0;

@@ -194,12 +194,6 @@ std::optional<std::int32_t> RoundToInt32(double value) {
     return static_cast<std::int32_t>(r);
 }
 
-float ToSingle(double value) {
-    if (value > FLT_MAX) return HUGE_VALF;
-    if (value < -FLT_MAX) return -HUGE_VALF;
-    return static_cast<float>(value);
-}
-
 void SwapValues(Number& a, Number& b) { std::swap(a, b); }
 
 void SwapWords(std::int16_t& a, std::int16_t& b) { std::swap(a, b); }

@@ -2,6 +2,8 @@
 // its text forms, reading a leading number, and half-to-even rounding.
 #pragma once
 
+#include <cfloat>
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -64,7 +66,11 @@ std::optional<std::int32_t> RoundToInt32(double value);
 
 // A double into a single field: values beyond the range of a single become an infinity of
 // their sign, as the hardware conversion gives, instead of undefined behaviour.
-float ToSingle(double value);
+inline float ToSingle(double value) {
+    if (value > FLT_MAX) return HUGE_VALF;
+    if (value < -FLT_MAX) return -HUGE_VALF;
+    return static_cast<float>(value);
+}
 
 // Exchange two values or two 16-bit words.
 void SwapValues(Number& a, Number& b);

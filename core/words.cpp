@@ -1,5 +1,6 @@
 #include "core/words.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/text.h"
@@ -92,6 +93,12 @@ double ValueReader::ScanGroup(std::string_view group, bool& divisionByZero) {
 }
 
 double ValueReader::EvaluateExpression(std::string_view text) {
+    // A plain number (a sign, digits and points) is the number itself: the scan below gives
+    // the same, so most words skip it.
+    std::size_t first = !text.empty() && text[0] == '-' ? 1 : 0;
+    if (first < text.size() &&
+        std::all_of(text.begin() + static_cast<std::ptrdiff_t>(first), text.end(), [](char c) { return IsDigit(c) || c == '.'; }))
+        return ToNumber(text);
     // 1. Cleaning: only digits, ".", operators and parentheses stay.
     std::string s;
     s.reserve(text.size());
@@ -237,6 +244,22 @@ std::int16_t ValueReader::WordInteger(std::string_view block, std::string_view k
     auto value = TruncateToInt16(ToNumber(digits));
     if (!value) { IntegerOverflow = true; return 0; }
     return *value;
+}
+
+void StoreAssignments(std::string_view block, ValueReader& reader, ProgramParameters& parameters) {
+    constexpr int MostAssignments = 100;
+    std::size_t marks[MostAssignments + 1];
+    int count = 0;
+    for (std::size_t i = 0; i + 3 < block.size() && count < MostAssignments; ++i)
+        if (block[i] == 'P' && block[i + 3] == '=') marks[count++] = i;
+    marks[count] = block.size();
+    for (int k = 0; k < count; ++k) {
+        std::string_view piece = block.substr(marks[k], marks[k + 1] - marks[k]);
+        std::int16_t number = reader.WordInteger(piece.substr(0, 3), 'P');
+        if (reader.WordMissing || number < 12 || number > 99) continue;
+        double value = reader.WordValue(piece, "P" + std::to_string(number) + "=");
+        parameters.P[static_cast<std::size_t>(number)] = reader.WordMissing ? -999.0 : value;
+    }
 }
 
 }  // namespace kirvana

@@ -51,6 +51,11 @@ private:
     int depth_ = 0;
 };
 
+// The assignments "Pnn=" of the block to the program's variables P12 to P99: each runs from its
+// "P" (one whose third following character is "=") to the next such word or the end of the
+// block, up to 100 in a block. A value the reader can't read is stored as -999, "not given".
+void StoreAssignments(std::string_view block, ValueReader& reader, ProgramParameters& parameters);
+
 // Position of the word's letter in the block (case-insensitive); for "R" the first one that
 // doesn't start "ROUND". npos when there is none.
 std::size_t FindWordLetter(std::string_view block, char letter);

@@ -139,7 +139,7 @@ void ClearSlot(Process& process, int slot) {
     SlotRecord& record = process.Slots[slot - 1];
     // 1. The record to its empty values.
     record = SlotRecord{};
-    record.SlotLoadY = process.Config.Machine.LoadPositionY;
+    record.SlotLoadY = process.Config.Machine.Travel.LoadPositionY;
     ClearPlasmaSetting(record.PlasmaSettings);
     // 3. The slot's files.
     const std::string prefix = "ACTVPRG" + std::to_string(slot) + ".";
@@ -227,9 +227,8 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     if (converted.Status != ConvertStatus::Done) return fail(record.ProgramName + "\n\n" + ConvertStatusText(converted.Status));
     SetCommentMarks(record, false);
     // 11. The Blend pass; 12. the Reverse pass judges.
-    std::string blendFault;
-    if (BlendProgram(record.ProgramDirName, record.ProgramName, stem, BlendSettingsFrom(machine, dirs), &blendFault) < 0)
-        return fileFault(blendFault);
+    BlendResult blended = BlendProgram(record.ProgramDirName, record.ProgramName, stem, BlendSettingsFrom(machine, dirs));
+    if (blended.FileFault) return fileFault(blended.FaultFile);
     ReverseResult reversed = ReverseSlot(process, slot, stem, record);
     if (reversed.FileFault) return fileFault(reversed.FaultFile);
     if (reversed.Result > 0) return fail(record.ProgramName + "\n\nCan Not Be Selected Due To Errors in Code !");
@@ -302,7 +301,7 @@ void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link
         // its files are kept, and the operator is told.
         auto unreadable = [&](const std::string& file) {
             record = SlotRecord{};
-            record.SlotLoadY = machine.LoadPositionY;
+            record.SlotLoadY = machine.Travel.LoadPositionY;
             ClearPlasmaSetting(record.PlasmaSettings);
             if (machine.HasTurret) CopyMachineTable(process.Tools, slot);
             platform.ShowWarning(file + " Can Not Be Read !\n\nSlot " + std::to_string(slot) +

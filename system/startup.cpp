@@ -93,8 +93,8 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
     }
     // 10. The card's own load position.
     if (process.Card.CardInUse) {
-        config.Machine.LoadPositionX = talk.GetRspnsSngl(card::LoadPosition1[0], -1);
-        config.Machine.LoadPositionY = talk.GetRspnsSngl(card::LoadPosition1[1], -1);
+        config.Machine.Travel.LoadPositionX = talk.GetRspnsSngl(card::LoadPosition1[0], -1);
+        config.Machine.Travel.LoadPositionY = talk.GetRspnsSngl(card::LoadPosition1[1], -1);
     }
     // 11. Plot settings.
     Run(steps.ReadPlotConfig, process);
@@ -192,9 +192,9 @@ std::string MachineSummary(const Process& process) {
         << (m.ProfilerKind == 0 ? "no profiler" : "plasma profiler kind " + std::to_string(m.ProfilerKind)) << ")\n"
         << "Turret stations: " << m.StationCount << "\n"
         << "Orientation: " << m.MachineOrientation << (m.HasThirdAxis ? ", third axis" : "") << "\n"
-        << "Travel X: " << mm(m.XLimitMin) << " to " << mm(m.XLimitMax) << "\n"
-        << "Travel Y: " << mm(m.YLimitMin) << " to " << mm(m.YLimitMax) << "\n"
-        << "Load position: X" << mm(m.LoadPositionX) << " Y" << mm(m.LoadPositionY) << "\n"
+        << "Travel X: " << mm(m.Travel.XLimitMin) << " to " << mm(m.Travel.XLimitMax) << "\n"
+        << "Travel Y: " << mm(m.Travel.YLimitMin) << " to " << mm(m.Travel.YLimitMax) << "\n"
+        << "Load position: X" << mm(m.Travel.LoadPositionX) << " Y" << mm(m.Travel.LoadPositionY) << "\n"
         << "Clamps: " << m.ClampCount << " (width " << mm(m.ClampWidth) << ", depth " << mm(m.ClampDepth) << ")\n"
         << "Axis scales: " << FormatNumber(process.AxisScale[0], -1) << " " << FormatNumber(process.AxisScale[1], -1)
         << " " << FormatNumber(process.AxisScale[2], -1) << " " << FormatNumber(process.AxisScale[3], -1) << "\n"

@@ -41,17 +41,17 @@ std::string ScaleNumbers(std::string_view block, int code, bool inch);
 void ScaleNumbers(std::string_view block, int code, bool inch, std::string& out);
 // The AMADA linear and arc codes become the profile codes G101 to G103, with their exclusions.
 void ProfileCodes(std::string& block);
-void ProfileCodes(std::string& block, convert::CodeIndex& codes);
+void ProfileCodes(std::string& block, CodeIndex& codes);
 // G70 -> G77, G25 and G27 -> G95 with I for the first X and J-999, K-999 where missing.
 void MoveCodes(std::string& block);
-void MoveCodes(std::string& block, convert::CodeIndex& codes);
+void MoveCodes(std::string& block, CodeIndex& codes);
 // The first row of the cycle mapping table whose source code stands in the block; false when
 // none does.
 bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, const convert::SubroutineTable& table,
                   ValueReader& reader);
 // The same with the block's code index, which must describe the block and is kept up to date.
 bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, const convert::SubroutineTable& table,
-                  ValueReader& reader, convert::CodeIndex& codes);
+                  ValueReader& reader, CodeIndex& codes);
 
 // One line of A1 or A2 to one line of M1 or M2.
 std::string AmadaBlock(convert::ConvertState& state, AmadaState& amada, const convert::BlockContext& context,

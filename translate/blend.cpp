@@ -10,6 +10,7 @@
 #include "core/paths.h"
 #include "core/text.h"
 #include "translate/cycle_maths.h"
+#include "translate/cycle_maths_more.h"
 
 namespace kirvana {
 
@@ -23,12 +24,7 @@ double Round(float value, int places) { return RoundHalfEven(Number(value), plac
 
 BlendSettings BlendSettingsFrom(const MachineData& machine, const Directories& dirs) {
     BlendSettings s;
-    s.MachineQ10 = machine.LoadPositionX;
-    s.MachineQ11 = machine.LoadPositionY;
-    s.XLimitMin = machine.XLimitMin;
-    s.XLimitMax = machine.XLimitMax;
-    s.YLimitMin = machine.YLimitMin;
-    s.YLimitMax = machine.YLimitMax;
+    s.Travel = machine.Travel;
     s.ProfilerValue = machine.ProfilerValue;
     s.MachineOrientation = machine.MachineOrientation;
     s.RootDir = dirs.RootDir;
@@ -40,12 +36,12 @@ BlendPass::BlendPass(const BlendSettings& settings) : settings_(settings) { Star
 
 void BlendPass::Start() {
     State = BlendState{};
-    State.BlendX = State.BlendPrevX = settings_.MachineQ10;
-    State.BlendY = State.BlendPrevY = settings_.MachineQ11;
-    State.BlendXMin = settings_.XLimitMin;
-    State.BlendXMax = settings_.XLimitMax;
-    State.BlendYMin = settings_.YLimitMin;
-    State.BlendYMax = settings_.YLimitMax;
+    State.BlendX = State.BlendPrevX = settings_.Travel.LoadPositionX;
+    State.BlendY = State.BlendPrevY = settings_.Travel.LoadPositionY;
+    State.BlendXMin = settings_.Travel.XLimitMin;
+    State.BlendXMax = settings_.Travel.XLimitMax;
+    State.BlendYMin = settings_.Travel.YLimitMin;
+    State.BlendYMax = settings_.Travel.YLimitMax;
     Reader = ValueReader(&State.BlendParameters);
 }
 
@@ -67,18 +63,6 @@ std::int16_t BlendPass::BlendInteger(std::string_view block, std::string_view ke
     return value;
 }
 
-bool BlendPass::Holds(const char* code) const {
-    if (codes_ < 0) return block_.find(code) != std::string::npos;
-    for (int k = 0; k < codes_; ++k) {
-        std::size_t at = codeAt_[k];
-        if (block_[at] != code[0]) continue;
-        std::size_t i = 1;
-        while (code[i] && at + i < block_.size() && block_[at + i] == code[i]) ++i;
-        if (!code[i]) return true;
-    }
-    return false;
-}
-
 double BlendPass::MirrorAngle(double angle) const {
     return kirvana::MirrorAngle(angle, State.BlendMirrorX, State.BlendMirrorY);
 }
@@ -91,23 +75,6 @@ void BlendPass::BlendError(std::string_view block, std::string_view message, boo
                  << Trim(block) << '\n';
     }
     if (critical && State.BlendCritical < 32767) ++State.BlendCritical;
-}
-
-void BlendPass::StoreAssignments(const std::string& block) {
-    // "Pnn=" words: a "P" whose third following character is "=". Each one's piece runs to
-    // the next such word or the end of the block.
-    std::size_t marks[101];
-    int count = 0;
-    for (std::size_t i = 0; i + 3 < block.size() && count < 100; ++i)
-        if (block[i] == 'P' && block[i + 3] == '=') marks[count++] = i;
-    marks[count] = block.size();
-    for (int k = 0; k < count; ++k) {
-        std::string_view piece = std::string_view(block).substr(marks[k], marks[k + 1] - marks[k]);
-        std::int16_t number = BlendInteger(piece.substr(0, 3), "P");
-        if (number < 12 || number > 100) continue;
-        std::string key = "P" + std::to_string(number) + "=";
-        State.BlendParameters.P[number] = BlendValue(piece, key);
-    }
 }
 
 void BlendPass::ReadTool(const std::string& block) {
@@ -245,48 +212,6 @@ void BlendPass::ProfileLine() {
     s.LastMove.EndY = s.BlendY;
 }
 
-namespace {
-
-// The sweep of an arc given by its centre, by the machine's orientation and the mirrors.
-double CentreSweep(double sweep, bool g103, std::int16_t orientation, bool mirrorsEqual) {
-    bool clockwiseFirst = (orientation == 1) != g103;  // the case that starts with -360
-    if (clockwiseFirst) {
-        if (sweep == 0) sweep = -360;
-        if (mirrorsEqual) {
-            if (sweep > 0) sweep -= 360;
-            if (sweep == 0) sweep = -360;
-        } else {
-            if (sweep < 0) sweep += 360;
-            if (sweep == 0) sweep = 360;
-        }
-    } else {
-        if (sweep == 0) sweep = 360;
-        if (!mirrorsEqual) {
-            if (sweep > 0) sweep -= 360;
-            if (sweep == 0) sweep = -360;
-        } else {
-            if (sweep < 0) sweep += 360;
-            if (sweep == 0) sweep = 360;
-        }
-    }
-    return sweep;
-}
-
-// The sweep of a candidate arc given by its radius: G102 turns positive with equal mirrors.
-double RadiusSweep(double sweep, bool g103, bool mirrorsEqual) {
-    if (sweep == 0) sweep = 360;
-    if (mirrorsEqual != g103) {
-        while (sweep < 0) sweep += 360;
-        if (sweep == 0) sweep = 360;
-    } else {
-        if (sweep > 0) sweep -= 360;
-        if (sweep == 0) sweep = -360;
-    }
-    return sweep;
-}
-
-}  // namespace
-
 void BlendPass::ProfileArc(const std::string& block, bool g103) {
     BlendState& s = State;
     // 1. R, I, J; the mirrors turn the centre offset.
@@ -299,58 +224,21 @@ void BlendPass::ProfileArc(const std::string& block, bool g103) {
     if (s.BlendMirrorX) i = 0 - i;
     if (s.BlendMirrorY) j = 0 - j;
     s.BlendArcCode = g103 ? 3 : 2;
+    // 2, 3. Given by its centre, or by its radius (negative R asks for the longer arc). By the
+    // centre, G102 turns negative with equal mirrors on a machine of orientation 1; by the
+    // radius, G102 turns positive with equal mirrors; G103 and unequal mirrors turn either round.
     bool mirrorsEqual = s.BlendMirrorX == s.BlendMirrorY;
-    double radius, centreX, centreY, startAngle, sweep;
-    if (r == 0) {
-        // 2. Given by its centre.
-        radius = std::sqrt(i * i + j * j);
-        centreX = s.BlendPrevX + i;
-        centreY = s.BlendPrevY + j;
-        double startRadius, endRadius, endAngle;
-        XYToPolar(s.BlendPrevX - centreX, s.BlendPrevY - centreY, startRadius, startAngle);
-        XYToPolar(s.BlendX - centreX, s.BlendY - centreY, endRadius, endAngle);
-        if (std::fabs(startRadius - endRadius) > 0.05) {
-            BlendError(block, pass_message::InvalidIJ, true);
-            return;
-        }
-        sweep = CentreSweep(endAngle - startAngle, g103, settings_.MachineOrientation, mirrorsEqual);
-    } else {
-        // 3. Given by its radius: negative R asks for the longer arc.
-        bool largeArc = r < 0;
-        r = std::fabs(r);
-        double dx = static_cast<double>(s.BlendX) - s.BlendPrevX;
-        double dy = static_cast<double>(s.BlendY) - s.BlendPrevY;
-        if (dx == 0) dx = 1E-15;
-        double chordAngle = RadToDeg(std::atan(dy / dx));
-        double halfChord = std::sqrt(dx * dx + dy * dy) / 2;
-        if (r < halfChord) {
-            BlendError(block, pass_message::InvalidR, true);
-            return;
-        }
-        double midX = s.BlendPrevX + dx / 2, midY = s.BlendPrevY + dy / 2;
-        double height = std::sqrt(r * r - halfChord * halfChord);
-        struct Candidate {
-            double CentreX, CentreY, StartAngle, Sweep;
-        } candidates[2];
-        for (int k = 0; k < 2; ++k) {
-            double ox, oy;
-            PolarToXY(height, chordAngle + (k == 0 ? 90 : 270), ox, oy);
-            Candidate& c = candidates[k];
-            c.CentreX = midX + ox;
-            c.CentreY = midY + oy;
-            double startRadius, endRadius, endAngle;
-            XYToPolar(s.BlendPrevX - c.CentreX, s.BlendPrevY - c.CentreY, startRadius, c.StartAngle);
-            XYToPolar(s.BlendX - c.CentreX, s.BlendY - c.CentreY, endRadius, endAngle);
-            c.Sweep = RadiusSweep(endAngle - c.StartAngle, g103, mirrorsEqual);
-        }
-        bool shortSecond = std::fabs(candidates[1].Sweep) <= 180;
-        const Candidate& kept = candidates[(shortSecond != largeArc) ? 1 : 0];
-        radius = r;
-        centreX = kept.CentreX;
-        centreY = kept.CentreY;
-        startAngle = kept.StartAngle;
-        sweep = kept.Sweep;
+    bool clockwiseFirst = (settings_.MachineOrientation == 1) != g103;
+    int centreSense = clockwiseFirst == mirrorsEqual ? -1 : 1;
+    int radiusSense = mirrorsEqual != g103 ? 1 : -1;
+    ArcGeometry arc;
+    switch (ArcThrough(s.BlendPrevX, s.BlendPrevY, s.BlendX, s.BlendY, r, i, j, centreSense, radiusSense, arc)) {
+    case ArcCheck::InvalidIJ: BlendError(block, pass_message::InvalidIJ, true); return;
+    case ArcCheck::InvalidR: BlendError(block, pass_message::InvalidR, true); return;
+    case ArcCheck::Ok: break;
     }
+    const double radius = arc.Radius, centreX = arc.CentreX, centreY = arc.CentreY;
+    const double startAngle = arc.StartAngle, sweep = arc.Sweep;
     if (!s.BlendTorchOn) {
         // 4. No cut: no mark, and the chain ends.
         ClearLastMove();
@@ -390,11 +278,11 @@ void BlendPass::ProfileArc(const std::string& block, bool g103) {
 
 void BlendPass::LoadPosition(const std::string& block) {
     BlendState& s = State;
-    s.BlendX = settings_.MachineQ10;
-    s.BlendY = settings_.MachineQ11;
-    if (settings_.MachineQ10 < s.BlendXMin || settings_.MachineQ10 > s.BlendXMax)
+    s.BlendX = settings_.Travel.LoadPositionX;
+    s.BlendY = settings_.Travel.LoadPositionY;
+    if (settings_.Travel.LoadPositionX < s.BlendXMin || settings_.Travel.LoadPositionX > s.BlendXMax)
         BlendError(block, pass_message::OutOfLimitsX, false);
-    if (settings_.MachineQ11 < s.BlendYMin || settings_.MachineQ11 > s.BlendYMax)
+    if (settings_.Travel.LoadPositionY < s.BlendYMin || settings_.Travel.LoadPositionY > s.BlendYMax)
         BlendError(block, pass_message::OutOfLimitsY, false);
 }
 
@@ -409,15 +297,9 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
     block_ = StripBlanks(BeforeComment(s.BlendLine));
     for (char& c : block_) c = UpperChar(c);
     const std::string& b = block_;
-    // Where the codes can stand: every "G" and "M" (more than the index holds: search all).
-    codes_ = 0;
-    for (std::size_t i = 0; i < b.size() && codes_ >= 0; ++i) {
-        if (b[i] != 'G' && b[i] != 'M') continue;
-        if (codes_ == 32) codes_ = -1;
-        else codeAt_[codes_++] = i;
-    }
+    codes_.Build(b);
     // 3. Variable assignments.
-    if (b.find('P') != std::string::npos) StoreAssignments(b);
+    if (b.find('P') != std::string::npos) StoreAssignments(b, Reader, State.BlendParameters);
     // 4. The tool, in punch mode.
     if (!s.BlendProfiling && b.find('T') != std::string::npos) ReadTool(b);
     // 5. Absolute or incremental, metric or inch: the later code wins.
@@ -530,8 +412,8 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
     return s.BlendOutLine;
 }
 
-std::int16_t BlendProgram(std::string_view directory, std::string_view name, std::string_view stem,
-                          const BlendSettings& settings, std::string* fileFault) {
+BlendResult BlendProgram(std::string_view directory, std::string_view name, std::string_view stem,
+                         const BlendSettings& settings) {
     // 1. The report with its header, written whole at the end; the motion text; the new text.
     std::ostringstream report;
     report << "PROGRAM   :  " << Trim(name) << '\n'
@@ -544,8 +426,7 @@ std::int16_t BlendProgram(std::string_view directory, std::string_view name, std
     auto fault = [&](const std::string& file) {
         std::error_code error;
         std::filesystem::remove(temporary, error);
-        if (fileFault) *fileFault = file;
-        return std::int16_t{-1};
+        return BlendResult{0, true, file};
     };
     NoteFile(settings.ServiceDir, motion);
     std::ifstream in(motion, std::ios::binary);
@@ -573,9 +454,10 @@ std::int16_t BlendProgram(std::string_view directory, std::string_view name, std
     if (!written) return fault(temporary);
     if (!reported) return fault(reportPath);
     // 5. Only a text without critical errors replaces M1, in one step.
-    std::int16_t critical = pass.State.BlendCritical;
-    if (critical == 0 && !MoveFileOver(temporary, motion)) return fault(motion);
-    return critical;
+    BlendResult result;
+    result.CriticalCount = pass.State.BlendCritical;
+    if (result.CriticalCount == 0 && !MoveFileOver(temporary, motion)) return fault(motion);
+    return result;
 }
 
 }  // namespace kirvana

@@ -12,14 +12,15 @@
 
 #include "core/config.h"
 #include "core/words.h"
+#include "translate/code_index.h"
+#include "translate/cycle_words.h"
 #include "translate/pass_messages.h"
 
 namespace kirvana {
 
 // The machine values and places the pass needs.
 struct BlendSettings {
-    float MachineQ10 = 0, MachineQ11 = 0;  // the load position
-    float XLimitMin = 0, XLimitMax = 0, YLimitMin = 0, YLimitMax = 0;
+    MachineTravel Travel;                  // the load position (the card's Q10, Q11), the limits
     float ProfilerValue = 0;               // degrees within which moves run on tangentially
     std::int16_t MachineOrientation = 1;
     std::string RootDir;                   // for "Blend.tmp"
@@ -91,7 +92,6 @@ public:
     ValueReader Reader{&State.BlendParameters};
 
 private:
-    void StoreAssignments(const std::string& block);
     void ReadTool(const std::string& block);
     void PositionUpdate(const std::string& block);
     void CheckLimits(double x, double y, const std::string& block);
@@ -114,25 +114,33 @@ private:
     bool NibbleHits(const std::string& block, double length, double step);
     // A length word: converted under G70, the missing value taken first when `always`.
     double Length(double value, bool given, bool always) const;
+    // The words of the block as the cycles read them.
+    CycleWordReader CycleWords(const std::string& block);
     void ClearAndStep();
     void MoveBy(double dx, double dy);
 
-    // Substring tests of "G" and "M" codes look only where those letters stand in the block.
-    bool Holds(const char* code) const;
+    // Whether the working block holds the code (a plain substring test).
+    bool Holds(std::string_view code) const { return codes_.Has(block_, code); }
 
     const BlendSettings& settings_;
     std::ostream* report_ = nullptr;
     std::string block_;  // the working block: no comment, no blanks, upper case
-    std::size_t codeAt_[32];
-    int codes_ = 0;
+    CodeIndex codes_;  // where the codes stand in the working block
 };
 
-// The entry: blends stem + "M1", reporting to ServiceDir + "Blend.txt". Gives the count of
-// critical errors: 0 replaces M1 by the blended text; otherwise M1 stays and "Blend.tmp" is
-// left in RootDir. -1 when the motion file cannot be read or "Blend.tmp", the report or the new
-// M1 cannot be written: M1 then stays as it was, no "Blend.tmp" is left, and `fileFault` (when
-// given) names the file.
-[[nodiscard]] std::int16_t BlendProgram(std::string_view directory, std::string_view name, std::string_view stem,
-                                        const BlendSettings& settings, std::string* fileFault = nullptr);
+// What the pass gives, in the fields every pass reports with.
+struct BlendResult {
+    // The critical errors: 0 replaced M1 by the blended text; otherwise M1 stays and
+    // "Blend.tmp" is left in RootDir.
+    std::int16_t CriticalCount = 0;
+    // The motion file could not be read or "Blend.tmp", the report or the new M1 could not be
+    // written: M1 stays as it was and no "Blend.tmp" is left.
+    bool FileFault = false;
+    std::string FaultFile;  // with FileFault: the file
+};
+
+// The entry: blends stem + "M1", reporting to ServiceDir + "Blend.txt".
+[[nodiscard]] BlendResult BlendProgram(std::string_view directory, std::string_view name, std::string_view stem,
+                                       const BlendSettings& settings);
 
 }  // namespace kirvana

@@ -7,6 +7,7 @@
 #include "core/number.h"
 #include "translate/blend.h"
 #include "translate/cycle_maths.h"
+#include "translate/cycle_words.h"
 
 namespace kirvana {
 
@@ -20,6 +21,15 @@ double Fix(double x) { return std::trunc(x); }
 std::optional<std::int16_t> Count(double value) { return RoundToInt16(value); }
 
 }  // namespace
+
+CycleWordReader BlendPass::CycleWords(const std::string& block) {
+    return {[this, &block](const char* key) { return BlendValue(block, key); },
+            [this, &block](const char* key) {
+                double v = BlendValue(block, key);
+                return v == Missing ? Missing : Length(v, true, false);
+            },
+            [this, &block](const char* key) { return BlendInteger(block, key); }};
+}
 
 double BlendPass::Length(double value, bool given, bool always) const {
     if (!given && !always) return value;
@@ -116,30 +126,13 @@ const char* PatternMessage(PatternCheck check, const char* invalidHits) {
 
 // G26: a grid of hits, walked row by row, to and fro.
 void BlendPass::CycleG26(const std::string& block) {
-    auto value = [&](const char* key, bool length) {
-        double v = BlendValue(block, key);
-        if (v == Missing) return 0.0;
-        return length ? Length(v, true, false) : v;
-    };
-    auto integer = [&](const char* key) {
-        std::int16_t v = BlendInteger(block, key);
-        return v == Missing ? std::int16_t{0} : v;
-    };
-    double i = BlendValue(block, "I");
-    bool iGiven = i != Missing;
-    double j = BlendValue(block, "J");
-    bool jGiven = j != Missing;
-    GridPattern grid;
-    grid.P1 = integer("P1=");
-    grid.P2 = value("P2=", true);
-    grid.P3 = integer("P3=");
-    grid.P4 = value("P4=", true);
-    grid.P5 = value("P5=", false);
-    grid.P7 = value("P7=", true);
-    grid.P8 = value("P8=", true);
+    GridWords words = ReadGridWords(CycleWords(block));
+    double i = words.I, j = words.J;
+    bool iGiven = i != Missing, jGiven = j != Missing;
+    GridPattern& grid = words.Grid;
     grid.MirrorX = State.BlendMirrorX;
     grid.MirrorY = State.BlendMirrorY;
-    bool stay = integer("P9=") != 0;
+    bool stay = words.Stay;
     // 1. One hit in a row or one row is no grid.
     if (grid.P1 == 1 || grid.P3 == 1) {
         BlendError(block, pass_message::InvalidHitsP1P3, true);
@@ -147,9 +140,7 @@ void BlendPass::CycleG26(const std::string& block) {
     }
     // 2. A vector gives the row's length and angle.
     if (iGiven || jGiven) {
-        i = iGiven ? Length(i, true, false) : 0;
-        j = jGiven ? Length(j, true, false) : 0;
-        XYToPolar(i, j, grid.P7, grid.P5);
+        XYToPolar(iGiven ? i : 0, jGiven ? j : 0, grid.P7, grid.P5);
     }
     // 3-6. Count, pitch and length of each direction; the mirrors.
     int rows;
@@ -185,27 +176,11 @@ void BlendPass::CycleG26(const std::string& block) {
 
 // G28: an arc of hits around a centre.
 void BlendPass::CycleG28(const std::string& block) {
-    auto value = [&](const char* key, double missing, bool length) {
-        double v = BlendValue(block, key);
-        if (v == Missing) return missing;
-        return length ? Length(v, true, false) : v;
-    };
-    double r = value("R", Missing, true);
-    ArcPattern arc;
-    arc.I = value("I", 0, true);
-    arc.J = value("J", 0, true);
-    std::int16_t p1 = BlendInteger(block, "P1=");
-    arc.P1 = p1 == Missing ? 0 : p1;
-    arc.P2 = value("P2=", 0, false);
-    arc.P3 = value("P3=", Missing, false);
-    arc.P3Given = arc.P3 != Missing;
-    arc.P4 = value("P4=", Missing, false);
-    arc.P4Given = arc.P4 != Missing;
-    arc.P5 = value("P5=", 0, false);
-    double p7 = value("P7=", Missing, true);
-    double p8 = value("P8=", Missing, true);
-    std::int16_t p9 = BlendInteger(block, "P9=");
-    bool stay = p9 != Missing && p9 != 0;
+    ArcWords words = ReadArcWords(CycleWords(block));
+    double r = words.R;
+    ArcPattern& arc = words.Arc;
+    double p7 = words.P7, p8 = words.P8;
+    bool stay = words.Stay;
     arc.MirrorX = State.BlendMirrorX;
     arc.MirrorY = State.BlendMirrorY;
     // 1. One hit is no arc.
@@ -275,14 +250,10 @@ bool BlendPass::NibbleHits(const std::string& block, double length, double step)
 
 // G36: a nibbled straight line.
 void BlendPass::CycleG36(const std::string& block) {
-    double i = BlendValue(block, "I");
-    bool iGiven = i != Missing;
-    double j = BlendValue(block, "J");
-    bool jGiven = j != Missing;
-    double p1 = BlendValue(block, "P1=");
-    p1 = p1 == Missing ? 0 : Length(p1, true, false);
-    double p5 = BlendValue(block, "P5=");
-    if (p5 == Missing) p5 = 0;
+    NibbleLineWords words = ReadNibbleLineWords(CycleWords(block));
+    double i = words.I, j = words.J;
+    bool iGiven = i != Missing, jGiven = j != Missing;
+    double p1 = words.P1, p5 = words.P5;
     // 1. A negative length runs the other way.
     if (p1 < 0) {
         p1 = std::fabs(p1);
@@ -291,11 +262,7 @@ void BlendPass::CycleG36(const std::string& block) {
     // 2. The step.
     double step = NibbleIncrement(block);
     // 3. A vector gives length and angle.
-    if (iGiven || jGiven) {
-        i = iGiven ? Length(i, true, false) : 0;
-        j = jGiven ? Length(j, true, false) : 0;
-        XYToPolar(i, j, p1, p5);
-    }
+    if (iGiven || jGiven) XYToPolar(iGiven ? i : 0, jGiven ? j : 0, p1, p5);
     // 4, 5. At least two hits.
     if (!NibbleHits(block, p1, step)) return;
     // 6-8. To the end of the line.
@@ -309,16 +276,9 @@ void BlendPass::CycleG36(const std::string& block) {
 
 // G37: a nibbled arc, tracked from the current position.
 void BlendPass::CycleG37(const std::string& block) {
-    auto length = [&](const char* key) {
-        double v = BlendValue(block, key);
-        return v == Missing ? 0 : Length(v, true, false);
-    };
-    double r = length("R");
-    double i = length("I");
-    double j = length("J");
-    double p1 = BlendValue(block, "P1=");
-    if (p1 == Missing) p1 = 0;
-    double p5 = BlendValue(block, "P5=");
+    NibbleArcWords words = ReadNibbleArcWords(CycleWords(block));
+    double r = words.R, i = words.I, j = words.J;
+    double p1 = words.P1, p5 = words.P5;
     // 1. The step.
     double step = NibbleIncrement(block);
     // 2, 3. The first angle, towards the current position; I, J give the radius if R doesn't.

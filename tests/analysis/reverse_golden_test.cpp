@@ -41,16 +41,11 @@ TEST_P(ReverseGolden, DrawingAndReportAsWorkedOut) {
         std::int16_t dialect = 0;
         ASSERT_EQ(ConvertProgram(dir.Path() + "Slot.", dialect, convert).Status, ConvertStatus::Done);
         BlendSettings blend;
-        blend.MachineQ10 = settings.LoadX;
-        blend.MachineQ11 = settings.LoadY;
-        blend.XLimitMin = settings.XLimitMin;
-        blend.XLimitMax = settings.XLimitMax;
-        blend.YLimitMin = settings.YLimitMin;
-        blend.YLimitMax = settings.YLimitMax;
+        blend.Travel = settings.Travel;
         blend.ProfilerValue = 2;
         blend.RootDir = dir.Path();
         blend.ServiceDir = dir.Path();
-        EXPECT_GE(BlendProgram("GOLDEN", GetParam(), dir.Path() + "Slot.", blend), 0);
+        EXPECT_FALSE(BlendProgram("GOLDEN", GetParam(), dir.Path() + "Slot.", blend).FileFault);
         if (std::getenv("KIRVANA_DRAFT_GOLDEN")) {
             std::ofstream(data + "draft.M1", std::ios::binary) << ReadText(dir.Path() + "Slot.M1");
             std::ofstream(data + "draft.M2", std::ios::binary) << ReadText(dir.Path() + "Slot.M2");

@@ -9,12 +9,12 @@ namespace kirvana {
 
 inline ReverseSettings ReverseTestSettings() {
     ReverseSettings s;
-    s.LoadX = 0;
-    s.LoadY = 1250;
-    s.XLimitMin = -25;
-    s.XLimitMax = 2540;
-    s.YLimitMin = -10;
-    s.YLimitMax = 1270;
+    s.Travel.LoadPositionX = 0;
+    s.Travel.LoadPositionY = 1250;
+    s.Travel.XLimitMin = -25;
+    s.Travel.XLimitMax = 2540;
+    s.Travel.YLimitMin = -10;
+    s.Travel.YLimitMax = 1270;
     s.ClampCount = 2;
     s.MachineType = 3;
     s.Stations.resize(20);

@@ -570,12 +570,12 @@ struct BlendRun {
 
 BlendRun Blend(const std::string& m1) {
     BlendSettings s;
-    s.MachineQ10 = 0;
-    s.MachineQ11 = 1250;
-    s.XLimitMin = -25;
-    s.XLimitMax = 2540;
-    s.YLimitMin = -10;
-    s.YLimitMax = 1270;
+    s.Travel.LoadPositionX = 0;
+    s.Travel.LoadPositionY = 1250;
+    s.Travel.XLimitMin = -25;
+    s.Travel.XLimitMax = 2540;
+    s.Travel.YLimitMin = -10;
+    s.Travel.YLimitMax = 1270;
     BlendPass pass(s);
     std::ostringstream report;
     pass.OpenReport(&report);
@@ -657,7 +657,7 @@ TEST(ReverseAgreesWithBlend, PatternHitsLieOnTheBlendPath) {
         std::string rect = std::string("N0001 G90 T1 ") + mirror + "\nN0002 G80 X500 Y400\nN0003 G65 I80 J-40 P8=5\n";
         PassRun walk = Reverse(rect);
         BlendSettings bs;
-        bs.MachineQ11 = 1250;
+        bs.Travel.LoadPositionY = 1250;
         BlendPass pass(bs);
         std::ostringstream report;
         pass.OpenReport(&report);

@@ -211,10 +211,10 @@ TEST_F(ConfigTest, MachineDatValuesAndDerivations) {
     EXPECT_EQ(m.StationCount, 20);
     EXPECT_TRUE(m.Line5Flag);
     EXPECT_FALSE(m.HasThirdAxis);
-    EXPECT_FLOAT_EQ(m.LoadPositionY, 1250.5f);
-    EXPECT_FLOAT_EQ(m.XLimitMin, -10);
-    EXPECT_FLOAT_EQ(m.XLimitMax, 2540);
-    EXPECT_FLOAT_EQ(m.YLimitMax, 1270);
+    EXPECT_FLOAT_EQ(m.Travel.LoadPositionY, 1250.5f);
+    EXPECT_FLOAT_EQ(m.Travel.XLimitMin, -10);
+    EXPECT_FLOAT_EQ(m.Travel.XLimitMax, 2540);
+    EXPECT_FLOAT_EQ(m.Travel.YLimitMax, 1270);
     EXPECT_FLOAT_EQ(m.ClampWidth, 80);
     EXPECT_FLOAT_EQ(m.ClampDepth, 60);
     EXPECT_EQ(m.ClampCount, 3);

@@ -195,3 +195,18 @@ TEST(WordKeys, ValueBehindAKeyOfSeveralCharacters) {
     EXPECT_EQ(FindWordKey("XROUND(1) R2", "R"), 10u);
     EXPECT_EQ(FindWordKey("G01", ""), std::string_view::npos);
 }
+
+TEST(WordAssignments, TheProgramsVariablesP12ToP99) {
+    ProgramParameters p;
+    ValueReader r(&p);
+    StoreAssignments("G01P12=5X3P99=P12+2P11=4P05=6", r, p);
+    EXPECT_DOUBLE_EQ(p.P[12].Value, 5);  // each piece runs to the next assignment
+    EXPECT_DOUBLE_EQ(p.P[99].Value, 7);  // P12 is read as it was just assigned
+    EXPECT_DOUBLE_EQ(p.P[11].Value, 0);  // the cycle parameters are not variables
+    EXPECT_DOUBLE_EQ(p.P[5].Value, 0);
+    p.P[20] = 1.5;
+    StoreAssignments("P20=", r, p);
+    EXPECT_DOUBLE_EQ(p.P[20].Value, -999);  // no value: "not given"
+    StoreAssignments("P100=3", r, p);      // three digits: no "Pnn=" word
+    EXPECT_DOUBLE_EQ(p.P[100].Value, 0);
+}

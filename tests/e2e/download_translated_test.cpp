@@ -40,7 +40,7 @@ void TranslateAndDownload(const std::string& program) {
     std::int16_t dialect = -1;
     ConvertResult converted = ConvertProgram(stem, dialect, ConvertSettingsFrom(machine, dirs));
     ASSERT_EQ(converted.Status, ConvertStatus::Done);
-    ASSERT_EQ(BlendProgram("Dorvenis", "TEST", stem, BlendSettingsFrom(machine, dirs)), 0);
+    ASSERT_EQ(BlendProgram("Dorvenis", "TEST", stem, BlendSettingsFrom(machine, dirs)).CriticalCount, 0);
 
     CardSimulator sim;
     ASSERT_TRUE(sim.Start());

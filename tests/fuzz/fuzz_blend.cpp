@@ -9,11 +9,11 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const kirvana::BlendSettings settings = [] {
         kirvana::BlendSettings s;
-        s.MachineQ11 = 1250;
-        s.XLimitMin = -25;
-        s.XLimitMax = 2540;
-        s.YLimitMin = -10;
-        s.YLimitMax = 1270;
+        s.Travel.LoadPositionY = 1250;
+        s.Travel.XLimitMin = -25;
+        s.Travel.XLimitMax = 2540;
+        s.Travel.YLimitMin = -10;
+        s.Travel.YLimitMax = 1270;
         s.ProfilerValue = 2;
         return s;
     }();

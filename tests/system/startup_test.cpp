@@ -89,8 +89,8 @@ TEST_F(StartupTest, OfficeSeatStartsInFullAndSendsNothing) {
     EXPECT_TRUE(link_.Calls.empty());
     EXPECT_FALSE(FileExists("Service/Polling.txt"));
     for (double scale : process_.AxisScale) EXPECT_EQ(scale, 1.0);
-    EXPECT_FLOAT_EQ(process_.Config.Machine.LoadPositionX, 0);
-    EXPECT_FLOAT_EQ(process_.Config.Machine.LoadPositionY, 1250);
+    EXPECT_FLOAT_EQ(process_.Config.Machine.Travel.LoadPositionX, 0);
+    EXPECT_FLOAT_EQ(process_.Config.Machine.Travel.LoadPositionY, 1250);
     for (const char* d : {"PMAC", "Messages/Help", "Data", "Settings", "Service", "RevSubs", "Tools", "Dialogue/Reverse"})
         EXPECT_TRUE(IsDirectory(d)) << d;
     auto cfg = ReadLines("Control.cfg");
@@ -129,8 +129,8 @@ TEST_F(StartupTest, CardTrafficAtStartInOrder) {
     EXPECT_EQ(process_.AxisScale[1], 1);
     EXPECT_EQ(process_.AxisScale[2], 1);
     EXPECT_EQ(process_.AxisScale[3], -1.5);
-    EXPECT_FLOAT_EQ(process_.Config.Machine.LoadPositionX, 12.5f);
-    EXPECT_FLOAT_EQ(process_.Config.Machine.LoadPositionY, 1234.25f);
+    EXPECT_FLOAT_EQ(process_.Config.Machine.Travel.LoadPositionX, 12.5f);
+    EXPECT_FLOAT_EQ(process_.Config.Machine.Travel.LoadPositionY, 1234.25f);
 }
 
 TEST_F(StartupTest, EmptyDataDirectoryDownloadsNothingAndGoesOn) {

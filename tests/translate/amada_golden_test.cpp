@@ -40,12 +40,12 @@ TEST_P(AmadaGolden, ExpectedFiles) {
     }
     // The Blend pass over the converted main text.
     BlendSettings blend;
-    blend.MachineQ10 = 0;
-    blend.MachineQ11 = 1250;
-    blend.XLimitMin = -25;
-    blend.XLimitMax = 2540;
-    blend.YLimitMin = -10;
-    blend.YLimitMax = 1270;
+    blend.Travel.LoadPositionX = 0;
+    blend.Travel.LoadPositionY = 1250;
+    blend.Travel.XLimitMin = -25;
+    blend.Travel.XLimitMax = 2540;
+    blend.Travel.YLimitMin = -10;
+    blend.Travel.YLimitMax = 1270;
     blend.ProfilerValue = 2;
     blend.MachineOrientation = 1;
     blend.RootDir = dir.Path();
@@ -53,7 +53,7 @@ TEST_P(AmadaGolden, ExpectedFiles) {
     blend.Now = [] { return std::string("**"); };
     std::string name = folder.filename().string();
     std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    EXPECT_EQ(BlendProgram("Dorvenis", name, dir.Path() + "prog.", blend), 0);
+    EXPECT_EQ(BlendProgram("Dorvenis", name, dir.Path() + "prog.", blend).CriticalCount, 0);
     EXPECT_EQ(ReadFileText(dir.Path() + "prog.M1"), ReadFileText(folder / "expected.blended"));
     EXPECT_EQ(ReadFileText(dir.Path() + "Blend.txt"), ReadFileText(folder / "expected.Blend.txt"));
 }

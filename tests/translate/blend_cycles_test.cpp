@@ -15,12 +15,12 @@ struct CycleTest : ::testing::Test {
     std::ostringstream report;
     std::unique_ptr<BlendPass> pass;
     CycleTest() {
-        settings.MachineQ10 = 0;
-        settings.MachineQ11 = 0;
-        settings.XLimitMin = -5000;
-        settings.XLimitMax = 5000;
-        settings.YLimitMin = -5000;
-        settings.YLimitMax = 5000;
+        settings.Travel.LoadPositionX = 0;
+        settings.Travel.LoadPositionY = 0;
+        settings.Travel.XLimitMin = -5000;
+        settings.Travel.XLimitMax = 5000;
+        settings.Travel.YLimitMin = -5000;
+        settings.Travel.YLimitMax = 5000;
         pass = std::make_unique<BlendPass>(settings);
         pass->OpenReport(&report);
         Run("N1 G90 X100 Y100");

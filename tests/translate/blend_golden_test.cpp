@@ -32,18 +32,18 @@ TEST_P(BlendGolden, MatchesTheHandWorkedFiles) {
     TempDir dir;
     std::filesystem::copy_file(data + ".M1", dir.Path() + "Actvprg1.M1");
     BlendSettings s;
-    s.MachineQ10 = 0;
-    s.MachineQ11 = 1250;
-    s.XLimitMin = -25;
-    s.XLimitMax = 2540;
-    s.YLimitMin = -10;
-    s.YLimitMax = 1270;
+    s.Travel.LoadPositionX = 0;
+    s.Travel.LoadPositionY = 1250;
+    s.Travel.XLimitMin = -25;
+    s.Travel.XLimitMax = 2540;
+    s.Travel.YLimitMin = -10;
+    s.Travel.YLimitMax = 1270;
     s.ProfilerValue = 2;
     s.MachineOrientation = 1;
     s.RootDir = dir.Path();
     s.ServiceDir = dir.Path();
     s.Now = [] { return std::string("**"); };
-    EXPECT_EQ(BlendProgram("Dorvenis", g.Program, dir.Path() + "Actvprg1.", s), g.Critical);
+    EXPECT_EQ(BlendProgram("Dorvenis", g.Program, dir.Path() + "Actvprg1.", s).CriticalCount, g.Critical);
     std::string written = ReadFileText(dir.Path() + (g.Critical == 0 ? "Actvprg1.M1" : "Blend.tmp"));
     EXPECT_EQ(written, ReadFileText(data + ".out"));
     if (g.Critical != 0) {

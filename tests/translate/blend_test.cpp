@@ -15,12 +15,12 @@ namespace {
 
 BlendSettings Machine() {
     BlendSettings s;
-    s.MachineQ10 = 0;
-    s.MachineQ11 = 1250;
-    s.XLimitMin = -25;
-    s.XLimitMax = 2540;
-    s.YLimitMin = -10;
-    s.YLimitMax = 1270;
+    s.Travel.LoadPositionX = 0;
+    s.Travel.LoadPositionY = 1250;
+    s.Travel.XLimitMin = -25;
+    s.Travel.XLimitMax = 2540;
+    s.Travel.YLimitMin = -10;
+    s.Travel.YLimitMax = 1270;
     s.ProfilerValue = 2;
     s.MachineOrientation = 1;
     s.Now = [] { return std::string("21/11/26 10:30"); };
@@ -161,7 +161,7 @@ TEST_F(BlendTest, PatternsArcsAreNotCheckedByThePositionUpdate) {
 }
 
 TEST_F(BlendTest, LoadPositionOutOfLimitsAlwaysWarns) {
-    settings.MachineQ10 = -50;
+    settings.Travel.LoadPositionX = -50;
     BlendPass p(settings);
     std::ostringstream r;
     p.OpenReport(&r);
@@ -312,7 +312,7 @@ TEST(BlendProgram, ReportAndReplacementWithoutCriticalErrors) {
     s.RootDir = dir.Path();
     s.ServiceDir = dir.Path();
     dir.Write("Actvprg1.M1", "N0001 G90 X100 Y100\r\nN0002 M100\nN0003 M03\nN0004 G101 X200 Y100\nN0005 G101 X300 Y100\n");
-    EXPECT_EQ(BlendProgram(" Jobs ", " PLATE01 ", dir.Path() + "Actvprg1.", s), 0);
+    EXPECT_EQ(BlendProgram(" Jobs ", " PLATE01 ", dir.Path() + "Actvprg1.", s).CriticalCount, 0);
     auto m1 = ReadLines(dir.Path() + "Actvprg1.M1");
     ASSERT_TRUE(m1);
     EXPECT_EQ(*m1, (std::vector<std::string>{"N0001 G90 X100 Y100", "N0002 M100", "N0003 M03",
@@ -330,7 +330,7 @@ TEST(BlendProgram, CriticalErrorKeepsM1AndLeavesBlendTmp) {
     s.ServiceDir = dir.Path();
     const std::string text = "N1 M100\nN2 M03\nN3 G00 X0 Y0\nN4 G102 X100 Y0 R40\nN5 G101 X3000 Y0\n";
     dir.Write("P.M1", text);
-    EXPECT_EQ(BlendProgram("D", "P", dir.Path() + "P.", s), 1);
+    EXPECT_EQ(BlendProgram("D", "P", dir.Path() + "P.", s).CriticalCount, 1);
     std::ifstream in(dir.Path() + "P.M1");
     std::string kept((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     EXPECT_EQ(kept, text);
@@ -351,7 +351,7 @@ TEST(BlendProgram, BlendTmpThatCannotBeCreatedKeepsM1) {
     const std::string text = "N0001 M100\nN0002 M03\nN0003 G101 X200 Y100\n";
     dir.Write("P.M1", text);
     dir.Write("Blend.tmp/inside", "a directory stands in the way");
-    EXPECT_EQ(BlendProgram("D", "P", dir.Path() + "P.", s), -1);
+    EXPECT_TRUE(BlendProgram("D", "P", dir.Path() + "P.", s).FileFault);
     EXPECT_EQ(ReadFileText(dir.Path() + "P.M1"), text);
 }
 
@@ -364,7 +364,7 @@ TEST(BlendProgram, AReportThatCannotBeWrittenRefusesAndLeavesNoBlendTmp) {
     dir.Write("P.M1", text);
     dir.Write("Blend.tmp", "left by an earlier run\n");
     dir.Write("Service/Blend.txt/inside", "a directory stands in the way");
-    EXPECT_EQ(BlendProgram("D", "P", dir.Path() + "P.", s), -1);
+    EXPECT_TRUE(BlendProgram("D", "P", dir.Path() + "P.", s).FileFault);
     EXPECT_EQ(ReadFileText(dir.Path() + "P.M1"), text);
     EXPECT_FALSE(FileExists(dir.Path() + "Blend.tmp"));
 }
@@ -382,8 +382,8 @@ TEST(BlendProgram, AFullDiskKeepsM1WholeAndLeavesNoBlendTmp) {
     EXPECT_EXIT(
         {
             LimitFileSize(1000);
-            std::int16_t result = BlendProgram("D", "P", dir.Path() + "P.", s);
-            std::_Exit(result == -1 && ReadFileText(m1) == text && !FileExists(tmp) ? 0 : 1);
+            BlendResult result = BlendProgram("D", "P", dir.Path() + "P.", s);
+            std::_Exit(result.FileFault && ReadFileText(m1) == text && !FileExists(tmp) ? 0 : 1);
         },
         ::testing::ExitedWithCode(0), "");
     EXPECT_EQ(ReadFileText(m1), text);
@@ -394,6 +394,6 @@ TEST(BlendProgram, MissingMotionFile) {
     BlendSettings s = Machine();
     s.RootDir = dir.Path();
     s.ServiceDir = dir.Path();
-    EXPECT_EQ(BlendProgram("D", "P", dir.Path() + "none.", s), -1);
+    EXPECT_TRUE(BlendProgram("D", "P", dir.Path() + "none.", s).FileFault);
     EXPECT_EQ(ReadLines(dir.Path() + "Blend.txt")->back(), "******");
 }
