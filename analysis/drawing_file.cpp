@@ -146,8 +146,8 @@ void EncodeEntity(const EntityRec& rec, RecordBytes& bytes) {
     w.I16(SubBlockAt, rec.SubBlock);
     w.Call(CallSpecAt, rec.CallSpec);
     w.Call(CallStateAt, rec.CallState);
-    const PointF* points[] = {&rec.Points.Start, &rec.Points.Middle, &rec.Points.End,
-                              &rec.Points.Position, &rec.Points.Entry, &rec.Points.Exit};
+    const PointF* points[] = {&rec.Points.Start,    &rec.Points.Middle, &rec.Points.End,
+                              &rec.Points.Position, &rec.Points.Entry,  &rec.Points.Exit};
     for (std::size_t i = 0; i < 6; ++i) w.Point(PointsAt + 8 * i, *points[i]);
     for (std::size_t i = 0; i < ValueSlots; ++i) w.F32(ValuesAt + 4 * i, rec.Values.Items[i]);
     for (std::size_t i = 0; i < CountSlots; ++i) w.I16(CountsAt + 2 * i, rec.Counts.Items[i]);
@@ -185,8 +185,8 @@ void DecodeEntity(const RecordBytes& bytes, EntityRec& rec) {
     rec.SubBlock = r.I16(SubBlockAt);
     r.Call(CallSpecAt, rec.CallSpec);
     r.Call(CallStateAt, rec.CallState);
-    PointF* points[] = {&rec.Points.Start, &rec.Points.Middle, &rec.Points.End,
-                        &rec.Points.Position, &rec.Points.Entry, &rec.Points.Exit};
+    PointF* points[] = {&rec.Points.Start,    &rec.Points.Middle, &rec.Points.End,
+                        &rec.Points.Position, &rec.Points.Entry,  &rec.Points.Exit};
     for (std::size_t i = 0; i < 6; ++i) *points[i] = r.Point(PointsAt + 8 * i);
     for (std::size_t i = 0; i < ValueSlots; ++i) rec.Values.Items[i] = r.F32(ValuesAt + 4 * i);
     for (std::size_t i = 0; i < CountSlots; ++i) rec.Counts.Items[i] = r.I16(CountsAt + 2 * i);

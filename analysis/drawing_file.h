@@ -73,7 +73,7 @@ private:
     std::int64_t position_ = 0;  // where the next read or write of the stream happens
     bool seekNeeded_ = true;     // the stream's position is unknown, or a read follows a write
     bool lastWasWrite_ = false;
-    std::string createdPath_;    // a created file's own name, taken at the close
+    std::string createdPath_;  // a created file's own name, taken at the close
 };
 
 // Adds 1 to the writer's record counter, stores it in `RecordNo` and writes the record at that

@@ -79,8 +79,8 @@ std::vector<std::string> DescribeEntity(const EntityRec& rec) {
     lines.push_back("  start " + Point(p.Start) + ", middle " + Point(p.Middle) + ", end " + Point(p.End));
     lines.push_back("  position " + Point(p.Position) + ", entry " + Point(p.Entry) + ", exit " + Point(p.Exit));
     lines.push_back("  values: " + SlotList(rec.Values.Items, 0.0f, Single));
-    lines.push_back("  counts: " + SlotList(rec.Counts.Items, std::int16_t{0},
-                                            [](std::int16_t v) { return std::to_string(v); }));
+    lines.push_back("  counts: " +
+                    SlotList(rec.Counts.Items, std::int16_t{0}, [](std::int16_t v) { return std::to_string(v); }));
     lines.push_back("  compensation " + std::to_string(rec.Compensation) + ", cycle rotate " +
                     std::to_string(rec.CycleRotate) + ", path mode " + std::to_string(rec.PathMode) + ", feed " +
                     Single(rec.Feed));

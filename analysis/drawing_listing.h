@@ -9,8 +9,8 @@
 
 namespace kirvana {
 
-// The lines of one record, indented by two: kind, name and record number, texts, blocks, the subroutine call when there is
-// one, points, the values and counts that are set, the boxes, the tool, the settings in force.
+// The lines of one record, indented by two: kind, name and record number, texts, blocks, the subroutine call when there
+// is one, points, the values and counts that are set, the boxes, the tool, the settings in force.
 std::vector<std::string> DescribeEntity(const EntityRec& rec);
 
 // The file as a reader walks it: record 1, then records 2 to the count, each behind a line

@@ -133,20 +133,23 @@ ExpandResult ExpandRecords(DrawingFile& drawing, DrawingFile& expanded, std::int
     for (std::int32_t n = 2; n <= last && !out.Stopped(); ++n) {
         if (!drawing.Get(n, rec)) break;
         switch (rec.Kind) {
-        case EntityKind::Punch: out.Copy(rec); break;
-        case EntityKind::LinearPattern:
-            out.BeginPattern(rec);
-            ExpandLinear(rec, out);
-            break;
-        case EntityKind::GridPattern:
-            out.BeginPattern(rec);
-            ExpandGrid(rec, out);
-            break;
-        case EntityKind::ArcPattern:
-            out.BeginPattern(rec);
-            ExpandArc(rec, out);
-            break;
-        default: break;
+            case EntityKind::Punch:
+                out.Copy(rec);
+                break;
+            case EntityKind::LinearPattern:
+                out.BeginPattern(rec);
+                ExpandLinear(rec, out);
+                break;
+            case EntityKind::GridPattern:
+                out.BeginPattern(rec);
+                ExpandGrid(rec, out);
+                break;
+            case EntityKind::ArcPattern:
+                out.BeginPattern(rec);
+                ExpandArc(rec, out);
+                break;
+            default:
+                break;
         }
     }
     if (out.Failed()) return result;

@@ -14,7 +14,7 @@ struct GridWalk {
     double ColumnPitch = 0;  // between rows
     int PerRow = 0;          // hits per row
     int Rows = 0;
-    double Angle = 0;        // direction of the first row
+    double Angle = 0;  // direction of the first row
 };
 
 inline GridWalk GridParameters(const EntityRec& rec) {

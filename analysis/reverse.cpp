@@ -99,8 +99,15 @@ bool KnownWordAt(std::string_view text, std::size_t at, std::size_t& length) {
     static const char* const words[] = {"RETURN", "ROUND", "TRUNC", "GOTO", "ENDIF", "ABORT", "IF"};
     // Most letters start no known word: only those that do are compared.
     switch (UpperChar(text[at])) {
-    case 'R': case 'T': case 'G': case 'E': case 'A': case 'I': break;
-    default: return false;
+        case 'R':
+        case 'T':
+        case 'G':
+        case 'E':
+        case 'A':
+        case 'I':
+            break;
+        default:
+            return false;
     }
     for (const char* word : words) {
         std::size_t n = std::char_traits<char>::length(word);
@@ -237,7 +244,8 @@ ProgramHeader ReadHeader(const std::vector<std::string>& lines) {
         std::string upper = UpperCase(comment);
         std::string stripped = StripBlanks(upper);
         std::size_t colon = stripped.find(':');
-        std::string_view rest = colon == std::string::npos ? std::string_view() : std::string_view(stripped).substr(colon + 1);
+        std::string_view rest =
+            colon == std::string::npos ? std::string_view() : std::string_view(stripped).substr(colon + 1);
         if (upper.find("MATERIAL") != std::string::npos && !header.HasMaterial) {
             std::size_t at = comment.find(':');
             if (at != std::string::npos) {
@@ -271,7 +279,12 @@ class ReverseRun {
 public:
     ReverseRun(const std::vector<std::string>& m1, const std::vector<std::string>& m2, DrawingFile& drawing,
                std::string& report, std::int16_t& toolChanges, const ReverseSettings& settings)
-        : m1_(m1), m2_(m2), drawing_(drawing), report_(report), toolChanges_(toolChanges), settings_(settings),
+        : m1_(m1),
+          m2_(m2),
+          drawing_(drawing),
+          report_(report),
+          toolChanges_(toolChanges),
+          settings_(settings),
           stations_(settings.Stations) {}
 
     ReverseResult Run();
@@ -372,7 +385,7 @@ private:
     std::int64_t linesRead_ = 0;
     LabelIndex m1Labels_, m2Labels_;
     std::int64_t hitWork_ = 0;
-    CodeIndex codes_;           // where the codes stand in the working block
+    CodeIndex codes_;            // where the codes stand in the working block
     std::uint32_t letters_ = 0;  // bit k: the working block holds the letter 'A' + k
 };
 
@@ -651,9 +664,12 @@ void ReverseRun::HandleBlock() {
     }
     // 7.13 Nibbling, in punch mode.
     if (!S.Profiling) {
-        if (Has("G01")) NibbleLine();
-        else if (Has("G02")) NibbleArc(true);
-        else if (Has("G03")) NibbleArc(false);
+        if (Has("G01"))
+            NibbleLine();
+        else if (Has("G02"))
+            NibbleArc(true);
+        else if (Has("G03"))
+            NibbleArc(false);
     }
     // 7.14 Dwell.
     if (Has("G04")) Dwell();
@@ -672,8 +688,10 @@ void ReverseRun::HandleBlock() {
     if (Has("G77") || Has("G80")) Move();
     // 7.17 A hit here; under profiling G81 only moves.
     if (Has("G81") || Has("M75")) {
-        if (!S.Profiling) Punch();
-        else if (Has("G81")) Move();
+        if (!S.Profiling)
+            Punch();
+        else if (Has("G81"))
+            Move();
     }
     // 7.18 Profiling on.
     bool m100 = Has("M100"), m101 = Has("M101");
@@ -705,8 +723,10 @@ void ReverseRun::HandleBlock() {
     // 7.23 Flip or rotate.
     if (Has("M55")) FlipRotate();
     // 7.24 Stops.
-    if (Has("M00")) Stop(false);
-    else if (Has("M01")) Stop(true);
+    if (Has("M00"))
+        Stop(false);
+    else if (Has("M01"))
+        Stop(true);
 }
 
 bool ReverseRun::ApplyPosition() {
@@ -1082,10 +1102,11 @@ void ReverseRun::MoveOnCircle(double centreX, double centreY, double radius, dou
 void ReverseRun::FinishPattern() {
     Append();
     ProgramStats& stats = S.Stats;
-    std::int64_t hits = rec_.Kind == EntityKind::Punch ? 1
-                        : rec_.Kind == EntityKind::GridPattern
-                            ? static_cast<std::int64_t>(std::max<int>(rec_.Counts[1], 0)) * std::max<int>(rec_.Counts[2], 0)
-                            : std::max<int>(rec_.Counts[1], 0);
+    std::int64_t hits =
+        rec_.Kind == EntityKind::Punch ? 1
+        : rec_.Kind == EntityKind::GridPattern
+            ? static_cast<std::int64_t>(std::max<int>(rec_.Counts[1], 0)) * std::max<int>(rec_.Counts[2], 0)
+            : std::max<int>(rec_.Counts[1], 0);
     stats.Hits = static_cast<std::int32_t>(std::min<std::int64_t>(stats.Hits + hits, INT32_MAX));
     double dx = rec_.Points.Entry.X - static_cast<double>(S.LastHitX);
     double dy = rec_.Points.Entry.Y - static_cast<double>(S.LastHitY);
@@ -1103,31 +1124,34 @@ void ReverseRun::CheckHits() {
         return !(S.WarnedX && S.WarnedY) && ++visited < MaxCheckedHits && !stopped_;
     };
     switch (rec_.Kind) {
-    case EntityKind::Punch: visit(rec_.Points.Position.X, rec_.Points.Position.Y); break;
-    case EntityKind::LinearPattern: {
-        double stepX = 0, stepY = 0;
-        PolarToXY(rec_.Values[2], rec_.Values[10], stepX, stepY);
-        double x = rec_.Points.Entry.X, y = rec_.Points.Entry.Y;
-        for (int k = 1; k <= rec_.Counts[1]; ++k, x += stepX, y += stepY)
-            if (!visit(x, y)) break;
-        if (visited >= MaxCheckedHits) visit(rec_.Points.Exit.X, rec_.Points.Exit.Y);
-        break;
-    }
-    case EntityKind::GridPattern: {
-        WalkGrid(GridParameters(rec_), rec_.Points.Start.X, rec_.Points.Start.Y,
-                 [&](int, int, double x, double y) { return visit(x, y); });
-        if (visited >= MaxCheckedHits)
-            for (const PointF& p : {rec_.Points.Middle, rec_.Points.End, rec_.Points.Exit}) visit(p.X, p.Y);
-        break;
-    }
-    case EntityKind::ArcPattern:
-        for (int k = 0; k < rec_.Counts[1]; ++k) {
-            double dx = 0, dy = 0;
-            PolarToXY(rec_.Values[5], rec_.Values[13] + k * static_cast<double>(rec_.Values[12]), dx, dy);
-            if (!visit(rec_.Points.Position.X + dx, rec_.Points.Position.Y + dy)) break;
+        case EntityKind::Punch:
+            visit(rec_.Points.Position.X, rec_.Points.Position.Y);
+            break;
+        case EntityKind::LinearPattern: {
+            double stepX = 0, stepY = 0;
+            PolarToXY(rec_.Values[2], rec_.Values[10], stepX, stepY);
+            double x = rec_.Points.Entry.X, y = rec_.Points.Entry.Y;
+            for (int k = 1; k <= rec_.Counts[1]; ++k, x += stepX, y += stepY)
+                if (!visit(x, y)) break;
+            if (visited >= MaxCheckedHits) visit(rec_.Points.Exit.X, rec_.Points.Exit.Y);
+            break;
         }
-        break;
-    default: break;
+        case EntityKind::GridPattern: {
+            WalkGrid(GridParameters(rec_), rec_.Points.Start.X, rec_.Points.Start.Y,
+                     [&](int, int, double x, double y) { return visit(x, y); });
+            if (visited >= MaxCheckedHits)
+                for (const PointF& p : {rec_.Points.Middle, rec_.Points.End, rec_.Points.Exit}) visit(p.X, p.Y);
+            break;
+        }
+        case EntityKind::ArcPattern:
+            for (int k = 0; k < rec_.Counts[1]; ++k) {
+                double dx = 0, dy = 0;
+                PolarToXY(rec_.Values[5], rec_.Values[13] + k * static_cast<double>(rec_.Values[12]), dx, dy);
+                if (!visit(rec_.Points.Position.X + dx, rec_.Points.Position.Y + dy)) break;
+            }
+            break;
+        default:
+            break;
     }
     ChargeHits(visited);
 }
@@ -1277,10 +1301,17 @@ void ReverseRun::CycleG28() {
                                    : (arc.MirrorY ? S.PosY - arc.J : S.PosY + arc.J);
     if (r == Missing || r == 0) r = std::sqrt(arc.I * arc.I + arc.J * arc.J);
     switch (CompleteArc(arc)) {
-    case PatternCheck::InvalidHits: Error(pass_message::InvalidHitsP1, true); return;
-    case PatternCheck::NoHitsOrPitch: Error(pass_message::NoHitsOrPitch, true); return;
-    case PatternCheck::DivisionByZero: Error(pass_message::DivisionByZero, true); return;
-    case PatternCheck::Ok: break;
+        case PatternCheck::InvalidHits:
+            Error(pass_message::InvalidHitsP1, true);
+            return;
+        case PatternCheck::NoHitsOrPitch:
+            Error(pass_message::NoHitsOrPitch, true);
+            return;
+        case PatternCheck::DivisionByZero:
+            Error(pass_message::DivisionByZero, true);
+            return;
+        case PatternCheck::Ok:
+            break;
     }
     if (!TakeTool()) return;
     BeginArcPattern(centreX, centreY, r, arc.P3, arc.Sweep, arc.P2);
@@ -1694,8 +1725,10 @@ void ReverseRun::ProfileArc(bool g103) {
         double sx, sy, ex, ey;
         PolarToXY(arc.Radius, start, sx, sy);
         PolarToXY(arc.Radius, start + sweep, ex, ey);
-        rec_.Points.Start = part == 0 ? PointF{S.PrevX, S.PrevY} : PointF{ToSingle(arc.CentreX + sx), ToSingle(arc.CentreY + sy)};
-        rec_.Points.End = part == parts - 1 ? PointF{S.PosX, S.PosY} : PointF{ToSingle(arc.CentreX + ex), ToSingle(arc.CentreY + ey)};
+        rec_.Points.Start =
+            part == 0 ? PointF{S.PrevX, S.PrevY} : PointF{ToSingle(arc.CentreX + sx), ToSingle(arc.CentreY + sy)};
+        rec_.Points.End =
+            part == parts - 1 ? PointF{S.PosX, S.PosY} : PointF{ToSingle(arc.CentreX + ex), ToSingle(arc.CentreY + ey)};
         rec_.Points.Position = {ToSingle(arc.CentreX), ToSingle(arc.CentreY)};
         rec_.Values[1] = ToSingle(arc.Radius);
         rec_.Values[10] = ToSingle(NormaliseAngle(start));
@@ -1765,9 +1798,8 @@ void ReverseRun::Stop(bool optional) {
 
 }  // namespace
 
-ReverseResult ReverseTexts(const std::vector<std::string>& m1, const std::vector<std::string>& m2,
-                           DrawingFile& drawing, std::string& report, std::int16_t& toolChanges,
-                           const ReverseSettings& settings) {
+ReverseResult ReverseTexts(const std::vector<std::string>& m1, const std::vector<std::string>& m2, DrawingFile& drawing,
+                           std::string& report, std::int16_t& toolChanges, const ReverseSettings& settings) {
     ReverseRun run(m1, m2, drawing, report, toolChanges, settings);
     return run.Run();
 }
@@ -1776,9 +1808,9 @@ ReverseResult ReversePass(const std::string& stem, const std::string& programNam
                           std::int16_t& toolChanges, const ReverseSettings& settings) {
     // 1, 2. The report anew with its three head lines.
     const std::string reportPath = settings.ServiceDir + "Reverse.txt";
-    std::string head = "PROGRAM   :  " + std::string(Trim(programName)) + "\n" + "DIRECTORY :  " +
-                       std::string(Trim(directory)) + "\n" + "TIME      :  " +
-                       (settings.Now ? settings.Now() : ReportTime()) + "\n";
+    std::string head = "PROGRAM   :  " + std::string(Trim(programName)) + "\n" +
+                       "DIRECTORY :  " + std::string(Trim(directory)) + "\n" +
+                       "TIME      :  " + (settings.Now ? settings.Now() : ReportTime()) + "\n";
     std::string body;
     ReverseResult result;
     auto fileFault = [&](const std::string& file) {

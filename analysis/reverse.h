@@ -26,14 +26,14 @@ struct ReverseSettings {
     std::int16_t ClampCount = 0;
     std::int16_t MachineType = 0;
     std::int16_t MachineOrientation = 1;  // the sense of G102 (Machine.dat line 3)
-    StationTable Stations;                 // the slot's turret: station 1 is element 0
-    ToolRecord PlasmaTool;                 // the tool of profile entities
-    SettingsArray ProgramSettings = [] {   // the program's plasma settings; NoValue where unset
+    StationTable Stations;                // the slot's turret: station 1 is element 0
+    ToolRecord PlasmaTool;                // the tool of profile entities
+    SettingsArray ProgramSettings = [] {  // the program's plasma settings; NoValue where unset
         SettingsArray unset;
         unset.fill(NoValue);
         return unset;
     }();
-    std::string ServiceDir;                // where "Reverse.txt" is written
+    std::string ServiceDir;  // where "Reverse.txt" is written
     // The report's time line, "dd/mm/yy hh:mm"; the local time when not set.
     std::function<std::string()> Now;
     // Bounds on the work of the walk, so that a program that loops for ever (a GOTO back, a
@@ -122,25 +122,25 @@ struct ReverseResult {
     std::int16_t Result = 0;
     std::int16_t CriticalCount = 0;
     bool WordsRejected = false;
-    bool Stopped = false;        // the block bound was reached
-    bool FileFault = false;      // M1 missing, or the drawing or the report could not be written
-    std::string FaultFile;       // with FileFault: the file
-    std::int32_t Records = 0;    // records of the drawing, the Sheet included
-    std::int64_t Blocks = 0;     // lines read, from M1 and from every repetition in M2
+    bool Stopped = false;      // the block bound was reached
+    bool FileFault = false;    // M1 missing, or the drawing or the report could not be written
+    std::string FaultFile;     // with FileFault: the file
+    std::int32_t Records = 0;  // records of the drawing, the Sheet included
+    std::int64_t Blocks = 0;   // lines read, from M1 and from every repetition in M2
     ProgramStats Stats;
 };
 
 // The pass on texts held in memory: the drawing goes to `drawing` (from record 1), the report
 // body (no time lines) to `report`. `toolChanges` counts the valid tool changes.
-ReverseResult ReverseTexts(const std::vector<std::string>& m1, const std::vector<std::string>& m2,
-                           DrawingFile& drawing, std::string& report, std::int16_t& toolChanges,
-                           const ReverseSettings& settings);
+ReverseResult ReverseTexts(const std::vector<std::string>& m1, const std::vector<std::string>& m2, DrawingFile& drawing,
+                           std::string& report, std::int16_t& toolChanges, const ReverseSettings& settings);
 
 // The entry: reads stem + "M1" and stem + "M2", writes stem + "drw" and ServiceDir +
 // "Reverse.txt" (program name, directory and time in its head). When the words of M1 are
 // rejected the pass ends before the drawing is created: an older drawing stays.
-[[nodiscard]] ReverseResult ReversePass(const std::string& stem, const std::string& programName, const std::string& directory,
-                          std::int16_t& toolChanges, const ReverseSettings& settings);
+[[nodiscard]] ReverseResult ReversePass(const std::string& stem, const std::string& programName,
+                                        const std::string& directory, std::int16_t& toolChanges,
+                                        const ReverseSettings& settings);
 
 // The messages of the report beyond those the passes share, with their blanks.
 namespace reverse_message {

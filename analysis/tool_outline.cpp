@@ -293,19 +293,32 @@ void ToolOutline(EntityRec& rec) {
     }
     // 3. The routine of the kind; other kinds keep what their writer set.
     switch (rec.Kind) {
-    case EntityKind::Move:
-    case EntityKind::LinearPattern: OutlineStraight(rec); break;
-    case EntityKind::LineProfile:
-    case EntityKind::ArcProfile: OutlineProfile(rec); break;
-    case EntityKind::ReservedArc:
-    case EntityKind::ArcPattern: OutlineArcPattern(rec); break;
-    case EntityKind::Punch:
-    case EntityKind::GridPattern: OutlinePunch(rec); break;
-    case EntityKind::Dwell:
-    case EntityKind::Stop:
-    case EntityKind::Reposition: OutlineAtPoint(rec); break;
-    case EntityKind::MultiPart: OutlineMultiPart(rec); break;
-    default: break;
+        case EntityKind::Move:
+        case EntityKind::LinearPattern:
+            OutlineStraight(rec);
+            break;
+        case EntityKind::LineProfile:
+        case EntityKind::ArcProfile:
+            OutlineProfile(rec);
+            break;
+        case EntityKind::ReservedArc:
+        case EntityKind::ArcPattern:
+            OutlineArcPattern(rec);
+            break;
+        case EntityKind::Punch:
+        case EntityKind::GridPattern:
+            OutlinePunch(rec);
+            break;
+        case EntityKind::Dwell:
+        case EntityKind::Stop:
+        case EntityKind::Reposition:
+            OutlineAtPoint(rec);
+            break;
+        case EntityKind::MultiPart:
+            OutlineMultiPart(rec);
+            break;
+        default:
+            break;
     }
 }
 

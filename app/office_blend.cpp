@@ -13,7 +13,8 @@ int Blend(const Args& args) {
     std::string root = Option(args, "--root", &haveRoot);
     std::string program = Option(args, "--program", &haveProgram);
     std::string directory = Option(args, "--dir", &haveDirectory);
-    if (args.size() != 7 || !haveRoot || !haveProgram || !haveDirectory || args[0].starts_with("--")) return Usage(usage);
+    if (args.size() != 7 || !haveRoot || !haveProgram || !haveDirectory || args[0].starts_with("--"))
+        return Usage(usage);
     if (!NamesAcceptable(directory, program)) return 2;
     Directories dirs;
     MachineData machine;

@@ -68,24 +68,32 @@ const Command Commands[] = {
     {"start", Start, "start --root DIR                 run the start-up headless, print the machine summary"},
     {"select", Select, "select --root ROOT --dir DIR --program NAME [--slot 1|2]   select a program into a slot"},
     {"slots", Slots, "slots --root ROOT                print both active slots as the start-up finds them"},
-    {"card", Card, "card --root DIR [--timeout MS] \"TEXT\"...   send texts to the installation's card, print the answers"},
+    {"card", Card,
+     "card --root DIR [--timeout MS] \"TEXT\"...   send texts to the installation's card, print the answers"},
     {"eval", Eval, "eval \"EXPR\"                     evaluate an expression"},
     {"word", Word, "word \"BLOCK\" LETTER [--number|--integer]   read a word of a block"},
     {"format", Format, "format VALUE DECIMALS [--single]  format a number"},
     {"convert", Convert, "convert STEM --root ROOT         convert STEM + \"org\", print the dialect"},
-    {"blend", Blend, "blend STEM --root ROOT --program NAME --dir DIR   blend STEM + \"M1\", print the critical errors"},
-    {"tool", Tool, "tool \"TEXT\" [--inches] [--station-type N]   read a tool text, print the record and its description"},
-    {"reverse", Reverse, "reverse STEM --root ROOT --program NAME --dir DIR   draw STEM + \"M1\", \"M2\" into STEM + \"drw\", print the critical errors and records"},
+    {"blend", Blend,
+     "blend STEM --root ROOT --program NAME --dir DIR   blend STEM + \"M1\", print the critical errors"},
+    {"tool", Tool,
+     "tool \"TEXT\" [--inches] [--station-type N]   read a tool text, print the record and its description"},
+    {"reverse", Reverse,
+     "reverse STEM --root ROOT --program NAME --dir DIR   draw STEM + \"M1\", \"M2\" into STEM + \"drw\", print the "
+     "critical errors and records"},
     {"drawing", Drawing, "drawing FILE                     list the records of a drawing file"},
-    {"watch", Watch, "watch --root ROOT [--ticks N] [--interval MS] [--start] [--until-idle]   follow the machine tick by tick"},
-    {"expand", Expand, "expand STEM [--root ROOT]        expand STEM + \"drw\" into single hits in STEM + \"dr1\", print the hits"},
+    {"watch", Watch,
+     "watch --root ROOT [--ticks N] [--interval MS] [--start] [--until-idle]   follow the machine tick by tick"},
+    {"expand", Expand,
+     "expand STEM [--root ROOT]        expand STEM + \"drw\" into single hits in STEM + \"dr1\", print the hits"},
 };
 
 // The list of commands: on stdout with exit code 0 when asked for, on stderr with 2 after a
 // wrong call.
 int Help(bool asked) {
     FILE* out = asked ? stdout : stderr;
-    std::fprintf(out, "usage: kirvana-office COMMAND ...   (kirvana-office COMMAND --help for one command)\ncommands:\n");
+    std::fprintf(out,
+                 "usage: kirvana-office COMMAND ...   (kirvana-office COMMAND --help for one command)\ncommands:\n");
     for (const auto& c : Commands) std::fprintf(out, "  %s\n", c.Help);
     return asked ? 0 : 2;
 }

@@ -25,8 +25,10 @@ int Card(const Args& args) {
     std::string timeout = Option(args, "--timeout", &timed);
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == "--root" || args[i] == "--timeout") ++i;
-        else texts.push_back(args[i]);
+        if (args[i] == "--root" || args[i] == "--timeout")
+            ++i;
+        else
+            texts.push_back(args[i]);
     }
     int timeoutMs = timed ? static_cast<int>(ToNumber(timeout)) : 1000;
     if (!found || texts.empty() || timeoutMs <= 0) return Usage(usage);

@@ -24,10 +24,13 @@ int Word(const Args& args) {
     bool integer = args.size() == 3 && args[2] == "--integer";
     if (args.size() == 3 && !number && !integer) return Usage(usage);
     ValueReader reader;
-    Number value = integer ? Number(reader.WordInteger(args[0], args[1][0]))
-                           : Number(number ? reader.WordNumber(args[0], args[1][0]) : reader.WordValue(args[0], args[1][0]));
-    if (reader.WordMissing) std::printf("missing\n");
-    else std::printf("%s\n", FormatNumber(value, -1).c_str());
+    Number value =
+        integer ? Number(reader.WordInteger(args[0], args[1][0]))
+                : Number(number ? reader.WordNumber(args[0], args[1][0]) : reader.WordValue(args[0], args[1][0]));
+    if (reader.WordMissing)
+        std::printf("missing\n");
+    else
+        std::printf("%s\n", FormatNumber(value, -1).c_str());
     return 0;
 }
 

@@ -66,7 +66,8 @@ std::string Hits(int blocks) {
     std::string text = "(HITS ; SHEET:2500X1250)\nG92X1830.Y1270.\nG90\n";
     char line[64];
     for (int i = 3; i < blocks - 1; ++i) {
-        std::snprintf(line, sizeof line, i % 50 == 0 ? "X%dY%dT305(RO20.)" : "X%dY%d", (i % 2000) * 100, (i % 900) * 100);
+        std::snprintf(line, sizeof line, i % 50 == 0 ? "X%dY%dT305(RO20.)" : "X%dY%d", (i % 2000) * 100,
+                      (i % 900) * 100);
         text += line;
         text += '\n';
     }
@@ -92,9 +93,8 @@ void Run(benchmark::State& state, const std::string& program) {
         benchmark::DoNotOptimize(result);
         if (result.Status != ConvertStatus::Done) state.SkipWithError("conversion failed");
     }
-    state.counters["blocks_per_second"] =
-        benchmark::Counter(static_cast<double>(blocks) * static_cast<double>(state.iterations()),
-                           benchmark::Counter::kIsRate);
+    state.counters["blocks_per_second"] = benchmark::Counter(
+        static_cast<double>(blocks) * static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
     std::filesystem::remove_all(dir);
 }
 

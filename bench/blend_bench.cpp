@@ -23,12 +23,18 @@ std::string Directory() {
 void WriteMotion(const std::string& path, int blocks) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     const char* pattern[] = {
-        "G90 X%d.5 Y%d T12 C90",      "X%d Y%d.25",
-        "P8=2.5 G01 X%d Y%d",         "G26 X%d Y%d P1=4 P2=10 P3=2 P4=20 P5=0 P7=-999",
-        "G28 X%d Y%d R25 P1=8 P3=0",  "G36 X%d Y%d I40 J0 P8=2.5",
-        "M100 X%d Y%d",               "M03 G101 X%d Y%d",
-        "G102 X%d Y%d I10 J0",        "G101 X%d Y%d.5 ;edge",
-        "M05 M101 X%d Y%d",           "G66 X%d Y%d I10 J0 B4",
+        "G90 X%d.5 Y%d T12 C90",
+        "X%d Y%d.25",
+        "P8=2.5 G01 X%d Y%d",
+        "G26 X%d Y%d P1=4 P2=10 P3=2 P4=20 P5=0 P7=-999",
+        "G28 X%d Y%d R25 P1=8 P3=0",
+        "G36 X%d Y%d I40 J0 P8=2.5",
+        "M100 X%d Y%d",
+        "M03 G101 X%d Y%d",
+        "G102 X%d Y%d I10 J0",
+        "G101 X%d Y%d.5 ;edge",
+        "M05 M101 X%d Y%d",
+        "G66 X%d Y%d I10 J0 B4",
     };
     char line[160];
     for (int n = 1; n <= blocks; ++n) {

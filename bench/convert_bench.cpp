@@ -68,9 +68,8 @@ void BM_Convert(benchmark::State& state) {
         benchmark::DoNotOptimize(result);
         if (result.Status != ConvertStatus::Done) state.SkipWithError("conversion failed");
     }
-    state.counters["blocks_per_second"] =
-        benchmark::Counter(static_cast<double>(blocks) * static_cast<double>(state.iterations()),
-                           benchmark::Counter::kIsRate);
+    state.counters["blocks_per_second"] = benchmark::Counter(
+        static_cast<double>(blocks) * static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
     std::filesystem::remove_all(dir);
 }
 

@@ -61,7 +61,8 @@ static void BM_PollTickRunning(benchmark::State& s) {
     sim.SetRunPlanSource(SlotRunPlanSource(dirs));
     {
         std::ofstream("Control.cnc") << "Card in use: TRUE\nPoll log: FALSE\n******\n";
-        std::ofstream("PMAC.cfg") << "Save: N\nWait: 0\nPoll: 20\nDelay: 20\nCard: 127.0.0.1:" << sim.Port() << "\n******\n";
+        std::ofstream("PMAC.cfg") << "Save: N\nWait: 0\nPoll: 20\nDelay: 20\nCard: 127.0.0.1:" << sim.Port()
+                                  << "\n******\n";
     }
     PmacEthernetLink ethernet(CardAddress{"127.0.0.1", sim.Port()}, 1000);
     CountingLink link(ethernet);

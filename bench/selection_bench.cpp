@@ -32,8 +32,10 @@ struct Installation {
         out << "N0000 ! PROGRAM NAME : BENCH\n ! SHEET SIZE : X2500 x Y1250\nG90 G71\nT1 X100 Y100\n";
         for (int n = 0; n < blocks; ++n) {
             int x = 100 + (n * 37) % 2300, y = 100 + (n * 53) % 1100;
-            if (n % 50 == 0) out << "G26 X" << x % 1500 << " Y" << y % 800 << " P1=4 P2=10 P3=2 P4=20 P5=0\n";
-            else out << "X" << x << " Y" << y << "\n";
+            if (n % 50 == 0)
+                out << "G26 X" << x % 1500 << " Y" << y % 800 << " P1=4 P2=10 P3=2 P4=20 P5=0\n";
+            else
+                out << "X" << x << " Y" << y << "\n";
         }
         out << "M30\n";
         out.close();
@@ -50,7 +52,14 @@ void BM_SelectProgram(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
     state.SetLabel(selected ? "blocks, selected" : "blocks, refused");
 }
-BENCHMARK(BM_SelectProgram)->Arg(1000)->Arg(5000)->Arg(7760)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_SelectProgram)
+    ->Arg(1000)
+    ->Arg(5000)
+    ->Arg(7760)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 void BM_SlotBlockAt(benchmark::State& state) {
     // 5,000 punching blocks: the largest of the generated programs that the block map takes.

@@ -73,7 +73,7 @@ std::string Conversation::GetRspnsTxt(std::string_view query) {
 }
 
 std::vector<std::string> Conversation::GetRspnsBatch(const std::vector<std::string>& queries,
-                                                   const std::vector<const char*>& names) {
+                                                     const std::vector<const char*>& names) {
     std::vector<std::string> answers(queries.size());
     if (!state_.CardInUse || !link_ || queries.empty()) return answers;
     std::string line;
@@ -88,9 +88,11 @@ std::vector<std::string> Conversation::GetRspnsBatch(const std::vector<std::stri
     std::size_t start = 0;
     for (std::size_t i = 0; i < queries.size(); ++i) {
         std::size_t end = response.find_first_of("\r\n", start);
-        if (start < response.size()) answers[i] = std::string(Trim(std::string_view(response).substr(start, end - start)));
+        if (start < response.size())
+            answers[i] = std::string(Trim(std::string_view(response).substr(start, end - start)));
         start = end == std::string::npos ? response.size() : end + 1;
-        if (end != std::string::npos && response[end] == '\r' && start < response.size() && response[start] == '\n') ++start;
+        if (end != std::string::npos && response[end] == '\r' && start < response.size() && response[start] == '\n')
+            ++start;
         state_.LastCommand = std::string(Trim(queries[i]));
         LogExchange(i < names.size() ? names[i] : "GetRspnsBatch", queries[i], answers[i], success);
     }

@@ -41,8 +41,8 @@ inline constexpr int MessageListLines = 18;
 
 struct MessageList {
     std::array<MessageLine, MessageListLines> Lines;
-    int LineCount = 0;          // lines in use, from the top
-    int SelectedMessage = 0;    // from 1, the line shown in the inverted colours; 0: none
+    int LineCount = 0;        // lines in use, from the top
+    int SelectedMessage = 0;  // from 1, the line shown in the inverted colours; 0: none
 };
 
 // FrontEnd's status strip: PositionText 1 to 6 as elements 0 to 5. 1 and 2: X and Y at one
@@ -55,12 +55,12 @@ struct FrontEndDisplay {
 
 // MachineStatusForm: the run time, one row per clamp, the current station with its tool and values.
 struct MachineStatusDisplay {
-    std::string RunTimeText;                  // "m:ss", below a minute "0:ss"
-    std::array<std::string, 4> ClampTexts;    // ClampActual less the station's X offset, one decimal
-    int ClampCount = 0;                       // rows in use
-    std::string StationText;                  // the current station; "0" with no valid station
-    std::string ToolText;                     // its tool
-    std::array<std::string, 3> OffsetTexts;   // its X, Y and third offset, one decimal
+    std::string RunTimeText;                 // "m:ss", below a minute "0:ss"
+    std::array<std::string, 4> ClampTexts;   // ClampActual less the station's X offset, one decimal
+    int ClampCount = 0;                      // rows in use
+    std::string StationText;                 // the current station; "0" with no valid station
+    std::string ToolText;                    // its tool
+    std::array<std::string, 3> OffsetTexts;  // its X, Y and third offset, one decimal
 };
 
 // SetupForm's clamp panel: the actual positions beside the slot's demand values, 2 decimals.
@@ -78,60 +78,60 @@ struct BatchPanel {
 // PlasmaStatusForm: torch height, the three profiler inputs, the tool offset side, and P101 to
 // P110 as the card has them beside the slot's plasma settings.
 struct PlasmaPanel {
-    std::string TorchHeightText;              // " UP", " DOWN" or " CLEAR"
-    std::array<std::string, 3> InputTexts;    // " ON" or " OFF": M887, M888, M148
-    std::string OffsetSideText;               // " RIGHT", " LEFT" or " NONE"
-    std::array<std::string, 10> CardTexts;    // P101 to P110
-    std::array<std::string, 10> SettingTexts; // the slot's plasma settings
+    std::string TorchHeightText;               // " UP", " DOWN" or " CLEAR"
+    std::array<std::string, 3> InputTexts;     // " ON" or " OFF": M887, M888, M148
+    std::string OffsetSideText;                // " RIGHT", " LEFT" or " NONE"
+    std::array<std::string, 10> CardTexts;     // P101 to P110
+    std::array<std::string, 10> SettingTexts;  // the slot's plasma settings
 };
 
 // The block the viewing screen lights: the card program (1 to 4; 0 none), the motion block and
 // the source record of its `.RA`/`.RM` files (from 1; 0 none).
 struct LitBlock {
-    std::int32_t Program = -1;       // LastSlotShown
-    std::int32_t Record = -1;        // LastRecordShown
+    std::int32_t Program = -1;  // LastSlotShown
+    std::int32_t Record = -1;   // LastRecordShown
     std::int16_t MotionBlockIndex = 0;
-    std::string SourceText;          // the record of `.RA`k, trimmed
-    std::string MotionText;          // the record of `.RM`k, trimmed
-    bool Changed = false;            // the screen must be redrawn around the record
+    std::string SourceText;  // the record of `.RA`k, trimmed
+    std::string MotionText;  // the record of `.RM`k, trimmed
+    bool Changed = false;    // the screen must be redrawn around the record
 };
 
 // What the plot must do after a tick.
 struct PlotUpdate {
-    bool RunDataReset = false;                 // a run began: the real-time data start anew
-    std::vector<std::int32_t> DoneHits;        // `.dr1` records to draw in the "done" colour
-    bool ToolMoved = false;                    // the tool's position is to be redrawn
-    bool FromProfiler = false;                 // the tool is the plasma head
-    bool FullRefresh = false;                  // a head changed: the screens need a full refresh
-    bool ToolChanged = false;                  // a new station or clamps: the tool is redrawn
+    bool RunDataReset = false;           // a run began: the real-time data start anew
+    std::vector<std::int32_t> DoneHits;  // `.dr1` records to draw in the "done" colour
+    bool ToolMoved = false;              // the tool's position is to be redrawn
+    bool FromProfiler = false;           // the tool is the plasma head
+    bool FullRefresh = false;            // a head changed: the screens need a full refresh
+    bool ToolChanged = false;            // a new station or clamps: the tool is redrawn
 };
 
 // The whole model: inputs from the screens first, then what the cycle wrote.
 struct DisplayModel {
     // Inputs, set by the screens.
     FormVisibility Visible;
-    PositionMode XYMode = PositionMode::Actual;       // PositionMode
-    PositionMode RotaryMode = PositionMode::Actual;   // RotaryPositionMode
-    bool BatchEditing = false;            // BatchForm's button reads other than "&SET"
-    bool NewProgramsReceived = false;     // programs came in on the serial line
-    std::string ReceiveHelpFile;          // the help of the received-programs line
+    PositionMode XYMode = PositionMode::Actual;      // PositionMode
+    PositionMode RotaryMode = PositionMode::Actual;  // RotaryPositionMode
+    bool BatchEditing = false;                       // BatchForm's button reads other than "&SET"
+    bool NewProgramsReceived = false;                // programs came in on the serial line
+    std::string ReceiveHelpFile;                     // the help of the received-programs line
 
     // Written by the cycle.
     FrontEndDisplay FrontEnd;
-    std::string MachineFeedText;                     // MachineForm
-    std::array<std::string, 2> JogTexts;             // XYJogForm
-    std::array<std::string, 2> XYPositionTexts;      // XYPositionForm
-    std::array<std::string, 2> TCPositionTexts;      // TCPositionForm
-    MessageList Messages;                            // MessageForm
-    LitBlock Block;                                  // ViewProgForm
-    BatchPanel Batch;                                // BatchForm
-    MachineStatusDisplay MachineStatus;              // MachineStatusForm
-    ClampPanel Clamps;                               // SetupForm
-    PlasmaPanel Plasma;                              // PlasmaStatusForm
-    PlotUpdate Plot;                                 // the plot, cleared at each tick
-    std::int32_t HitCount = 0;                       // the active slot's hit counter
-    bool HeadCaptionsChanged = false;                // the buttons of a head need new captions
-    std::vector<std::string> Notices;                // what the tick has to say once, cleared each tick
+    std::string MachineFeedText;                 // MachineForm
+    std::array<std::string, 2> JogTexts;         // XYJogForm
+    std::array<std::string, 2> XYPositionTexts;  // XYPositionForm
+    std::array<std::string, 2> TCPositionTexts;  // TCPositionForm
+    MessageList Messages;                        // MessageForm
+    LitBlock Block;                              // ViewProgForm
+    BatchPanel Batch;                            // BatchForm
+    MachineStatusDisplay MachineStatus;          // MachineStatusForm
+    ClampPanel Clamps;                           // SetupForm
+    PlasmaPanel Plasma;                          // PlasmaStatusForm
+    PlotUpdate Plot;                             // the plot, cleared at each tick
+    std::int32_t HitCount = 0;                   // the active slot's hit counter
+    bool HeadCaptionsChanged = false;            // the buttons of a head need new captions
+    std::vector<std::string> Notices;            // what the tick has to say once, cleared each tick
 };
 
 }  // namespace kirvana

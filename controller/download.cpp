@@ -17,8 +17,10 @@ std::string RewriteG92(std::string_view line) {
     std::size_t i = at + 3;
     while (i < line.size()) {
         char c = UpperChar(line[i]);
-        if (c == 'X' || c == 'Y' || c == '-' || c == '.' || (c >= '0' && c <= '9')) ++i;
-        else break;
+        if (c == 'X' || c == 'Y' || c == '-' || c == '.' || (c >= '0' && c <= '9'))
+            ++i;
+        else
+            break;
     }
     return std::string(line.substr(0, at)) + "G53" + std::string(line.substr(i));
 }
@@ -109,7 +111,8 @@ void SendBatchBlock(Conversation& talk, const std::array<std::int32_t, 4>& batch
     talk.EndLongExchange();
 }
 
-void SendProfilerBlock(Conversation& talk, const std::array<float, 3>& offsets, int profilerKind, const PlasmaBlock& plasma) {
+void SendProfilerBlock(Conversation& talk, const std::array<float, 3>& offsets, int profilerKind,
+                       const PlasmaBlock& plasma) {
     if (!talk.State().CardInUse) return;
     talk.BeginLongExchange();
     for (int i = 0; i < 3; ++i) talk.Download(std::string(card::ProfilerOffset[i]) + "=" + Full(offsets[i]));

@@ -13,9 +13,9 @@ namespace kirvana {
 // The values of a station block: the tool's number, the station's offsets and its settings.
 struct StationBlock {
     std::int16_t ToolNumber = 0;
-    std::array<float, 3> Offsets{};        // M844 to M846
-    std::array<std::int16_t, 2> Words{};   // Q19, Q18; the first is also the feed override
-    std::array<float, 4> Singles{};        // Q20 to Q23
+    std::array<float, 3> Offsets{};       // M844 to M846
+    std::array<std::int16_t, 2> Words{};  // Q19, Q18; the first is also the feed override
+    std::array<float, 4> Singles{};       // Q20 to Q23
 };
 
 // The plasma settings block P101 to P110.
@@ -38,7 +38,8 @@ std::string RewriteG92(std::string_view line);
 void SendStationBlock(Conversation& talk, const StationBlock& block, bool withSpeed);
 void SendBatchBlock(Conversation& talk, const std::array<std::int32_t, 4>& batch);
 // M848 to M850, and for profiler kind 2 the plasma block.
-void SendProfilerBlock(Conversation& talk, const std::array<float, 3>& offsets, int profilerKind, const PlasmaBlock& plasma);
+void SendProfilerBlock(Conversation& talk, const std::array<float, 3>& offsets, int profilerKind,
+                       const PlasmaBlock& plasma);
 void SendPlasmaBlock(Conversation& talk, const PlasmaBlock& plasma);
 
 }  // namespace kirvana

@@ -60,8 +60,10 @@ void PmacEthernetLink::Reset() { Disconnect(); }
 
 void PmacEthernetLink::SetEnabled(bool enabled) {
     enabled_ = enabled;
-    if (enabled) Connect();
-    else Disconnect();
+    if (enabled)
+        Connect();
+    else
+        Disconnect();
 }
 
 bool PmacEthernetLink::Enabled() const { return enabled_ && socket_ >= 0; }
@@ -246,7 +248,10 @@ bool PmacEthernetLink::DownloadFile(const std::string& path) {
         if (!Receive(received, [](const std::string& r) { return r.size() >= 4; })) return false;
         auto status = pmac::DecodeWriteStatus(reinterpret_cast<const std::uint8_t*>(received.data()));
         if (status.Error) {
-            RaiseFault(status.ErrorNumber, "ERR" + std::string(status.ErrorNumber < 10 ? "00" : status.ErrorNumber < 100 ? "0" : "") +
+            RaiseFault(status.ErrorNumber, "ERR" +
+                                               std::string(status.ErrorNumber < 10    ? "00"
+                                                           : status.ErrorNumber < 100 ? "0"
+                                                                                      : "") +
                                                std::to_string(status.ErrorNumber) + " in line " +
                                                std::to_string(lineBase + status.Line) + " of " + FileNameOf(path));
             return false;

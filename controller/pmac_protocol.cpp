@@ -40,7 +40,8 @@ Answer ParseAnswer(std::string_view received) {
         std::string_view error = received.substr(bell + 1, cr - bell - 1);
         answer.Status = Answer::State::Error;
         for (char c : error)
-            if (c >= '0' && c <= '9' && answer.ErrorNumber < 100000) answer.ErrorNumber = answer.ErrorNumber * 10 + (c - '0');
+            if (c >= '0' && c <= '9' && answer.ErrorNumber < 100000)
+                answer.ErrorNumber = answer.ErrorNumber * 10 + (c - '0');
         answer.Text = std::string(error);
         return answer;
     }

@@ -10,8 +10,8 @@
 
 namespace kirvana::pmac {
 
-inline constexpr std::uint8_t VrDownload = 0x40;        // host to card
-inline constexpr std::uint8_t VrUpload = 0xC0;          // card to host
+inline constexpr std::uint8_t VrDownload = 0x40;  // host to card
+inline constexpr std::uint8_t VrUpload = 0xC0;    // card to host
 inline constexpr std::uint8_t VrPmacFlush = 0xB3;
 inline constexpr std::uint8_t VrPmacGetResponse = 0xBF;
 inline constexpr std::uint8_t VrPmacWriteBuffer = 0xC6;
@@ -41,8 +41,8 @@ Header DecodeHeader(const std::uint8_t* bytes);
 // The answer of a GETRESPONSE as it builds up from the bytes received.
 struct Answer {
     enum class State { Incomplete, Done, Error, TooLong } Status = State::Incomplete;
-    std::string Text;           // the answer lines, each ended by CR removed, joined by CR
-    int ErrorNumber = 0;        // with Error: nnn of "ERRnnn"
+    std::string Text;     // the answer lines, each ended by CR removed, joined by CR
+    int ErrorNumber = 0;  // with Error: nnn of "ERRnnn"
 };
 // Looks at everything received so far for one request.
 Answer ParseAnswer(std::string_view received);

@@ -53,7 +53,8 @@ constexpr std::size_t MostDirectoryLine = 255;
 ConfigResult DirectoryLineFault(std::string_view line, std::size_t lineIndex) {
     const std::string where = "line " + std::to_string(lineIndex + 1);
     if (line.size() > MostDirectoryLine)
-        return ConfigFault{"Control.cfg", where + " is longer than " + std::to_string(MostDirectoryLine) + " characters"};
+        return ConfigFault{"Control.cfg",
+                           where + " is longer than " + std::to_string(MostDirectoryLine) + " characters"};
     for (char c : Trim(line)) {
         auto byte = static_cast<unsigned char>(c);
         if (byte < 32 || byte == 127) return ConfigFault{"Control.cfg", where + " holds a control character"};
@@ -137,8 +138,8 @@ ConfigResult ReadControlConfig(Installation& installation) {
 
 bool WriteControlConfig(const Installation& installation) {
     const Directories& d = installation.Dirs;
-    return WriteLines(d.RootDir + "Control.cfg", {d.RootDir, d.ProgramRoot, d.ProgramDirName,
-                                                  std::to_string(installation.ActiveSlot), EndMarker});
+    return WriteLines(d.RootDir + "Control.cfg",
+                      {d.RootDir, d.ProgramRoot, d.ProgramDirName, std::to_string(installation.ActiveSlot), EndMarker});
 }
 
 bool SetProgramDir(Installation& installation, const std::string& name) {
@@ -230,8 +231,8 @@ namespace {
 // One "number, text" table. The reading stops at an empty line, the end marker, a line
 // without its commas, a number out of range, and at the end of the file, whose test comes
 // before the line is stored: a last line with no marker behind it is lost.
-ConfigResult ReadMessageFile(const Directories& dirs, const std::string& path, int first, int last,
-                             bool secondComma, std::string* entries) {
+ConfigResult ReadMessageFile(const Directories& dirs, const std::string& path, int first, int last, bool secondComma,
+                             std::string* entries) {
     std::vector<std::string> lines;
     if (auto fault = ReadRequired(dirs, path, path, lines)) return fault;
     for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
@@ -246,7 +247,8 @@ ConfigResult ReadMessageFile(const Directories& dirs, const std::string& path, i
         }
         auto number = RoundToInt16(ToNumber(std::string_view(line).substr(0, comma)));
         if (!number || *number < first || *number > last) break;
-        entries[*number] = std::string(Trim(std::string_view(line).substr(comma + 1, end == std::string::npos ? end : end - comma - 1)));
+        entries[*number] = std::string(
+            Trim(std::string_view(line).substr(comma + 1, end == std::string::npos ? end : end - comma - 1)));
     }
     return std::nullopt;
 }

@@ -33,9 +33,12 @@ void XYToPolar(double x, double y, double& radius, double& angle) {
     x = std::fabs(x);
     y = std::fabs(y);
     auto a = [&] { return RadToDeg(std::atan(y / x)); };
-    if (sx == '+') angle = sy == '+' ? a() : (sy == '0' ? 0 : 360 - a());
-    else if (sx == '0') angle = sy == '+' ? 90 : (sy == '0' ? 0 : 270);
-    else angle = sy == '+' ? 180 - a() : (sy == '0' ? 180 : 180 + a());
+    if (sx == '+')
+        angle = sy == '+' ? a() : (sy == '0' ? 0 : 360 - a());
+    else if (sx == '0')
+        angle = sy == '+' ? 90 : (sy == '0' ? 0 : 270);
+    else
+        angle = sy == '+' ? 180 - a() : (sy == '0' ? 180 : 180 + a());
     radius = std::sqrt(x * x + y * y);
     angle = NormaliseAngle(angle);
 }

@@ -14,15 +14,24 @@ bool Accepts(int k, int kind, std::string_view text, bool replacing) {
     auto within = [&](std::size_t limit) { return replacing || text.size() < limit; };
     auto blankAllowed = [&] { return k == ' ' && !text.empty(); };
     switch (kind) {
-        case -2: return IsDigitKey(k) || k == '-';
-        case -4: return IsDigitKey(k) || k == '.';
-        case -5: return IsDigitKey(k) || k == '-' || k == '.';
-        case -6: return IsDigitKey(k) || OneOf(k, "()*+-./");
-        case -8: return (IsLetterKey(k) || IsDigitKey(k) || OneOf(k, "-_")) && within(8);
-        case -32: return (IsLetterKey(k) || IsDigitKey(k) || OneOf(k, "!#$%&()+-.=_") || blankAllowed()) && within(32);
-        case -321: return (IsLetterKey(k) || IsDigitKey(k) || OneOf(k, "!#$%&()+-.=") || blankAllowed()) && within(36);
-        case -322: return IsLetterKey(k) || IsDigitKey(k) || OneOf(k, "!#$%&()+-.=_*?") || blankAllowed();
-        default: break;
+        case -2:
+            return IsDigitKey(k) || k == '-';
+        case -4:
+            return IsDigitKey(k) || k == '.';
+        case -5:
+            return IsDigitKey(k) || k == '-' || k == '.';
+        case -6:
+            return IsDigitKey(k) || OneOf(k, "()*+-./");
+        case -8:
+            return (IsLetterKey(k) || IsDigitKey(k) || OneOf(k, "-_")) && within(8);
+        case -32:
+            return (IsLetterKey(k) || IsDigitKey(k) || OneOf(k, "!#$%&()+-.=_") || blankAllowed()) && within(32);
+        case -321:
+            return (IsLetterKey(k) || IsDigitKey(k) || OneOf(k, "!#$%&()+-.=") || blankAllowed()) && within(36);
+        case -322:
+            return IsLetterKey(k) || IsDigitKey(k) || OneOf(k, "!#$%&()+-.=_*?") || blankAllowed();
+        default:
+            break;
     }
     if (kind >= 1)
         return (IsLetterKey(k) || IsDigitKey(k) || OneOf(k, "!\"#$%&'()*+,-./:;=[\\]^_`{|}?@") || blankAllowed()) &&

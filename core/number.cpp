@@ -1,8 +1,8 @@
 #include "core/number.h"
 
+#include <cfloat>
 #include <charconv>
 #include <cmath>
-#include <cfloat>
 #include <utility>
 
 namespace kirvana {
@@ -15,13 +15,15 @@ std::string ShortestText(Number value) {
     if (value.Width == Number::Kind::Int16 || value.Width == Number::Kind::Int32)
         return std::to_string(static_cast<std::int64_t>(v));
     char buf[64];
-    auto [end, ec] = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general,
-                                   SignificantDigits(value.Width));
+    auto [end, ec] =
+        std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general, SignificantDigits(value.Width));
     if (ec != std::errc()) return "0";
     std::string text(buf, end);
     for (char& c : text) {
-        if (c == 'e') c = 'E';
-        else if (c == 'n' || c == 'i' || c == 'a' || c == 'f') c = static_cast<char>(c - 'a' + 'A');
+        if (c == 'e')
+            c = 'E';
+        else if (c == 'n' || c == 'i' || c == 'a' || c == 'f')
+            c = static_cast<char>(c - 'a' + 'A');
     }
     return text;
 }
@@ -73,10 +75,16 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 const char* ScanUnsignedNumber(const char* p, const char* end, const char** exponentLetter) {
     const char* q = p;
     bool digits = false;
-    while (q < end && IsDigit(*q)) { ++q; digits = true; }
+    while (q < end && IsDigit(*q)) {
+        ++q;
+        digits = true;
+    }
     if (q < end && *q == '.') {
         ++q;
-        while (q < end && IsDigit(*q)) { ++q; digits = true; }
+        while (q < end && IsDigit(*q)) {
+            ++q;
+            digits = true;
+        }
     }
     if (!digits) return p;
     *exponentLetter = nullptr;
@@ -129,8 +137,7 @@ namespace {
 // lies so close to a half that the binary test could decide differently from the text.
 double RoundDecimalText(double value, int places, int digits) {
     char buf[64];
-    auto [end, ec] = std::to_chars(buf, buf + sizeof buf, std::fabs(value),
-                                   std::chars_format::scientific, digits - 1);
+    auto [end, ec] = std::to_chars(buf, buf + sizeof buf, std::fabs(value), std::chars_format::scientific, digits - 1);
     if (ec != std::errc()) return value;
     // buf is "d.ddddddE±xx": gather the mantissa digits and the exponent.
     char mantissa[32];

@@ -92,7 +92,8 @@ std::string ResolveNoCase(const std::string& path) {
     std::string name = UpperCase(wanted.filename().string());
     for (fs::directory_iterator it(parent, error), end; !error && it != end; it.increment(error)) {
         if (UpperCase(it->path().filename().string()) == name)
-            return wanted.has_parent_path() ? (parent / it->path().filename()).string() : it->path().filename().string();
+            return wanted.has_parent_path() ? (parent / it->path().filename()).string()
+                                            : it->path().filename().string();
     }
     return path;
 }
@@ -105,9 +106,8 @@ std::vector<std::string> ListDirectory(const std::string& directory, bool direct
         if (it->is_directory(kindError) == directories) names.push_back(it->path().filename().string());
     }
     // Listed as the panel's original file system listed them: by name, case ignored.
-    std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
-        return UpperCase(a) < UpperCase(b);
-    });
+    std::sort(names.begin(), names.end(),
+              [](const std::string& a, const std::string& b) { return UpperCase(a) < UpperCase(b); });
     return names;
 }
 

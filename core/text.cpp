@@ -71,7 +71,10 @@ std::string RemoveWord(std::string_view block, char letter) {
     char up = UpperChar(letter);
     bool skipping = false;
     for (char c : block) {
-        if (UpperChar(c) == up) { skipping = true; continue; }
+        if (UpperChar(c) == up) {
+            skipping = true;
+            continue;
+        }
         if (skipping && (c == '-' || c == '.' || IsDigit(c))) continue;
         skipping = false;
         out.push_back(c);
@@ -86,8 +89,10 @@ std::string RemoveParameter(std::string_view block, int number) {
     std::size_t i = at + word.size();
     while (i < block.size()) {
         char c = block[i];
-        if (c == ' ' || c == '=' || c == '-' || c == '+' || c == '.' || IsDigit(c)) ++i;
-        else break;
+        if (c == ' ' || c == '=' || c == '-' || c == '+' || c == '.' || IsDigit(c))
+            ++i;
+        else
+            break;
     }
     std::string out(block.substr(0, at));
     out.append(block.substr(i));
@@ -107,9 +112,7 @@ std::string StripBlockNumber(std::string_view block) {
     return skip + std::string(Trim(text.substr(i)));
 }
 
-std::string BeforeComment(std::string_view block) {
-    return std::string(Trim(block.substr(0, block.find(';'))));
-}
+std::string BeforeComment(std::string_view block) { return std::string(Trim(block.substr(0, block.find(';')))); }
 
 std::string AfterComment(std::string_view block) {
     std::size_t at = block.find(';');

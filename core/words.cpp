@@ -43,9 +43,9 @@ std::size_t FindWordKey(std::string_view block, std::string_view key) {
 double ValueReader::ScanGroup(std::string_view group, bool& divisionByZero) {
     double accumulator = 0;
     bool haveAccumulator = false;
-    char pending = 0;          // the operator waiting for the next number
+    char pending = 0;  // the operator waiting for the next number
     std::size_t numberStart = 0;
-    bool inNumber = false;     // digits, "." or a sign are being collected
+    bool inNumber = false;  // digits, "." or a sign are being collected
     char previous = 0;
 
     auto completeNumber = [&](std::size_t end) {
@@ -58,14 +58,22 @@ double ValueReader::ScanGroup(std::string_view group, bool& divisionByZero) {
             return true;
         }
         switch (pending) {
-            case '+': accumulator += value; break;
-            case '-': accumulator -= value; break;
-            case '*': accumulator *= value; break;
+            case '+':
+                accumulator += value;
+                break;
+            case '-':
+                accumulator -= value;
+                break;
+            case '*':
+                accumulator *= value;
+                break;
             case '/':
                 if (value == 0) return false;
                 accumulator /= value;
                 break;
-            default: accumulator = value; break;  // two numbers with no operator: the later counts
+            default:
+                accumulator = value;
+                break;  // two numbers with no operator: the later counts
         }
         return true;
     };
@@ -75,12 +83,21 @@ double ValueReader::ScanGroup(std::string_view group, bool& divisionByZero) {
         char c = group[i];
         if (c == ')') break;
         if (IsDigit(c) || c == '.') {
-            if (!inNumber) { inNumber = true; numberStart = i; }
+            if (!inNumber) {
+                inNumber = true;
+                numberStart = i;
+            }
         } else if (c == '-' && !(IsDigit(previous) || previous == '.')) {
             // A sign of the number to come.
-            if (!inNumber) { inNumber = true; numberStart = i; }
+            if (!inNumber) {
+                inNumber = true;
+                numberStart = i;
+            }
         } else if (c == '-' || c == '*' || c == '/' || (c == '+' && inNumber)) {
-            if (!completeNumber(i)) { divisionByZero = true; return 0; }
+            if (!completeNumber(i)) {
+                divisionByZero = true;
+                return 0;
+            }
             // An operator with no number in front is dropped at the start, and otherwise
             // replaces the operator waiting: "2*/3" is 2/3.
             if (haveAccumulator) pending = c;
@@ -88,7 +105,10 @@ double ValueReader::ScanGroup(std::string_view group, bool& divisionByZero) {
         // A "+" with no number in front is a sign with no effect; other characters are passed over.
         previous = c;
     }
-    if (!completeNumber(i)) { divisionByZero = true; return 0; }
+    if (!completeNumber(i)) {
+        divisionByZero = true;
+        return 0;
+    }
     return haveAccumulator ? accumulator : 0;
 }
 
@@ -96,8 +116,8 @@ double ValueReader::EvaluateExpression(std::string_view text) {
     // A plain number (a sign, digits and points) is the number itself: the scan below gives
     // the same, so most words skip it.
     std::size_t first = !text.empty() && text[0] == '-' ? 1 : 0;
-    if (first < text.size() &&
-        std::all_of(text.begin() + static_cast<std::ptrdiff_t>(first), text.end(), [](char c) { return IsDigit(c) || c == '.'; }))
+    if (first < text.size() && std::all_of(text.begin() + static_cast<std::ptrdiff_t>(first), text.end(),
+                                           [](char c) { return IsDigit(c) || c == '.'; }))
         return ToNumber(text);
     // 1. Cleaning: only digits, ".", operators and parentheses stay.
     std::string s;
@@ -114,7 +134,10 @@ double ValueReader::EvaluateExpression(std::string_view text) {
     std::size_t searchFrom = s.size();
     for (;;) {
         // 2. Unbalanced parentheses give 0.
-        if (opens != closes) { ExpressionFault = true; return 0; }
+        if (opens != closes) {
+            ExpressionFault = true;
+            return 0;
+        }
         // 3. The innermost group: the last "(" and the first ")" behind it.
         std::size_t open = searchFrom == 0 ? std::string::npos : s.rfind('(', searchFrom - 1);
         bool grouped = open != std::string::npos;
@@ -123,7 +146,10 @@ double ValueReader::EvaluateExpression(std::string_view text) {
         // 4. Left-to-right scan of the group.
         bool divisionByZero = false;
         double result = ScanGroup(std::string_view(s).substr(groupStart), divisionByZero);
-        if (divisionByZero) { ExpressionFault = true; return 0; }
+        if (divisionByZero) {
+            ExpressionFault = true;
+            return 0;
+        }
         // 7. With no parenthesis left the value goes back unformatted.
         if (!grouped) return result;
         // 5. The group's result goes on as text.
@@ -144,11 +170,18 @@ bool ValueReader::AppendFunction(std::string_view block, std::size_t& i, bool ro
     std::size_t j = start;
     int level = 1;
     for (; j < block.size(); ++j) {
-        if (block[j] == '(') ++level;
-        else if (block[j] == ')' && --level == 0) { ++j; break; }
+        if (block[j] == '(')
+            ++level;
+        else if (block[j] == ')' && --level == 0) {
+            ++j;
+            break;
+        }
     }
     i = j;
-    if (depth_ >= MaxFunctionDepth) { ExpressionFault = true; return false; }
+    if (depth_ >= MaxFunctionDepth) {
+        ExpressionFault = true;
+        return false;
+    }
     std::string argument = "D(";
     argument.append(block.substr(start, j - start));
     ++depth_;
@@ -156,7 +189,10 @@ bool ValueReader::AppendFunction(std::string_view block, std::size_t& i, bool ro
     --depth_;
     if (round) {
         auto whole = RoundToInt16(value);
-        if (!whole) { IntegerOverflow = true; return false; }
+        if (!whole) {
+            IntegerOverflow = true;
+            return false;
+        }
         expr += IntegerText(*whole);
     } else {
         expr += FormatNumber(std::trunc(value), 3);
@@ -168,7 +204,10 @@ double ValueReader::WordValue(std::string_view block, std::string_view key) {
     // 1. Find the letter.
     WordMissing = false;
     std::size_t at = FindWordKey(block, key);
-    if (at == std::string_view::npos) { WordMissing = true; return 0; }
+    if (at == std::string_view::npos) {
+        WordMissing = true;
+        return 0;
+    }
     // 2. Collect the expression text behind it.
     std::string expr;
     std::size_t i = at + key.size();
@@ -197,7 +236,10 @@ double ValueReader::WordValue(std::string_view block, std::string_view key) {
         }
     }
     // 3. Evaluate what was collected.
-    if (expr.empty()) { WordMissing = true; return 0; }
+    if (expr.empty()) {
+        WordMissing = true;
+        return 0;
+    }
     return EvaluateExpression(expr);
 }
 
@@ -214,7 +256,10 @@ double ValueReader::WordNumber(std::string_view block, std::string_view key) {
             end = i + 1;
         }
     }
-    if (start == std::string_view::npos) { WordMissing = true; return 0; }
+    if (start == std::string_view::npos) {
+        WordMissing = true;
+        return 0;
+    }
     return ToNumber(block.substr(start, end - start));
 }
 
@@ -240,9 +285,15 @@ std::int16_t ValueReader::WordInteger(std::string_view block, std::string_view k
             digits.push_back(c);
         }
     }
-    if (digits.empty()) { WordMissing = true; return 0; }
+    if (digits.empty()) {
+        WordMissing = true;
+        return 0;
+    }
     auto value = TruncateToInt16(ToNumber(digits));
-    if (!value) { IntegerOverflow = true; return 0; }
+    if (!value) {
+        IntegerOverflow = true;
+        return 0;
+    }
     return *value;
 }
 

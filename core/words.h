@@ -36,7 +36,9 @@ public:
     // The plain reader: the leading number of the collected text, no evaluation.
     double WordNumber(std::string_view block, char letter) { return WordNumber(block, std::string_view(&letter, 1)); }
     // The integer reader: sign and digits, truncated towards zero to 16 bits.
-    std::int16_t WordInteger(std::string_view block, char letter) { return WordInteger(block, std::string_view(&letter, 1)); }
+    std::int16_t WordInteger(std::string_view block, char letter) {
+        return WordInteger(block, std::string_view(&letter, 1));
+    }
     // The same readers for a key of several characters, such as "P8=": the value is read
     // behind the key's first occurrence.
     double WordValue(std::string_view block, std::string_view key);

@@ -143,8 +143,10 @@ JogSettings ActivateJog(const Process& process, Conversation& talk) {
     std::int32_t speed = talk.GetRspnsLng(card::JogSpeed);
     for (int n = 0; n < JogSpeedOptions; ++n)
         if (JogSpeeds[n] == speed) settings.SpeedOption = n;
-    if (byDistance == 0) settings.DistanceOption = 0;
-    else if (byDistance == 1 && distance >= 1 && distance < JogDistanceOptions) settings.DistanceOption = distance;
+    if (byDistance == 0)
+        settings.DistanceOption = 0;
+    else if (byDistance == 1 && distance >= 1 && distance < JogDistanceOptions)
+        settings.DistanceOption = distance;
     if (settings.DistanceOption < 0) {
         talk.Download(Assign(card::JogByDistance, 0));
         talk.Download(Assign(card::JogDistance, 4));
@@ -172,10 +174,18 @@ Refusal JogKeyDown(Process& process, Conversation& talk, JogDirection direction)
     // Y follows the machine's orientation: only orientation 1 has Y plus as the card's plus.
     std::int32_t yPlus = process.Config.Machine.MachineOrientation == 1 ? 1 : -1;
     switch (direction) {
-        case JogDirection::XPlus: talk.Download(Assign(card::JogX, 1)); break;
-        case JogDirection::XMinus: talk.Download(Assign(card::JogX, -1)); break;
-        case JogDirection::YPlus: talk.Download(Assign(card::JogY, yPlus)); break;
-        case JogDirection::YMinus: talk.Download(Assign(card::JogY, -yPlus)); break;
+        case JogDirection::XPlus:
+            talk.Download(Assign(card::JogX, 1));
+            break;
+        case JogDirection::XMinus:
+            talk.Download(Assign(card::JogX, -1));
+            break;
+        case JogDirection::YPlus:
+            talk.Download(Assign(card::JogY, yPlus));
+            break;
+        case JogDirection::YMinus:
+            talk.Download(Assign(card::JogY, -yPlus));
+            break;
     }
     return std::nullopt;
 }

@@ -45,7 +45,7 @@ using Refusal = std::optional<std::string>;
 Refusal ReferenceInterlock(const Process& process);
 // Load is refused only while a logic message other than 16 stands: `logicBits` is P1020.
 Refusal LoadInterlock(const Process& process, std::int32_t logicBits);
-Refusal MoveInterlock(const Process& process);        // Move and Punch of MoveForm
+Refusal MoveInterlock(const Process& process);  // Move and Punch of MoveForm
 Refusal CarriageInterlock(const Process& process);
 Refusal JogInterlock(const Process& process);
 Refusal TurretMoveInterlock(const Process& process);
@@ -77,15 +77,15 @@ Refusal PunchTurret(Process& process, Conversation& talk, std::int32_t position)
 
 // XYJogForm.
 enum class JogDirection { XPlus, XMinus, YPlus, YMinus };
-inline constexpr int JogSpeedOptions = 7;       // "1 (&H)" ... "100 (&N)"
-inline constexpr int JogDistanceOptions = 7;    // "CONT (&G)", "100 (&F)" ... "0.01 (&A)"
-std::string JogSpeedCaption(int option);        // option 0 to 6
-std::string JogDistanceCaption(int option);     // option 0 (continuous) to 6
+inline constexpr int JogSpeedOptions = 7;     // "1 (&H)" ... "100 (&N)"
+inline constexpr int JogDistanceOptions = 7;  // "CONT (&G)", "100 (&F)" ... "0.01 (&A)"
+std::string JogSpeedCaption(int option);      // option 0 to 6
+std::string JogDistanceCaption(int option);   // option 0 (continuous) to 6
 struct JogSettings {
     std::array<std::string, 4> ButtonCaptions;  // X+, X-, and the two Y buttons by orientation
     int SpeedOption = -1;                       // the option that is set, -1 none
     int DistanceOption = -1;
-    std::string FormValueText;                  // M876
+    std::string FormValueText;  // M876
 };
 // The activation: captions by MachineOrientation, the options from M876, M820, M822, M821;
 // values that fit no option send "M820=0" and "M822=4".

@@ -14,10 +14,10 @@
 #include "core/geometry.h"
 #include "core/number.h"
 #include "core/paths.h"
-#include "system/startup.h"
 #include "core/station_kind.h"
 #include "core/text.h"
 #include "core/words.h"
+#include "system/startup.h"
 
 namespace kirvana {
 
@@ -39,7 +39,8 @@ public:
     }
     // A query that was not asked reads as a missing answer.
     std::string_view Text(int i) const {
-        return i >= 0 && static_cast<std::size_t>(i) < answers_.size() ? std::string_view(answers_[i]) : std::string_view();
+        return i >= 0 && static_cast<std::size_t>(i) < answers_.size() ? std::string_view(answers_[i])
+                                                                       : std::string_view();
     }
     std::int32_t Lng(int i) const { return AnswerLng(Text(i)); }
     float Sngl(int i, int places) const { return AnswerSngl(Text(i), places); }
@@ -97,10 +98,14 @@ bool Bit(std::int32_t word, std::int32_t bit) { return (word & bit) != 0; }
 // The mode table of XYPositionForm (axes 1 and 2) and TCPositionForm (axes 3 and 4).
 std::string ModeQuery(PositionMode mode, int axis) {
     switch (mode) {
-        case PositionMode::Command: return card::CommandedPosition[axis];
-        case PositionMode::Target: return card::TargetPosition[axis];
-        case PositionMode::Follow: return card::FollowingError[axis];
-        default: return {};
+        case PositionMode::Command:
+            return card::CommandedPosition[axis];
+        case PositionMode::Target:
+            return card::TargetPosition[axis];
+        case PositionMode::Follow:
+            return card::FollowingError[axis];
+        default:
+            return {};
     }
 }
 
@@ -302,7 +307,8 @@ inline constexpr int MaxHitsWalkedPerTick = 10000;
 
 // Whether the skip rule leaves a hit out: path mode 1 under skip 1, path mode 2 under skip 2.
 bool Skipped(std::int16_t pathMode, std::int16_t skipFlags) {
-    return (pathMode == 1 && (skipFlags == 1 || skipFlags == 3)) || (pathMode == 2 && (skipFlags == 2 || skipFlags == 3));
+    return (pathMode == 1 && (skipFlags == 1 || skipFlags == 3)) ||
+           (pathMode == 2 && (skipFlags == 2 || skipFlags == 3));
 }
 
 // 4. The hits: the card's counter, and the `.dr1` walked up to it.
@@ -319,7 +325,8 @@ void UpdateHitCounts(Tick& t) {
         t.Poll.RunMarked[slotIndex] = true;
     }
     // 2. Block skip; 3. the run time.
-    t.Poll.SkipFlags = static_cast<std::int16_t>((t.First.Bln(t.At.Skip[0]) ? 1 : 0) + (t.First.Bln(t.At.Skip[1]) ? 2 : 0));
+    t.Poll.SkipFlags =
+        static_cast<std::int16_t>((t.First.Bln(t.At.Skip[0]) ? 1 : 0) + (t.First.Bln(t.At.Skip[1]) ? 2 : 0));
     t.Poll.RunTime = t.First.Sngl(t.At.RunTime, 2);
     // 4. The counter.
     slot.HitCount = t.First.Lng(t.At.Hits);
@@ -333,7 +340,8 @@ void UpdateHitCounts(Tick& t) {
         // A counter far ahead (a card answering garbage) is caught up over several ticks, so that
         // no tick stalls; a machine punches far fewer hits between two ticks.
         int walked = 0;
-        while (slot.HitBase + static_cast<std::int64_t>(slot.RunCount) < slot.RunHitFile && walked++ < MaxHitsWalkedPerTick) {
+        while (slot.HitBase + static_cast<std::int64_t>(slot.RunCount) < slot.RunHitFile &&
+               walked++ < MaxHitsWalkedPerTick) {
             std::int32_t next = slot.RunCount + 1;
             if (next > records) {
                 if (!t.Poll.HitFileShortReported[slotIndex])
@@ -376,7 +384,8 @@ void UpdatePositions(Tick& t) {
     // 3. The offsets; the turret angle within a turn.
     poll.Position[0] = ToSingle(static_cast<double>(poll.ReferenceOffset[0]) + poll.Position[0] + poll.WorkOffset[0]);
     poll.Position[1] = ToSingle(static_cast<double>(poll.ReferenceOffset[1]) + poll.Position[1] + poll.WorkOffset[1]);
-    poll.Position[3] = ToSingle(NormaliseAngle(RoundHalfEven(ToSingle(static_cast<double>(poll.TurretOffset) + poll.Position[3]), 3)));
+    poll.Position[3] =
+        ToSingle(NormaliseAngle(RoundHalfEven(ToSingle(static_cast<double>(poll.TurretOffset) + poll.Position[3]), 3)));
     // 4. Feed override and the position box's last figure.
     poll.FeedOverride = t.First.Sngl(t.At.Feed, 0);
     poll.P111Value = t.First.Sngl(t.At.P111, 0);
@@ -389,8 +398,7 @@ void UpdatePositions(Tick& t) {
     text[5] = FormatNumber(poll.P111Value, 0);
     if (visible.MachineForm) t.Display.MachineFeedText = FormatNumber(poll.FeedOverride, 0);
     // 6. XYJogForm.
-    if (visible.XYJogForm)
-        t.Display.JogTexts = {FormatNumber(poll.Position[0], 2), FormatNumber(poll.Position[1], 2)};
+    if (visible.XYJogForm) t.Display.JogTexts = {FormatNumber(poll.Position[0], 2), FormatNumber(poll.Position[1], 2)};
     // 7. The position forms, by their modes.
     auto modeTexts = [&](PositionMode mode, const int* at, int firstAxis) {
         std::array<std::string, 2> texts;
@@ -464,8 +472,7 @@ void UpdateStatusColours(Tick& t) {
     t.Display.FrontEnd.Colours = t.Poll.HoldBit ? StatusColours::Hold
                                  : waiting      ? StatusColours::MessagesWaiting
                                                 : StatusColours::Normal;
-    if (t.Display.Visible.MessageForm)
-        UpdateMessageList(t.P, t.First.Lng(t.At.MessageNo), t.First.Lng(t.At.LogicBits));
+    if (t.Display.Visible.MessageForm) UpdateMessageList(t.P, t.First.Lng(t.At.MessageNo), t.First.Lng(t.At.LogicBits));
 }
 
 // 8. The batch counters into the active slot, unless an edit is open.
@@ -489,9 +496,9 @@ void UpdatePlasmaPanel(Tick& t) {
     int slot = t.P.Config.ActiveSlot;
     if (slot < 1 || slot > 2) return;
     const PlasmaSetting& s = t.P.Slots[slot - 1].PlasmaSettings;
-    panel.SettingTexts = {IntegerText(s.RapidSpeed), IntegerText(s.CutSpeed), IntegerText(s.MinCornerSpeed),
+    panel.SettingTexts = {IntegerText(s.RapidSpeed),  IntegerText(s.CutSpeed),      IntegerText(s.MinCornerSpeed),
                           IntegerText(s.FreezeSpeed), FormatNumber(s.HeightOn, -1), FormatNumber(s.HeightOff, -1),
-                          IntegerText(s.Slowdown), FormatNumber(s.Kerf, 0), FormatNumber(s.Pierce, 0),
+                          IntegerText(s.Slowdown),    FormatNumber(s.Kerf, 0),      FormatNumber(s.Pierce, 0),
                           IntegerText(s.TorchType)};
 }
 
@@ -562,10 +569,13 @@ void PollCycle(Process& process, ControllerPlatform& platform, CardLink* link) {
     UpdateCurrentBlock(t);
     UpdateStatusColours(t);
     // 8. The batch, also once at the end of a run.
-    if (t.Display.Visible.BatchForm) UpdateBatchPanel(t, t.First, t.At.Batch);
-    else if (t.Poll.WasRunning && !process.Running) UpdateBatchPanel(t, t.Second, t.Req.Batch);
+    if (t.Display.Visible.BatchForm)
+        UpdateBatchPanel(t, t.First, t.At.Batch);
+    else if (t.Poll.WasRunning && !process.Running)
+        UpdateBatchPanel(t, t.Second, t.Req.Batch);
     // 9. The run time; 10. the plasma panel.
-    if (t.Display.Visible.MachineStatusForm) t.Display.MachineStatus.RunTimeText = RunTimeText(t.First.Sngl(t.At.RunTime, 2));
+    if (t.Display.Visible.MachineStatusForm)
+        t.Display.MachineStatus.RunTimeText = RunTimeText(t.First.Sngl(t.At.RunTime, 2));
     if (t.Display.Visible.PlasmaStatusForm) UpdatePlasmaPanel(t);
     // 11. The log's size.
     talk.RollPollingLog();

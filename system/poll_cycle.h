@@ -18,24 +18,24 @@ class CardLink;
 struct PollState {
     std::int32_t StatusWord = 0;
     bool WasRunning = false;
-    std::int16_t HoldBit = 0;                 // StatusWord and 4096
+    std::int16_t HoldBit = 0;  // StatusWord and 4096
     bool ProfilerHead = false, ProfilerHeadBefore = false;
     bool ProfilerLatch = false, ProfilerLatchBefore = false;
-    std::array<float, 4> Position{};          // X, Y, third axis, turret angle as shown
+    std::array<float, 4> Position{};  // X, Y, third axis, turret angle as shown
     std::array<float, 4> PrevPosition{};
-    std::array<float, 3> ReferenceOffset{};   // Q27, Q28, and a third value kept at 0
-    float TurretOffset = 0;                   // Q29
-    std::array<float, 2> WorkOffset{};        // Q25, Q26
-    std::array<float, 4> ClampActual{};       // M835 to M838
-    float FeedOverride = 0;                   // "%", whole number
+    std::array<float, 3> ReferenceOffset{};  // Q27, Q28, and a third value kept at 0
+    float TurretOffset = 0;                  // Q29
+    std::array<float, 2> WorkOffset{};       // Q25, Q26
+    std::array<float, 4> ClampActual{};      // M835 to M838
+    float FeedOverride = 0;                  // "%", whole number
     float P111Value = 0;
-    float RunTime = 0;                        // Q17 at 2 places
+    float RunTime = 0;  // Q17 at 2 places
     std::int16_t CurrentStation = 1;
     std::int32_t LastMessageNo = -1, LastLogicBits = -1;
-    std::int32_t LastSlotShown = -1, LastRecordShown = -1;   // the block the viewing screen lights
+    std::int32_t LastSlotShown = -1, LastRecordShown = -1;  // the block the viewing screen lights
     int LastSelectedMessage = 0;
     bool LastNewProgramsReceived = false;
-    std::int16_t SkipFlags = 0;               // 1: M873, 2: M874
+    std::int16_t SkipFlags = 0;  // 1: M873, 2: M874
     // Per slot: a machine run was seen since the slot last changed.
     std::array<bool, 2> RunMarked{};
     // The slot whose hit file is walked, and the `.dr1` shorter than the counter was reported.

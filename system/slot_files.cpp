@@ -5,14 +5,14 @@
 #include <optional>
 #include <vector>
 
-#include "core/little_endian.h"
 #include "core/config.h"
 #include "core/file_writer.h"
+#include "core/little_endian.h"
 #include "core/number.h"
 #include "core/paths.h"
+#include "core/text.h"
 #include "system/slots.h"
 #include "system/startup.h"
-#include "core/text.h"
 
 namespace kirvana {
 
@@ -39,7 +39,8 @@ std::vector<double> Numbers(const std::string& line) {
     std::size_t start = 0;
     while (start <= line.size()) {
         std::size_t comma = line.find(',', start);
-        values.push_back(ToNumber(std::string_view(line).substr(start, comma == std::string::npos ? std::string::npos : comma - start)));
+        values.push_back(ToNumber(
+            std::string_view(line).substr(start, comma == std::string::npos ? std::string::npos : comma - start)));
         if (comma == std::string::npos) break;
         start = comma + 1;
     }
@@ -48,7 +49,9 @@ std::vector<double> Numbers(const std::string& line) {
 
 }  // namespace
 
-std::string SlotStem(const Directories& dirs, int slot) { return dirs.RootDir + "Actvprg" + std::to_string(slot) + "."; }
+std::string SlotStem(const Directories& dirs, int slot) {
+    return dirs.RootDir + "Actvprg" + std::to_string(slot) + ".";
+}
 
 std::string ProgramButtonCaption(int slot, const SlotRecord& record) {
     std::string key = "   F1" + std::to_string(slot - 1);
@@ -101,7 +104,8 @@ std::optional<SlotCounts> BuildBlockMap(const std::string& aFile, const std::str
     if (m.bad()) return fault(mFile);
     for (FileWriter* out : {&w, &ra, &rm})
         if (!out->Close()) return fault(out->Path());
-    return SlotCounts{static_cast<std::int16_t>(word), static_cast<std::int16_t>(block), static_cast<std::int16_t>(rec)};
+    return SlotCounts{static_cast<std::int16_t>(word), static_cast<std::int16_t>(block),
+                      static_cast<std::int16_t>(rec)};
 }
 
 SlotBlock SlotBlockAt(const Process& process, int program, std::int32_t word) {
@@ -152,7 +156,8 @@ bool WriteSlotBatch(const Directories& dirs, int slot, const SlotBatch& batch) {
 
 bool WriteSlotConfig(const Directories& dirs, int slot, const SlotRecord& r) {
     auto counts = [](const SlotCounts& c) {
-        return IntegerText(c.MapWordCount) + "," + IntegerText(c.MotionBlockCount) + "," + IntegerText(c.SourceRecordCount);
+        return IntegerText(c.MapWordCount) + "," + IntegerText(c.MotionBlockCount) + "," +
+               IntegerText(c.SourceRecordCount);
     };
     return WriteLines(SlotFile(dirs, slot, "cfg"),
                       {r.ProgramName, r.ProgramDirName, r.ProgramDirPath, counts(r.Counts[0]), counts(r.Counts[1]),

@@ -6,8 +6,8 @@
 #include "analysis/drawing_file.h"
 #include "analysis/expand.h"
 #include "core/paths.h"
-#include "system/slots.h"
 #include "core/text.h"
+#include "system/slots.h"
 
 namespace kirvana {
 
@@ -27,7 +27,8 @@ std::vector<int> LineWords(const Directories& dirs, int slot, bool second) {
     }
     std::vector<int> words{0};  // line 0: before the first line
     int rec = 0;
-    for (const std::string& line : ReadLines(SlotFile(dirs, slot, second ? "A2" : "A1")).value_or(std::vector<std::string>{})) {
+    for (const std::string& line :
+         ReadLines(SlotFile(dirs, slot, second ? "A2" : "A1")).value_or(std::vector<std::string>{})) {
         if (!Trim(line).empty()) ++rec;
         auto found = firstWord.find(rec);
         words.push_back(found != firstWord.end() && !Trim(line).empty() ? found->second : words.back());

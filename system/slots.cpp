@@ -11,9 +11,9 @@
 #include "core/names.h"
 #include "core/number.h"
 #include "core/paths.h"
+#include "core/text.h"
 #include "system/slots.h"
 #include "system/startup.h"
-#include "core/text.h"
 #include "translate/blend.h"
 #include "translate/convert.h"
 
@@ -177,8 +177,8 @@ void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link,
     SendBatchBlock(talk, {record.Batch[0], record.Batch[1], record.Batch[2], record.Batch[3]});
 }
 
-SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLink* link, const std::string& directoryName,
-                            const std::string& programName) {
+SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLink* link,
+                            const std::string& directoryName, const std::string& programName) {
     const Directories& dirs = process.Config.Dirs;
     const MachineData& machine = process.Config.Machine;
     std::string directory(Trim(directoryName)), name(Trim(programName));
@@ -224,10 +224,12 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     // 10. Translation; the comment marks by dialect.
     ConvertResult converted = ConvertProgram(stem, record.SourceDialect, ConvertSettingsFrom(machine, dirs));
     if (converted.Status == ConvertStatus::FileFault) return fileFault(converted.Fault);
-    if (converted.Status != ConvertStatus::Done) return fail(record.ProgramName + "\n\n" + ConvertStatusText(converted.Status));
+    if (converted.Status != ConvertStatus::Done)
+        return fail(record.ProgramName + "\n\n" + ConvertStatusText(converted.Status));
     SetCommentMarks(record, false);
     // 11. The Blend pass; 12. the Reverse pass judges.
-    BlendResult blended = BlendProgram(record.ProgramDirName, record.ProgramName, stem, BlendSettingsFrom(machine, dirs));
+    BlendResult blended =
+        BlendProgram(record.ProgramDirName, record.ProgramName, stem, BlendSettingsFrom(machine, dirs));
     if (blended.FileFault) return fileFault(blended.FaultFile);
     ReverseResult reversed = ReverseSlot(process, slot, stem, record);
     if (reversed.FileFault) return fileFault(reversed.FaultFile);
@@ -312,8 +314,10 @@ void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link
         for (const char* extension : {"cfg", "drw", "M1", "RA1"}) {
             std::error_code error;
             fs::file_status status = fs::status(stem + extension, error);
-            if (status.type() == fs::file_type::not_found) complete = false;
-            else if (faulty.empty() && (error || status.type() != fs::file_type::regular)) faulty = stem + extension;
+            if (status.type() == fs::file_type::not_found)
+                complete = false;
+            else if (faulty.empty() && (error || status.type() != fs::file_type::regular))
+                faulty = stem + extension;
         }
         if (!complete) {
             ClearSlot(process, slot);
@@ -328,8 +332,10 @@ void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link
         record.ExpandedFilePath = stem + "dr1";
         bool cfgUnreadable = false;
         if (!ReadSlotConfig(dirs, slot, record, &cfgUnreadable)) {
-            if (cfgUnreadable) unreadable(stem + "cfg");
-            else ClearSlot(process, slot);
+            if (cfgUnreadable)
+                unreadable(stem + "cfg");
+            else
+                ClearSlot(process, slot);
             continue;
         }
         record.Present = true;

@@ -102,7 +102,8 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
     LoadActiveSlots(process, platform, link);
     // 13. Control.cfg with the active slot now settled.
     if (!WriteControlConfig(config))
-        return {StartOutcome::Kind::ConfigurationFault, ConfigFault{config.Dirs.RootDir + "Control.cfg", "cannot be written"}};
+        return {StartOutcome::Kind::ConfigurationFault,
+                ConfigFault{config.Dirs.RootDir + "Control.cfg", "cannot be written"}};
     // 14. The active slot to the card.
     talk.Download(card::Assignment(card::ActiveSlot, std::to_string(config.ActiveSlot)));
     // 15. Dialogue work program, serial settings, receiving files.
@@ -122,8 +123,8 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
 namespace {
 
 // The steps both ways out share; `forService` leaves the card believing the front end is up.
-void EndProcess(Process& process, StartupPlatform& platform, CardLink* link, const StartupSteps& steps,
-                bool forService, bool powerOff) {
+void EndProcess(Process& process, StartupPlatform& platform, CardLink* link, const StartupSteps& steps, bool forService,
+                bool powerOff) {
     Conversation talk = Talk(process, platform, link);
     // 1. Batch counters from the card; 2. the active slot's .btc.
     Run(steps.UpdateBatchCounters, process);
@@ -205,8 +206,7 @@ std::string MachineSummary(const Process& process) {
         const SlotRecord& r = process.Slots[slot - 1];
         out << "Slot " << slot << ": " << (r.Present ? r.ProgramName + " (" + r.ProgramDirName + ")" : "empty") << "\n";
     }
-    out
-        << "Card in use: " << (process.Card.CardInUse ? "yes" : "no (office seat)") << "\n"
+    out << "Card in use: " << (process.Card.CardInUse ? "yes" : "no (office seat)") << "\n"
         << "Poll log: " << (process.Card.PollLogOn ? "on" : "off") << "\n"
         << "Poll interval: " << c.Card.PollIntervalMs << " ms (restart delay " << c.Card.PollRestartDelayMs << " ms)\n";
     return out.str();

@@ -10,8 +10,8 @@
 #include "controller/controller_platform.h"
 #include "controller/conversation.h"
 #include "controller/display_model.h"
-#include "system/poll_cycle.h"
 #include "core/config.h"
+#include "system/poll_cycle.h"
 #include "system/slots.h"
 #include "tooling/tooling.h"
 

@@ -76,9 +76,9 @@ std::vector<std::string> PunchSettingTexts(const PunchSetting& s) {
 }
 
 std::vector<std::string> PlasmaSettingTexts(const PlasmaSetting& s) {
-    return {IntegerText(s.RapidSpeed), IntegerText(s.CutSpeed), IntegerText(s.MinCornerSpeed),
-            IntegerText(s.FreezeSpeed), SingleText(s.HeightOn), SingleText(s.HeightOff),
-            IntegerText(s.Slowdown),    SingleText(s.Kerf),     SingleText(s.Pierce),
+    return {IntegerText(s.RapidSpeed),  IntegerText(s.CutSpeed), IntegerText(s.MinCornerSpeed),
+            IntegerText(s.FreezeSpeed), SingleText(s.HeightOn),  SingleText(s.HeightOff),
+            IntegerText(s.Slowdown),    SingleText(s.Kerf),      SingleText(s.Pierce),
             IntegerText(s.TorchType)};
 }
 
@@ -91,12 +91,24 @@ SettingsLoad LoadPunchSetting(const std::string& file, std::string& description,
     description = std::string(Trim(lines->front()));
     ReadFields(*lines, 6, [&](std::size_t i, const std::string& line) {
         switch (i) {
-            case 0: setting.FeedPercent = WordOf(line); break;
-            case 1: setting.AccelPercent = WordOf(line); break;
-            case 2: setting.PreDelay = SingleOf(line); break;
-            case 3: setting.PostDelay = SingleOf(line); break;
-            case 4: setting.InPosition = SingleOf(line); break;
-            default: setting.RamTimer = SingleOf(line); break;
+            case 0:
+                setting.FeedPercent = WordOf(line);
+                break;
+            case 1:
+                setting.AccelPercent = WordOf(line);
+                break;
+            case 2:
+                setting.PreDelay = SingleOf(line);
+                break;
+            case 3:
+                setting.PostDelay = SingleOf(line);
+                break;
+            case 4:
+                setting.InPosition = SingleOf(line);
+                break;
+            default:
+                setting.RamTimer = SingleOf(line);
+                break;
         }
     });
     return SettingsLoad::Loaded;
@@ -120,16 +132,36 @@ SettingsLoad LoadPlasmaSetting(const std::string& file, std::string& description
     description = std::string(Trim(lines->front()));
     ReadFields(*lines, 10, [&](std::size_t i, const std::string& line) {
         switch (i) {
-            case 0: setting.RapidSpeed = WordOf(line); break;
-            case 1: setting.CutSpeed = WordOf(line); break;
-            case 2: setting.MinCornerSpeed = WordOf(line); break;
-            case 3: setting.FreezeSpeed = WordOf(line); break;
-            case 4: setting.HeightOn = SingleOf(line); break;
-            case 5: setting.HeightOff = SingleOf(line); break;
-            case 6: setting.Slowdown = WordOf(line); break;
-            case 7: setting.Kerf = SingleOf(line); break;
-            case 8: setting.Pierce = SingleOf(line); break;
-            default: setting.TorchType = WordOf(line); break;
+            case 0:
+                setting.RapidSpeed = WordOf(line);
+                break;
+            case 1:
+                setting.CutSpeed = WordOf(line);
+                break;
+            case 2:
+                setting.MinCornerSpeed = WordOf(line);
+                break;
+            case 3:
+                setting.FreezeSpeed = WordOf(line);
+                break;
+            case 4:
+                setting.HeightOn = SingleOf(line);
+                break;
+            case 5:
+                setting.HeightOff = SingleOf(line);
+                break;
+            case 6:
+                setting.Slowdown = WordOf(line);
+                break;
+            case 7:
+                setting.Kerf = SingleOf(line);
+                break;
+            case 8:
+                setting.Pierce = SingleOf(line);
+                break;
+            default:
+                setting.TorchType = WordOf(line);
+                break;
         }
     });
     return SettingsLoad::Loaded;

@@ -17,10 +17,10 @@ namespace kirvana {
 struct PunchSetting {
     std::int16_t FeedPercent = 100;
     std::int16_t AccelPercent = 100;
-    float PreDelay = 0;     // seconds
-    float PostDelay = 0;    // seconds
-    float InPosition = 0;   // mm
-    float RamTimer = 0;     // ms
+    float PreDelay = 0;    // seconds
+    float PostDelay = 0;   // seconds
+    float InPosition = 0;  // mm
+    float RamTimer = 0;    // ms
 };
 
 // Every field NoValue (-999) when unset.
@@ -60,12 +60,14 @@ void DefaultPunchSetting(PunchSetting& setting);
 // Line 1 the description, then the six values, then "******". Values that can't be read
 // (or don't fit a 16-bit field) read as 0; values the file doesn't hold keep their defaults.
 SettingsLoad LoadPunchSetting(const std::string& file, std::string& description, PunchSetting& setting);
-[[nodiscard]] bool SavePunchSetting(const std::string& file, const std::string& description, const PunchSetting& setting);
+[[nodiscard]] bool SavePunchSetting(const std::string& file, const std::string& description,
+                                    const PunchSetting& setting);
 
 void ClearPlasmaSetting(PlasmaSetting& setting);
 // Line 1 the description, then the ten fields in their order, then "******".
 SettingsLoad LoadPlasmaSetting(const std::string& file, std::string& description, PlasmaSetting& setting);
-[[nodiscard]] bool SavePlasmaSetting(const std::string& file, const std::string& description, const PlasmaSetting& setting);
+[[nodiscard]] bool SavePlasmaSetting(const std::string& file, const std::string& description,
+                                     const PlasmaSetting& setting);
 // False when every field is NoValue: such a set counts as no set.
 bool PlasmaSettingIsSet(const PlasmaSetting& setting);
 

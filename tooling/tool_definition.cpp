@@ -104,8 +104,8 @@ ToolDefinitionResult ConfirmToolDefinition(const ToolDefinitionBoxes& boxes, con
             d3 = box(2);
             d4 = box(3);
             angle = angleBox(4);
-            refused = d1 < Floor || d3 < Floor || d4 < Floor || Round3(2 * d4) > Round3(d1 - d3) ||
-                      d3 > Round3(d1 - 2 * d4);
+            refused =
+                d1 < Floor || d3 < Floor || d4 < Floor || Round3(2 * d4) > Round3(d1 - d3) || d3 > Round3(d1 - 2 * d4);
             break;
         default: {  // Special: a name of 1 to 18 characters, always 25 by 25
             std::string name(Trim(boxes.SpecialName));
@@ -156,21 +156,35 @@ ToolDefinitionBoxes OpenToolDefinition(const ToolRecord& tool, bool inches) {
     auto dim = [&](float value) { return BoxText(value, inches); };
     const std::string angle = FormatNumber(Number(tool.Angle), -1);
     switch (shape ? shape->Letter : 'S') {
-        case 'A': boxes.Boxes = {dim(tool.D1), "", "", ""}; break;
-        case 'B': boxes.Boxes = {dim(tool.D1), angle, "", ""}; break;
-        case 'C': boxes.Boxes = {dim(tool.D1), dim(tool.D4), angle, ""}; break;
-        case 'E': boxes.Boxes = {dim(tool.D1), dim(tool.D2), dim(tool.D4), angle}; break;
-        case 'J': boxes.Boxes = {dim(tool.D1), angle, "", ""}; break;
+        case 'A':
+            boxes.Boxes = {dim(tool.D1), "", "", ""};
+            break;
+        case 'B':
+            boxes.Boxes = {dim(tool.D1), angle, "", ""};
+            break;
+        case 'C':
+            boxes.Boxes = {dim(tool.D1), dim(tool.D4), angle, ""};
+            break;
+        case 'E':
+            boxes.Boxes = {dim(tool.D1), dim(tool.D2), dim(tool.D4), angle};
+            break;
+        case 'J':
+            boxes.Boxes = {dim(tool.D1), angle, "", ""};
+            break;
         case 'K':
             boxes.Boxes = {dim(tool.D1), dim(tool.D2), dim(std::fabs(tool.D3)), angle};
             boxes.KeywayState = tool.D3 < 0 ? 1 : 0;
             break;
-        case 'M': boxes.Boxes = {dim(tool.D1), dim(tool.D3), dim(tool.D4), angle}; break;
+        case 'M':
+            boxes.Boxes = {dim(tool.D1), dim(tool.D3), dim(tool.D4), angle};
+            break;
         case 'S':
             boxes.Boxes = {angle, "", "", ""};
             boxes.SpecialName = std::string(Trim(tool.Name));
             break;
-        default: boxes.Boxes = {dim(tool.D1), dim(tool.D2), angle, ""}; break;  // D, F, G, H, I, L
+        default:
+            boxes.Boxes = {dim(tool.D1), dim(tool.D2), angle, ""};
+            break;  // D, F, G, H, I, L
     }
     return boxes;
 }

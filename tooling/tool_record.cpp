@@ -14,11 +14,20 @@ namespace kirvana {
 namespace {
 
 constexpr std::array<ToolShape, ToolShapeCount> Shapes = {{
-    {'A', "DIAMET", "Diameter", 0},   {'B', "SQUARE", "Square", 1},    {'C', "RAD-SQ", "Rad-Square", 2},
-    {'D', "RECTAN", "Rectangle", 3},  {'E', "RAD-RE", "Rad-Rect", 4},  {'F', "OBROUN", "Obround", 5},
-    {'G', "SINGLE", "Single-D", 6},   {'H', "DOUBLE", "Double-D", 7},  {'I', "CANNON", "Cannon-D", 8},
-    {'J', "HEXAGO", "Hexagon", 9},    {'K', "KEYWAY", "Keyway", 10},   {'L', "LOUVRE", "Louvre", 11},
-    {'M', "CRUCIF", "Cruciform", 12}, {'S', "SPECIA", "Special", 13},
+    {'A', "DIAMET", "Diameter", 0},
+    {'B', "SQUARE", "Square", 1},
+    {'C', "RAD-SQ", "Rad-Square", 2},
+    {'D', "RECTAN", "Rectangle", 3},
+    {'E', "RAD-RE", "Rad-Rect", 4},
+    {'F', "OBROUN", "Obround", 5},
+    {'G', "SINGLE", "Single-D", 6},
+    {'H', "DOUBLE", "Double-D", 7},
+    {'I', "CANNON", "Cannon-D", 8},
+    {'J', "HEXAGO", "Hexagon", 9},
+    {'K', "KEYWAY", "Keyway", 10},
+    {'L', "LOUVRE", "Louvre", 11},
+    {'M', "CRUCIF", "Cruciform", 12},
+    {'S', "SPECIA", "Special", 13},
 }};
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
@@ -49,8 +58,8 @@ float InchesToMm(float value) { return ToSingle(RoundHalfEven(Number(static_cast
 
 // A dimension of a description: millimetres to 2 decimals, or inches to 3.
 std::string DimensionText(float value, bool showInches) {
-    double shown = showInches ? RoundHalfEven(Number(static_cast<double>(value) / Inch), 3)
-                              : RoundHalfEven(Number(value), 2);
+    double shown =
+        showInches ? RoundHalfEven(Number(static_cast<double>(value) / Inch), 3) : RoundHalfEven(Number(value), 2);
     return FormatNumber(Number(shown), -1);
 }
 
@@ -150,8 +159,10 @@ bool ParseToolText(std::string_view text, ToolRecord& record, bool fromInches) {
     } else {
         // 5. Special: behind the word SPECIAL, or the whole text; the tail of angle
         // characters at its end is cut off and the rest is the name.
-        std::string body = word == "SPECIA" ? std::string(Trim(std::string_view(trimmed).substr(std::min<std::size_t>(7, trimmed.size()))))
-                                            : trimmed;
+        std::string body =
+            word == "SPECIA"
+                ? std::string(Trim(std::string_view(trimmed).substr(std::min<std::size_t>(7, trimmed.size()))))
+                : trimmed;
         std::size_t start = body.size();
         while (start > 0) {
             char c = UpperChar(body[start - 1]);
@@ -205,22 +216,38 @@ std::string DescribeTool(const ToolRecord& record, bool showInches) {
     const std::string name(Trim(record.Name));
     // 3. Name, dimensions, angle.
     switch (record.Shape) {
-        case 'A': return "Diameter " + d(record.D1);
-        case 'B': return "Square " + d(record.D1) + " " + angle;
-        case 'C': return "Rad-Square " + d(record.D1) + "r" + d(record.D4) + " " + angle;
-        case 'D': return "Rectangle " + d(record.D1) + "x" + d(record.D2) + " " + angle;
-        case 'E': return "Rad-Rect " + d(record.D1) + "x" + d(record.D2) + "r" + d(record.D4) + " " + angle;
-        case 'F': return "Obround " + d(record.D1) + "x" + d(record.D2) + " " + angle;
-        case 'G': return "Single-D " + d(record.D1) + "x" + d(record.D2) + " " + angle;
-        case 'H': return "Double-D " + d(record.D1) + "x" + d(record.D2) + " " + angle;
-        case 'I': return "Cannon-D " + d(record.D1) + "x" + d(record.D2) + " " + angle;
-        case 'J': return "Hexagon " + d(record.D1) + " " + angle;
-        case 'K': return "Keyway " + d(record.D1) + "x" + d(record.D2) + "w" + d(std::fabs(record.D3)) + " " + angle;
-        case 'L': return "Louvre " + d(record.D1) + "x" + d(record.D2) + " " + angle;
-        case 'M': return "Cruciform " + d(record.D1) + "w" + d(record.D3) + "r" + d(record.D4) + " " + angle;
-        case 'S': return "Special " + name + " " + angle;
-        case 'P': return name;
-        default: return "";
+        case 'A':
+            return "Diameter " + d(record.D1);
+        case 'B':
+            return "Square " + d(record.D1) + " " + angle;
+        case 'C':
+            return "Rad-Square " + d(record.D1) + "r" + d(record.D4) + " " + angle;
+        case 'D':
+            return "Rectangle " + d(record.D1) + "x" + d(record.D2) + " " + angle;
+        case 'E':
+            return "Rad-Rect " + d(record.D1) + "x" + d(record.D2) + "r" + d(record.D4) + " " + angle;
+        case 'F':
+            return "Obround " + d(record.D1) + "x" + d(record.D2) + " " + angle;
+        case 'G':
+            return "Single-D " + d(record.D1) + "x" + d(record.D2) + " " + angle;
+        case 'H':
+            return "Double-D " + d(record.D1) + "x" + d(record.D2) + " " + angle;
+        case 'I':
+            return "Cannon-D " + d(record.D1) + "x" + d(record.D2) + " " + angle;
+        case 'J':
+            return "Hexagon " + d(record.D1) + " " + angle;
+        case 'K':
+            return "Keyway " + d(record.D1) + "x" + d(record.D2) + "w" + d(std::fabs(record.D3)) + " " + angle;
+        case 'L':
+            return "Louvre " + d(record.D1) + "x" + d(record.D2) + " " + angle;
+        case 'M':
+            return "Cruciform " + d(record.D1) + "w" + d(record.D3) + "r" + d(record.D4) + " " + angle;
+        case 'S':
+            return "Special " + name + " " + angle;
+        case 'P':
+            return name;
+        default:
+            return "";
     }
 }
 
@@ -242,8 +269,8 @@ void CopyTool(const ToolRecord& source, ToolRecord& target) {
 }
 
 bool SameTool(const ToolRecord& a, const ToolRecord& b) {
-    return a.Shape == b.Shape && a.Name == b.Name && a.D1 == b.D1 && a.D2 == b.D2 && a.D3 == b.D3 &&
-           a.D4 == b.D4 && a.Angle == b.Angle;
+    return a.Shape == b.Shape && a.Name == b.Name && a.D1 == b.D1 && a.D2 == b.D2 && a.D3 == b.D3 && a.D4 == b.D4 &&
+           a.Angle == b.Angle;
 }
 
 ToolRecord PlasmaTool(std::string_view plasmaToolName, std::int16_t typeIndex, std::int16_t typeNumber) {

@@ -15,18 +15,18 @@ inline constexpr std::int16_t TrueWord = -1;
 inline constexpr std::int16_t FalseWord = 0;
 
 struct ToolRecord {
-    std::int16_t Valid = FalseWord;            // false: empty station or a tool that failed to parse
-    char Shape = ' ';                          // shape letter A to M, S, or P for the plasma tool
+    std::int16_t Valid = FalseWord;                      // false: empty station or a tool that failed to parse
+    char Shape = ' ';                                    // shape letter A to M, S, or P for the plasma tool
     std::string Name = std::string(ToolNameWidth, ' ');  // always 18 characters
-    float D1 = 0;                              // millimetres
+    float D1 = 0;                                        // millimetres
     float D2 = 0;
-    float D3 = 0;                              // Keyway: the sign carries the key end
+    float D3 = 0;  // Keyway: the sign carries the key end
     float D4 = 0;
-    std::int16_t Setting = 0;                  // index of the station's type
-    std::int16_t Station = 0;                  // type number of the station (20 and above: autoindex)
-    float Angle = 0;                           // degrees
-    float Extra1 = 0;                          // index angle asked of an autoindex station
-    float Extra2 = 0;                          // 1 on a table's tool and on the plasma tool
+    std::int16_t Setting = 0;  // index of the station's type
+    std::int16_t Station = 0;  // type number of the station (20 and above: autoindex)
+    float Angle = 0;           // degrees
+    float Extra1 = 0;          // index angle asked of an autoindex station
+    float Extra2 = 0;          // 1 on a table's tool and on the plasma tool
 
     bool IsValid() const { return Valid != FalseWord; }
 };

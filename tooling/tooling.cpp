@@ -56,7 +56,8 @@ const StationTable& SlotTable(const Tooling& tooling, int slot) {
 void CopyMachineTable(Tooling& tooling, int slot) { CopyStationTable(tooling.MachineTable, SlotTable(tooling, slot)); }
 
 const StationType& PlasmaStationType(const Tooling& tooling) {
-    int index = tooling.PlasmaTypeIndex >= 0 && tooling.PlasmaTypeIndex < StationTypeCount ? tooling.PlasmaTypeIndex : 0;
+    int index =
+        tooling.PlasmaTypeIndex >= 0 && tooling.PlasmaTypeIndex < StationTypeCount ? tooling.PlasmaTypeIndex : 0;
     return tooling.Types[static_cast<std::size_t>(index)];
 }
 
@@ -66,6 +67,8 @@ ToolRecord MachinePlasmaTool(const Tooling& tooling) {
     return PlasmaTool(PlasmaToolName(tooling), tooling.PlasmaTypeIndex, PlasmaStationType(tooling).TypeNumber);
 }
 
-std::vector<std::string> TorchTypes(const Tooling& tooling) { return TorchTypeList(tooling.Plasma, PlasmaToolName(tooling)); }
+std::vector<std::string> TorchTypes(const Tooling& tooling) {
+    return TorchTypeList(tooling.Plasma, PlasmaToolName(tooling));
+}
 
 }  // namespace kirvana

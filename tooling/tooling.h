@@ -14,14 +14,14 @@
 namespace kirvana {
 
 struct Tooling {
-    StationTypes Types;                    // Machine.stn
-    std::int16_t PlasmaTypeIndex = 0;      // the plasma station's type: the index Machine.dat's type names
-    StationTable MachineTable;             // Machine.trt
+    StationTypes Types;                      // Machine.stn
+    std::int16_t PlasmaTypeIndex = 0;        // the plasma station's type: the index Machine.dat's type names
+    StationTable MachineTable;               // Machine.trt
     std::array<StationTable, 2> SlotTables;  // the active slots 1 and 2
-    StationTable DialogueTable;            // the dialogue's table
-    PunchData Punch;                       // Punch.dat
-    PlasmaData Plasma;                     // Plasma.dat
-    PlasmaSetting DialoguePlasma;          // the dialogue's plasma set
+    StationTable DialogueTable;              // the dialogue's table
+    PunchData Punch;                         // Punch.dat
+    PlasmaData Plasma;                       // Plasma.dat
+    PlasmaSetting DialoguePlasma;            // the dialogue's plasma set
 };
 
 // Punch.dat (optional).

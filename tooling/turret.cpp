@@ -54,7 +54,8 @@ SplitLine SplitFromRight(std::string_view line, std::size_t tailCount) {
     std::size_t start = 0;
     while (true) {
         std::size_t comma = line.find(',', start);
-        fields.emplace_back(line.substr(start, comma == std::string_view::npos ? std::string_view::npos : comma - start));
+        fields.emplace_back(
+            line.substr(start, comma == std::string_view::npos ? std::string_view::npos : comma - start));
         if (comma == std::string_view::npos) break;
         start = comma + 1;
     }
@@ -96,8 +97,8 @@ ConfigFault StationFault(const std::string& path, const std::string& reason) { r
 std::int16_t CardPosition(std::int16_t number) { return static_cast<std::int16_t>(WrapStation(number)); }
 
 void ApplyStationType(Station& station, const StationTypes& types, std::int16_t typeIndex) {
-    const StationType& type = (typeIndex >= 0 && typeIndex < StationTypeCount) ? types[static_cast<std::size_t>(typeIndex)]
-                                                                               : StationType();
+    const StationType& type =
+        (typeIndex >= 0 && typeIndex < StationTypeCount) ? types[static_cast<std::size_t>(typeIndex)] : StationType();
     station.TypeIndex = typeIndex;
     station.TypeText = type.TypeText;
     station.TypeNumber = type.TypeNumber;
@@ -153,7 +154,8 @@ ConfigResult ReadStationTypes(const Directories& dirs, StationTypes& types) {
             return StationFault(path, "station type index " + items[next] + " is outside 0 to 64");
         auto typeNumber = TruncateToInt16(ToNumber(items[next + 2]));
         auto typeWord = TruncateToInt16(ToNumber(items[next + 6]));
-        if (!typeNumber || !typeWord) return StationFault(path, "station type " + items[next] + " holds a value out of range");
+        if (!typeNumber || !typeWord)
+            return StationFault(path, "station type " + items[next] + " holds a value out of range");
         StationType& type = types[static_cast<std::size_t>(index)];
         type.TypeText = items[next + 1];
         type.TypeNumber = *typeNumber;
@@ -225,7 +227,8 @@ int StationOfTNumber(const StationTable& table, int tNumber) {
 
 std::string TurretLine(const Station& station) { return StationToolText(station) + JoinSettings(station.Settings); }
 
-bool ReadProgramTurret(const std::string& file, StationTable& table, ProgramTurret& header, std::string_view serviceDir) {
+bool ReadProgramTurret(const std::string& file, StationTable& table, ProgramTurret& header,
+                       std::string_view serviceDir) {
     const std::string path = ResolveNoCase(file);
     if (!FileExists(path)) return false;
     if (!serviceDir.empty()) NoteFile(serviceDir, path);
@@ -259,7 +262,8 @@ bool WriteProgramTurret(const std::string& file, const StationTable& table, cons
 bool WriteProgramSettings(const std::string& file, const StationTable& table) {
     std::vector<std::string> lines;
     for (const auto& station : table)
-        lines.push_back(StationToolText(station) + ", " + IntegerText(station.TypeIndex) + JoinSettings(station.Settings));
+        lines.push_back(StationToolText(station) + ", " + IntegerText(station.TypeIndex) +
+                        JoinSettings(station.Settings));
     lines.push_back(EndMarker);
     return WriteLines(file, lines);
 }
@@ -289,10 +293,16 @@ bool ReadProgramSettings(const std::string& file, StationTable& table, std::stri
         if (!station.Valid) continue;
         const Entry* match = nullptr;
         for (const auto& e : entries)
-            if (SameTool(e.Tool, station.Tool) && e.TypeIndex == station.TypeIndex) { match = &e; break; }
+            if (SameTool(e.Tool, station.Tool) && e.TypeIndex == station.TypeIndex) {
+                match = &e;
+                break;
+            }
         if (!match)
             for (const auto& e : entries)
-                if (SameTool(e.Tool, station.Tool)) { match = &e; break; }
+                if (SameTool(e.Tool, station.Tool)) {
+                    match = &e;
+                    break;
+                }
         if (match) ReadSettingFields(match->Fields, 1, station.Settings);
     }
     return true;

@@ -28,9 +28,9 @@ using StationTypes = std::array<StationType, StationTypeCount>;
 
 // One station of a table.
 struct Station {
-    std::int16_t Valid = FalseWord;   // a tool stands here
-    std::int16_t TNumber = 0;         // the T word of programs
-    std::int16_t TPosition = 0;       // the T number in the card's units
+    std::int16_t Valid = FalseWord;  // a tool stands here
+    std::int16_t TNumber = 0;        // the T word of programs
+    std::int16_t TPosition = 0;      // the T number in the card's units
     std::int16_t LoadNumber = 0;
     std::int16_t LoadPosition = 0;
     std::int16_t TypeIndex = 0;
@@ -40,8 +40,8 @@ struct Station {
     float OffsetX = 0;
     float OffsetY = 0;
     float OffsetZ = 0;
-    std::string ToolText;             // empty when none
-    ToolRecord Tool;                  // Setting = TypeIndex, Station = TypeNumber, Extra2 = 1
+    std::string ToolText;  // empty when none
+    ToolRecord Tool;       // Setting = TypeIndex, Station = TypeNumber, Extra2 = 1
     PunchSetting Settings;
 };
 
@@ -115,7 +115,7 @@ TurretAction PunchAction(const StationTable& table, int station, bool running, b
 // `ToolButton` back from the definition screen: when the edited tool differs from the
 // station's (shape, name, D1 to D4, angle), the station takes it and the change is returned.
 struct ToolChange {
-    int Station = 0;          // 1 to the table's size
+    int Station = 0;  // 1 to the table's size
     std::int16_t TNumber = 0;
     ToolRecord OldTool;
     ToolRecord NewTool;

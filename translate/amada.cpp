@@ -18,7 +18,6 @@ using namespace convert;
 
 namespace {
 
-
 // Removes the first word of the letter (the letter and its number) and gives its number text;
 // false when the letter does not stand in the block.
 bool TakeWord(std::string& block, char letter, std::string& number) {
@@ -177,7 +176,6 @@ void SplitComment(std::string& block, std::string& comment) {
     block.erase(0, front);
 }
 
-
 // Every blank out of the block, in place; then tabs off both ends, as StripBlanks does.
 void StripBlanksInPlace(std::string& block) {
     std::size_t out = 0;
@@ -236,7 +234,8 @@ void ProfileHandler(std::string& block, int code, CodeIndex& codes) {
         const char o = static_cast<char>('0' + other);
         const char otherShort[] = {'G', o};
         const char otherLong[] = {'G', '0', o};
-        if (codes.Has(block, std::string_view(otherShort, 2)) || codes.Has(block, std::string_view(otherLong, 3))) return;
+        if (codes.Has(block, std::string_view(otherShort, 2)) || codes.Has(block, std::string_view(otherLong, 3)))
+            return;
     }
     // The codes of this decade: G10 to G19, G20 to G29, G30 to G39.
     for (char units = '0'; units <= '9'; ++units) {
@@ -244,7 +243,7 @@ void ProfileHandler(std::string& block, int code, CodeIndex& codes) {
         if (codes.Has(block, std::string_view(decade, 3))) return;
     }
     static constexpr std::string_view others[] = {"G00", "G101", "G102", "G103", "G04", "G93",
-                                                  "G92", "G56", "G53", "M60",  "M50"};
+                                                  "G92", "G56",  "G53",  "M60",  "M50"};
     for (std::string_view word : others)
         if (codes.Has(block, word)) return;
     // The handler runs only with its code in the block, so one of the two forms is there.
@@ -306,10 +305,10 @@ Row FindRow(std::string_view block, std::string_view& source, const CodeIndex& c
     static constexpr struct {
         std::string_view Code;
         Row Which;
-    } rows[] = {{"G28", Row::G28}, {"G26", Row::G26}, {"G29", Row::G29}, {"G36", Row::G36}, {"G37", Row::G37},
-                {"G66", Row::G66}, {"G67", Row::G67}, {"G68", Row::G68}, {"G78", Row::G68}, {"G69", Row::G69},
-                {"G79", Row::G69}, {"G98", Row::G98}, {"G75", Row::G75}, {"G76", Row::G76}, {"W", Row::W},
-                {"G31", Row::G31}};
+    } rows[] = {{"G28", Row::G28}, {"G26", Row::G26}, {"G29", Row::G29}, {"G36", Row::G36},
+                {"G37", Row::G37}, {"G66", Row::G66}, {"G67", Row::G67}, {"G68", Row::G68},
+                {"G78", Row::G68}, {"G69", Row::G69}, {"G79", Row::G69}, {"G98", Row::G98},
+                {"G75", Row::G75}, {"G76", Row::G76}, {"W", Row::W},     {"G31", Row::G31}};
     // A block without any "G" or "M" can only be a call.
     if (codes.Empty()) {
         if (!Has(block, 'W')) return Row::None;
@@ -593,7 +592,8 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
                 for (std::size_t k = w + 1; k < rest.size() && IsDigit(rest[k]); ++k) name += rest[k];
                 rest.erase(w);
             }
-            for (const char* code : {"G75", "G76", "G00", "G20", "G21", "G90", "G91", "M00", "M01", "M50", "M60", "M75"})
+            for (const char* code :
+                 {"G75", "G76", "G00", "G20", "G21", "G90", "G91", "M00", "M01", "M50", "M60", "M75"})
                 if (Has(behind, code) && !Has(rest, code)) rest += code;
             words = "G68S" + IntegerText(table.SubroutineNumber(name)) + "Q0";
             comment = (amada.LastComment.empty() ? std::string(" ; ") : amada.LastComment) + name;
@@ -605,7 +605,8 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
             words = p == 0 && q == 0 ? "M05" : "M03";
             break;
         }
-        case Row::None: break;
+        case Row::None:
+            break;
     }
     block += words;
     block += tail;
@@ -626,8 +627,10 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
     block.reserve(state.SourceLine.size() + 64);
     // (A line that starts with neither "/" nor "N" has no sequence word to lose.)
     const char first = state.SourceLine.empty() ? ' ' : UpperChar(state.SourceLine[0]);
-    if (mainText || (first != '/' && first != 'N')) block = state.SourceLine;
-    else block = StripBlockNumber(state.SourceLine);
+    if (mainText || (first != '/' && first != 'N'))
+        block = state.SourceLine;
+    else
+        block = StripBlockNumber(state.SourceLine);
     // (Both forms hold an "S": "S" and digits, or "ENDSUB".)
     if (Has(block, 'S') || Has(block, 's')) block = SubroutineRewriteBracket(block, context.Table);
     SplitComment(block, state.BlockComment);
@@ -637,8 +640,10 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
         if (Has(block, 'N')) {
             state.SequenceCount = reader.WordInteger(StripBlanks(block), 'N');
         } else {
-            if (state.SequenceCount == std::numeric_limits<std::int16_t>::max()) reader.IntegerOverflow = true;
-            else ++state.SequenceCount;
+            if (state.SequenceCount == std::numeric_limits<std::int16_t>::max())
+                reader.IntegerOverflow = true;
+            else
+                ++state.SequenceCount;
             block.insert(0, "N" + ZeroPad(state.SequenceCount, 4) + " ");
         }
     }
@@ -706,9 +711,9 @@ std::string AmadaToolDescription(std::string_view comment) {
     static constexpr struct {
         const char* Code;
         const char* Text;
-    } codes[] = {{"RO", "Diameter "},   {"SQ", "Square "},   {"RE", "Rectangle "},     {"OB", "Obround "},
-                 {"SD", "Single-D "},   {"DD", "Double-D "}, {"RC", "Radius Corner "}, {"CR", "Corner Radius "},
-                 {"TR", "Triangle "},   {"CP", "Centre Punch "}, {"CS", "Counter Sink "}, {"SP", "Special "}};
+    } codes[] = {{"RO", "Diameter "}, {"SQ", "Square "},       {"RE", "Rectangle "},     {"OB", "Obround "},
+                 {"SD", "Single-D "}, {"DD", "Double-D "},     {"RC", "Radius Corner "}, {"CR", "Corner Radius "},
+                 {"TR", "Triangle "}, {"CP", "Centre Punch "}, {"CS", "Counter Sink "},  {"SP", "Special "}};
     std::string text = UpperCase(StripBlanks(comment));
     if (text.size() < 2) return {};
     std::string_view code = std::string_view(text).substr(0, 2);

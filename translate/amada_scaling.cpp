@@ -51,7 +51,12 @@ bool In(int code, std::initializer_list<int> codes) {
 // The class of a word: 0 kept, 1 whole number, 2 length, 3 hundredths, 4 dwell.
 int WordClass(char letter, int code) {
     switch (letter) {
-        case 'A': case 'B': case 'U': case 'V': case 'W': return 1;
+        case 'A':
+        case 'B':
+        case 'U':
+        case 'V':
+        case 'W':
+            return 1;
         case 'K':
             if (In(code, {26, 29, 36, 98})) return 1;
             if (In(code, {68, 78})) return 3;
@@ -60,11 +65,18 @@ int WordClass(char letter, int code) {
             if (In(code, {31, 36, 98})) return 1;
             if (code == 29) return 3;
             return 2;
-        case 'Q': return In(code, {31, 75, 76}) ? 1 : 2;
-        case 'J': return In(code, {26, 29, 66, 68, 69, 78, 79}) ? 3 : 2;
-        case 'X': return code == 4 ? 4 : 2;
-        case 'D': case 'I': case 'Y': return 2;
-        default: return 0;
+        case 'Q':
+            return In(code, {31, 75, 76}) ? 1 : 2;
+        case 'J':
+            return In(code, {26, 29, 66, 68, 69, 78, 79}) ? 3 : 2;
+        case 'X':
+            return code == 4 ? 4 : 2;
+        case 'D':
+        case 'I':
+        case 'Y':
+            return 2;
+        default:
+            return 0;
     }
 }
 
@@ -144,9 +156,15 @@ void ScaleNumbers(std::string_view block, int code, bool inch, std::string& out)
         }
         double value = ToNumber(number);
         switch (wordClass) {
-            case 1: out += FormatNumber(value, 0); break;
-            case 2: out += FormatNumber(point ? value : value / (inch ? 1000 : 100), inch ? 3 : 2); break;
-            default: out += FormatNumber(point ? value : value / 100, 2); break;
+            case 1:
+                out += FormatNumber(value, 0);
+                break;
+            case 2:
+                out += FormatNumber(point ? value : value / (inch ? 1000 : 100), inch ? 3 : 2);
+                break;
+            default:
+                out += FormatNumber(point ? value : value / 100, 2);
+                break;
         }
         i = end;
     }

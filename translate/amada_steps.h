@@ -13,20 +13,20 @@ namespace kirvana::amada {
 
 // The pass's state beside the Convert pass's own copy (convert::ConvertState).
 struct AmadaState {
-    bool AmadaInch = false;   // G20 true, G21 false: the scaling of numbers
-    bool AmadaFlag = false;   // cleared by G90 and G91, set by nothing: G93 is never rewritten
-    std::string LastBlock;    // the previous block as written
-    std::string LastComment;  // and its comment
+    bool AmadaInch = false;                   // G20 true, G21 false: the scaling of numbers
+    bool AmadaFlag = false;                   // cleared by G90 and G91, set by nothing: G93 is never rewritten
+    std::string LastBlock;                    // the previous block as written
+    std::string LastComment;                  // and its comment
     std::array<std::string, 100> MacroTable;  // blocks stored by "A" words, 1 to 99
-    float GridX = 0;          // G98 reference point
+    float GridX = 0;                          // G98 reference point
     float GridY = 0;
-    float GridPitchX = 0;     // G98 I and J
+    float GridPitchX = 0;  // G98 I and J
     float GridPitchY = 0;
     std::int16_t GridColumns = 0;  // G98 P + 1
     std::int16_t GridRows = 0;     // G98 K + 1
-    bool GridSet = false;     // a G98 has been read
-    bool ToolSide = false;    // the nibbled arc: G68 true, G78 false
-    std::string Scratch;      // work space of the block steps, no state of the pass
+    bool GridSet = false;          // a G98 has been read
+    bool ToolSide = false;         // the nibbled arc: G68 true, G78 false
+    std::string Scratch;           // work space of the block steps, no state of the pass
 };
 
 // The code that picks the class of each word: the G number, overridden by the codes present.

@@ -233,9 +233,14 @@ void BlendPass::ProfileArc(const std::string& block, bool g103) {
     int radiusSense = mirrorsEqual != g103 ? 1 : -1;
     ArcGeometry arc;
     switch (ArcThrough(s.BlendPrevX, s.BlendPrevY, s.BlendX, s.BlendY, r, i, j, centreSense, radiusSense, arc)) {
-    case ArcCheck::InvalidIJ: BlendError(block, pass_message::InvalidIJ, true); return;
-    case ArcCheck::InvalidR: BlendError(block, pass_message::InvalidR, true); return;
-    case ArcCheck::Ok: break;
+        case ArcCheck::InvalidIJ:
+            BlendError(block, pass_message::InvalidIJ, true);
+            return;
+        case ArcCheck::InvalidR:
+            BlendError(block, pass_message::InvalidR, true);
+            return;
+        case ArcCheck::Ok:
+            break;
     }
     const double radius = arc.Radius, centreX = arc.CentreX, centreY = arc.CentreY;
     const double startAngle = arc.StartAngle, sweep = arc.Sweep;

@@ -20,11 +20,11 @@ namespace kirvana {
 
 // The machine values and places the pass needs.
 struct BlendSettings {
-    MachineTravel Travel;                  // the load position (the card's Q10, Q11), the limits
-    float ProfilerValue = 0;               // degrees within which moves run on tangentially
+    MachineTravel Travel;     // the load position (the card's Q10, Q11), the limits
+    float ProfilerValue = 0;  // degrees within which moves run on tangentially
     std::int16_t MachineOrientation = 1;
-    std::string RootDir;                   // for "Blend.tmp"
-    std::string ServiceDir;                // for "Blend.txt" and LastFile.txt
+    std::string RootDir;     // for "Blend.tmp"
+    std::string ServiceDir;  // for "Blend.txt" and LastFile.txt
     // The report's time line, "dd/mm/yy hh:mm"; the local time when not set.
     std::function<std::string()> Now;
 };
@@ -65,7 +65,6 @@ struct BlendState {
     std::int32_t BlendBlockCount = 0;
     LastMoveRecord LastMove;
 };
-
 
 // One run of the pass over a motion text; the cycles live in blend_cycles.cpp.
 class BlendPass {
@@ -125,7 +124,7 @@ private:
     const BlendSettings& settings_;
     std::ostream* report_ = nullptr;
     std::string block_;  // the working block: no comment, no blanks, upper case
-    CodeIndex codes_;  // where the codes stand in the working block
+    CodeIndex codes_;    // where the codes stand in the working block
 };
 
 // What the pass gives, in the fields every pass reports with.

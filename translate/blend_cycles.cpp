@@ -114,10 +114,14 @@ namespace {
 
 const char* PatternMessage(PatternCheck check, const char* invalidHits) {
     switch (check) {
-        case PatternCheck::InvalidHits: return invalidHits;
-        case PatternCheck::NoHitsOrPitch: return pass_message::NoHitsOrPitch;
-        case PatternCheck::DivisionByZero: return pass_message::DivisionByZero;
-        case PatternCheck::Ok: break;
+        case PatternCheck::InvalidHits:
+            return invalidHits;
+        case PatternCheck::NoHitsOrPitch:
+            return pass_message::NoHitsOrPitch;
+        case PatternCheck::DivisionByZero:
+            return pass_message::DivisionByZero;
+        case PatternCheck::Ok:
+            break;
     }
     return nullptr;
 }

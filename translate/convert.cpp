@@ -24,9 +24,12 @@ ConvertSettings ConvertSettingsFrom(const MachineData& machine, const Directorie
 
 const char* ConvertStatusText(ConvertStatus status) {
     switch (status) {
-        case ConvertStatus::Done: return "converted";
-        case ConvertStatus::MissingProgram: return "the program file cannot be opened";
-        case ConvertStatus::FileFault: return "a work file cannot be opened or written";
+        case ConvertStatus::Done:
+            return "converted";
+        case ConvertStatus::MissingProgram:
+            return "the program file cannot be opened";
+        case ConvertStatus::FileFault:
+            return "a work file cannot be opened or written";
     }
     return "";
 }
@@ -64,6 +67,4 @@ ConvertResult ConvertProgram(std::string_view stem, std::int16_t& dialect, const
 
 }  // namespace kirvana
 
-namespace kirvana {
-
-}  // namespace kirvana
+namespace kirvana {}  // namespace kirvana

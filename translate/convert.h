@@ -39,12 +39,13 @@ struct ConvertResult {
     bool IntegerOverflow = false;  // a whole number (ROUND, count, N word) did not fit 16 bits
     float SheetX = 0;              // sheet size found in the main text's comments
     float SheetY = 0;
-    double NibbleStep = 2.5;       // the last P8 value at the end of the run
+    double NibbleStep = 2.5;  // the last P8 value at the end of the run
 };
 
 // The entry: `dialect` receives the detected dialect; an AMADA machine runs the AMADA
 // dialect pass (translate/amada.h) and gets 5.
-[[nodiscard]] ConvertResult ConvertProgram(std::string_view stem, std::int16_t& dialect, const ConvertSettings& settings);
+[[nodiscard]] ConvertResult ConvertProgram(std::string_view stem, std::int16_t& dialect,
+                                           const ConvertSettings& settings);
 
 // The text of a status for the operator.
 const char* ConvertStatusText(ConvertStatus status);

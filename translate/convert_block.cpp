@@ -2,7 +2,6 @@
 // completion steps it shares with the AMADA dialect pass.
 #include "translate/convert_steps.h"
 
-
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -177,8 +176,10 @@ std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::
     // 2. Subroutine text: the sequence word at the start goes, a leading "/" stays.
     if (!mainText) block = StripBlockNumber(block);
     // 3. The dialect's own forms: messages, program marks, subroutines and calls.
-    if (bracket) block = DialectRewriteBracket(block, context.Table, reader);
-    else if (Has(block, '(')) block = DialectRewritePlain(block, context.Table, reader);
+    if (bracket)
+        block = DialectRewriteBracket(block, context.Table, reader);
+    else if (Has(block, '('))
+        block = DialectRewritePlain(block, context.Table, reader);
     // 4. The comment goes to BlockComment.
     SplitComment(block, state.BlockComment, context.Dialect);
     // 5. Main text: the sheet size from the comment, until one has been found.
@@ -195,8 +196,10 @@ std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::
         if (Has(block, 'N')) {
             state.SequenceCount = reader.WordInteger(StripBlanks(block), 'N');
         } else {
-            if (state.SequenceCount == std::numeric_limits<std::int16_t>::max()) reader.IntegerOverflow = true;
-            else ++state.SequenceCount;
+            if (state.SequenceCount == std::numeric_limits<std::int16_t>::max())
+                reader.IntegerOverflow = true;
+            else
+                ++state.SequenceCount;
             block.insert(0, 1, ' ');
             block.insert(0, ZeroPad(state.SequenceCount, 4));
             block.insert(0, 1, 'N');

@@ -2,7 +2,6 @@
 // conditions and jumps, modal fills, the word ordering, the sheet size, comments and skips.
 #include "translate/convert_steps.h"
 
-
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -34,7 +33,6 @@ std::string RightTrim(std::string_view text) {
     while (end > 0 && (text[end - 1] == ' ' || text[end - 1] == '\t')) --end;
     return std::string(text.substr(0, end));
 }
-
 
 // The text of 1000 times a subroutine number: the label of its first block.
 std::string SubroutineLabel(std::int16_t number) { return "N" + LongText(1000 * static_cast<std::int32_t>(number)); }
@@ -188,8 +186,8 @@ std::string RewriteBracket(std::string_view line, const SubroutineTable& table, 
         std::int16_t count = reader->WordInteger(code, 'B');
         std::string newCode = code.substr(0, c);
         std::string upNew = UpperCase(newCode);
-        for (const char* word : {"G00", "G10", "G11", "G12", "G13", "G70", "G71", "G90", "G91", "M00", "M20",
-                                 "M50", "M60", "M75"}) {
+        for (const char* word :
+             {"G00", "G10", "G11", "G12", "G13", "G70", "G71", "G90", "G91", "M00", "M20", "M50", "M60", "M75"}) {
             if (Has(upCode, word) && !Has(upNew, word)) {
                 newCode += ' ';
                 newCode += word;
@@ -340,14 +338,18 @@ void ParameterFill(std::string& block, int first, int last, std::string_view val
 
 void StepFill(std::string& block, ConvertState& state) {
     if (Has(block, "P9=") || Has(block, "P7=")) return;
-    if (!Has(block, "P8=")) block += " P8=" + StepText(state.NibbleStep);
-    else state.NibbleStep = P8Value(block, state.Reader);
+    if (!Has(block, "P8="))
+        block += " P8=" + StepText(state.NibbleStep);
+    else
+        state.NibbleStep = P8Value(block, state.Reader);
 }
 
 void G65StepRule(std::string& block, ConvertState& state) {
     ReplaceFirst(block, "R", "P8=");
-    if (Has(block, "P8=")) state.NibbleStep = P8Value(block, state.Reader);
-    else block += " P8=" + StepText(state.NibbleStep);
+    if (Has(block, "P8="))
+        state.NibbleStep = P8Value(block, state.Reader);
+    else
+        block += " P8=" + StepText(state.NibbleStep);
 }
 
 namespace {
@@ -355,7 +357,6 @@ namespace {
 bool HasAxis(std::string_view block) {
     return Has(block, 'X') || Has(block, 'Y') || Has(block, 'H') || Has(block, 'V');
 }
-
 
 }  // namespace
 
@@ -463,13 +464,19 @@ int ParameterNumber(std::string_view block, std::size_t at, ValueReader& reader)
 int OrderingSlot(std::string_view block, std::size_t i, int current, ValueReader& reader) {
     char c = block[i];
     switch (c) {
-        case 'N': return 1;
-        case 'G': return 2;
+        case 'N':
+            return 1;
+        case 'G':
+            return 2;
         case 'T':
-        case 'S': return 4;
-        case 'M': return 5;
-        case 'P': return ParameterNumber(block, i, reader) < 13 ? 6 : current;
-        default: return (c >= 'A' && c <= 'Z') ? 3 : current;
+        case 'S':
+            return 4;
+        case 'M':
+            return 5;
+        case 'P':
+            return ParameterNumber(block, i, reader) < 13 ? 6 : current;
+        default:
+            return (c >= 'A' && c <= 'Z') ? 3 : current;
     }
 }
 
@@ -637,7 +644,6 @@ void SplitComment(std::string& block, std::string& comment, std::int16_t dialect
     block.resize(at);
     TrimInPlace(block);
 }
-
 
 void BlockSkipMarks(std::string& block) {
     if (block.starts_with("//") || block.starts_with("\\\\")) {

@@ -48,17 +48,17 @@ struct ConvertState {
     std::string BlockComment;
     std::string BlockBeforeMotion;
     bool UnknownBlock = false;
-    double NibbleStep = 2.5;          // kept across both block passes
+    double NibbleStep = 2.5;  // kept across both block passes
     float SheetX = 0;
     float SheetY = 0;
-    std::int16_t MotionMode = 0;      // 0 none, 1 G01, 2 G02, 3 G03
-    std::int16_t ArcMode = 0;         // 0 none, 1 G101, 2 G102 (G103 leaves 2 as well)
-    bool ProfilerMode = false;        // between M100 and M101
-    std::int16_t SequenceCount = 0;   // running block count of the A1 pass
-    ProgramParameters Parameters;     // P values the readers see (never assigned by this pass)
+    std::int16_t MotionMode = 0;     // 0 none, 1 G01, 2 G02, 3 G03
+    std::int16_t ArcMode = 0;        // 0 none, 1 G101, 2 G102 (G103 leaves 2 as well)
+    bool ProfilerMode = false;       // between M100 and M101
+    std::int16_t SequenceCount = 0;  // running block count of the A1 pass
+    ProgramParameters Parameters;    // P values the readers see (never assigned by this pass)
     ValueReader Reader{&Parameters};
-    CodeIndex Codes;                  // search aid, no state of the pass
-    std::string OrderingSlots[8];     // work space of the word ordering
+    CodeIndex Codes;               // search aid, no state of the pass
+    std::string OrderingSlots[8];  // work space of the word ordering
 };
 
 // What the per-block function needs besides the state.

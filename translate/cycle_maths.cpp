@@ -53,7 +53,8 @@ PatternCheck CompleteGrid(GridPattern& g, int& rows) {
         rows = g.P3;
     } else if (*row || *column) {
         // One only: a single column is a single row turned by 90 degrees.
-        if ((*row && (g.MirrorX || g.MirrorY)) || (*column && g.MirrorY)) g.P5 = MirrorAngle(g.P5, g.MirrorX, g.MirrorY);
+        if ((*row && (g.MirrorX || g.MirrorY)) || (*column && g.MirrorY))
+            g.P5 = MirrorAngle(g.P5, g.MirrorX, g.MirrorY);
         if (*column) {
             g.P5 = NormaliseAngle(g.P5 + 90);
             SwapValues(g.P2, g.P4);
@@ -81,9 +82,12 @@ PatternCheck CompleteArc(ArcPattern& a) {
         a.Sweep = a.P5;
     } else if (a.P4Given) {
         a.P4 = NormaliseAngle(a.P4);
-        if (a.P2 < 0) a.Sweep = std::fabs(a.P4 - a.P3) < 0.1 ? -360 : (a.P3 > a.P4 ? a.P4 - a.P3 : a.P4 - (a.P3 + 360));
-        else if (a.P2 > 0) a.Sweep = std::fabs(a.P4 - a.P3) < 0.1 ? 360 : (a.P3 < a.P4 ? a.P4 - a.P3 : (a.P4 + 360) - a.P3);
-        else a.Sweep = 360;
+        if (a.P2 < 0)
+            a.Sweep = std::fabs(a.P4 - a.P3) < 0.1 ? -360 : (a.P3 > a.P4 ? a.P4 - a.P3 : a.P4 - (a.P3 + 360));
+        else if (a.P2 > 0)
+            a.Sweep = std::fabs(a.P4 - a.P3) < 0.1 ? 360 : (a.P3 < a.P4 ? a.P4 - a.P3 : (a.P4 + 360) - a.P3);
+        else
+            a.Sweep = 360;
     } else if (a.P2 != 0) {
         a.Sweep = a.P1 < 1 ? Sign(a.P2) * 360 : (a.P1 - 1) * a.P2;
     } else {

@@ -1,8 +1,8 @@
 #include "translate/line_files.h"
 
+#include <sys/types.h>
 #include <cstdlib>
 #include <cstring>
-#include <sys/types.h>
 
 namespace kirvana {
 

@@ -24,9 +24,9 @@ public:
 
 private:
     std::FILE* file_ = nullptr;
-    std::string buffer_;     // text read from the file; what is not handed out yet starts at start_
+    std::string buffer_;  // text read from the file; what is not handed out yet starts at start_
     std::size_t start_ = 0;
-    bool end_ = false;       // the file has nothing more to read
+    bool end_ = false;  // the file has nothing more to read
 };
 
 }  // namespace kirvana

@@ -25,8 +25,10 @@ void TranslationRun::NoteOverflow(const char* extension, long lineNumber) {
 }
 
 void TranslationRun::NoteCount(std::int16_t& count) {
-    if (count == std::numeric_limits<std::int16_t>::max()) State.Reader.IntegerOverflow = true;
-    else ++count;
+    if (count == std::numeric_limits<std::int16_t>::max())
+        State.Reader.IntegerOverflow = true;
+    else
+        ++count;
 }
 
 bool TranslationRun::Detect(std::int16_t& dialect) {
@@ -103,8 +105,10 @@ bool TranslationRun::Split(bool bracket) {
     std::string_view raw;
     while (in.Next(raw)) {
         ++lineNumber;
-        if (bracket) SplitBracketLine(files, Trim(raw));
-        else SplitPlainLine(files, Trim(raw));
+        if (bracket)
+            SplitBracketLine(files, Trim(raw));
+        else
+            SplitPlainLine(files, Trim(raw));
         NoteOverflow("org", lineNumber);
     }
     if (in.Failed()) return Fail(ConvertStatus::FileFault, org);

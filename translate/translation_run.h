@@ -56,8 +56,7 @@ struct TranslationRun {
 
     // Runs `block` (state, context, line) -> text over every line of `from`, writing `to`.
     template <class PerBlock>
-    bool BlockPassFile(const char* from, const char* to, BlockPass pass, const BlockContext& context,
-                       PerBlock block) {
+    bool BlockPassFile(const char* from, const char* to, BlockPass pass, const BlockContext& context, PerBlock block) {
         const std::string source = File(from);
         NoteFile(Settings.ServiceDir, source);
         LineReader in(source);

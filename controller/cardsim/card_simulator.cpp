@@ -34,9 +34,7 @@ int MotorQuery(const std::string& t, const char* suffix) {
     return t[1] - '1';
 }
 
-std::string ValueText(double v) {
-    return FormatNumber(v, -1);
-}
+std::string ValueText(double v) { return FormatNumber(v, -1); }
 
 const std::string Error003 = std::string(1, pmac::Bell) + "ERR003" + pmac::Cr;
 
@@ -67,7 +65,8 @@ double CardSimulator::Evaluate(const std::string& expression, bool& ok) {
         while (i < expression.size() && std::string("|&+-*/").find(expression[i]) == std::string::npos) ++i;
         std::string operand = expression.substr(start, i - start);
         double value;
-        if (IsVariableName(operand)) value = Slot(operand);
+        if (IsVariableName(operand))
+            value = Slot(operand);
         else if (!operand.empty() && (IsDigit(operand.back()) || operand.back() == '.') &&
                  operand.find_first_not_of("+-.0123456789") == std::string::npos)
             value = ToNumber(operand);
@@ -76,13 +75,27 @@ double CardSimulator::Evaluate(const std::string& expression, bool& ok) {
             break;
         }
         switch (op) {
-            case '=': result = value; break;
-            case '+': result += value; break;
-            case '-': result -= value; break;
-            case '*': result *= value; break;
-            case '/': result = value == 0 ? 0 : result / value; break;
-            case '|': result = static_cast<double>(Whole(result) | Whole(value)); break;
-            case '&': result = static_cast<double>(Whole(result) & Whole(value)); break;
+            case '=':
+                result = value;
+                break;
+            case '+':
+                result += value;
+                break;
+            case '-':
+                result -= value;
+                break;
+            case '*':
+                result *= value;
+                break;
+            case '/':
+                result = value == 0 ? 0 : result / value;
+                break;
+            case '|':
+                result = static_cast<double>(Whole(result) | Whole(value));
+                break;
+            case '&':
+                result = static_cast<double>(Whole(result) & Whole(value));
+                break;
         }
         if (i < expression.size()) op = expression[i++];
         if (i == expression.size() && op != '=' && expression.back() == op) ok = false;  // trailing operator
@@ -377,7 +390,8 @@ std::string CardSimulator::Command(const std::string& line) {
         return out + "(" + std::to_string(Received().size()) + " commands)";
     }
     return "commands: set NAME VALUE | get NAME | raise BITS | station N | hit [N] | hold MS | slow MS | drop | "
-           "reject [TEXT] | motor N POSITION [FOLLOWING] | axis N DEFINITION | pc PROGRAM WORD | program N | start | feedhold | "
+           "reject [TEXT] | motor N POSITION [FOLLOWING] | axis N DEFINITION | pc PROGRAM WORD | program N | start | "
+           "feedhold | "
            "abort | speed BLOCKS_PER_S | walk STEPS | optional on|off | run | log | quit";
 }
 
@@ -407,10 +421,17 @@ void CardSimulator::ShowRunLocked(const ProgramRun::Events& events) {
     shownState_ = state;
     std::int64_t status = Whole(Slot("P1022")) & ~std::int64_t{16384 | 8192 | 4096 | 2048};
     switch (state) {
-        case ProgramRun::State::Running: status |= 16384 | 8192; break;
-        case ProgramRun::State::Feedhold: status |= 16384 | 8192 | 2048; break;
-        case ProgramRun::State::Stopped: status |= 8192 | 4096; break;
-        case ProgramRun::State::Idle: break;
+        case ProgramRun::State::Running:
+            status |= 16384 | 8192;
+            break;
+        case ProgramRun::State::Feedhold:
+            status |= 16384 | 8192 | 2048;
+            break;
+        case ProgramRun::State::Stopped:
+            status |= 8192 | 4096;
+            break;
+        case ProgramRun::State::Idle:
+            break;
     }
     Slot("P1022") = static_cast<double>(status);
 }
@@ -606,10 +627,18 @@ void CardSimulator::ServeClient(int client) {
         if (slow > 0) std::this_thread::sleep_for(std::chrono::milliseconds(slow));
         bool ok = true;
         switch (h.Request) {
-            case pmac::VrPmacFlush: ok = sendAll(std::string(1, '@')); break;
-            case pmac::VrPmacGetResponse: ok = sendAll(Execute(data)); break;
-            case pmac::VrPmacWriteBuffer: ok = sendAll(pmac::EncodeWriteStatus(WriteBuffer(data))); break;
-            default: ok = sendAll(Error003); break;
+            case pmac::VrPmacFlush:
+                ok = sendAll(std::string(1, '@'));
+                break;
+            case pmac::VrPmacGetResponse:
+                ok = sendAll(Execute(data));
+                break;
+            case pmac::VrPmacWriteBuffer:
+                ok = sendAll(pmac::EncodeWriteStatus(WriteBuffer(data)));
+                break;
+            default:
+                ok = sendAll(Error003);
+                break;
         }
         if (!ok) return;
     }

@@ -40,18 +40,18 @@ public:
     // Scripting.
     void SetVariable(const std::string& name, double value);
     double Variable(const std::string& name);
-    void RaiseStatusBits(std::int64_t bits);                  // P1022 |= bits
-    void SetStation(int station);                             // M802 and the new-station bit
-    void StepHits(int hits);                                  // M869 += hits
-    void HoldNextAnswer(int ms);                              // delays the next answer
-    void HoldEveryAnswer(int ms);                             // a slow card: every answer late (0: none)
-    void DropNextDownload();                                  // closes the connection at the next download buffer
-    void Reject(const std::string& text);                     // ERR003 to every line holding it ("": none)
+    void RaiseStatusBits(std::int64_t bits);  // P1022 |= bits
+    void SetStation(int station);             // M802 and the new-station bit
+    void StepHits(int hits);                  // M869 += hits
+    void HoldNextAnswer(int ms);              // delays the next answer
+    void HoldEveryAnswer(int ms);             // a slow card: every answer late (0: none)
+    void DropNextDownload();                  // closes the connection at the next download buffer
+    void Reject(const std::string& text);     // ERR003 to every line holding it ("": none)
     void SetMotor(int motor, double position, double followingError);
     void SetAxisDefinition(int motor, const std::string& definition);
     void SetProgramCounter(int program, int word);
-    std::vector<std::string> Program(int number);             // a stored motion program
-    std::vector<std::string> Received();                      // every command, in order
+    std::vector<std::string> Program(int number);  // a stored motion program
+    std::vector<std::string> Received();           // every command, in order
     void ClearReceived();
     // Running programs: where the steps of a program come from, and the speed in blocks per
     // second at a feed override of 100 (100: real time).
@@ -103,7 +103,7 @@ private:
     std::string reject_;
     ProgramRun run_;
     RunPlanSource planSource_;
-    int pointedProgram_ = 1;                      // the program "B" points at
+    int pointedProgram_ = 1;  // the program "B" points at
     ProgramRun::State shownState_ = ProgramRun::State::Idle;
 
     int listener_ = -1;

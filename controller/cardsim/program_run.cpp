@@ -79,7 +79,8 @@ ProgramRun::Events ProgramRun::Walk(double budget) {
         Place();
         const RunStep& done = plan_[step_];
         events.Hits += done.Hits;
-        bool stops = done.Stop == RunStep::StopKind::Program || (done.Stop == RunStep::StopKind::Optional && optionalStop_);
+        bool stops =
+            done.Stop == RunStep::StopKind::Program || (done.Stop == RunStep::StopKind::Optional && optionalStop_);
         progress_ = 0;
         if (++step_ == plan_.size()) {
             state_ = State::Idle;

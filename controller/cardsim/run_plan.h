@@ -11,11 +11,11 @@ namespace kirvana {
 
 struct RunStep {
     enum class StopKind { None, Program, Optional };  // M00, M01
-    int Program = 1;       // the card program executing the step (1-4): main program or subroutines
-    int Word = 0;          // the program counter's word while the step runs
-    double X = 0, Y = 0;   // where the machine stands when the step ends, mm
-    int Hits = 0;          // hits made at the end of the step
-    int Station = 0;       // a new station at the start of the step; 0: none
+    int Program = 1;      // the card program executing the step (1-4): main program or subroutines
+    int Word = 0;         // the program counter's word while the step runs
+    double X = 0, Y = 0;  // where the machine stands when the step ends, mm
+    int Hits = 0;         // hits made at the end of the step
+    int Station = 0;      // a new station at the start of the step; 0: none
     StopKind Stop = StopKind::None;
 };
 

@@ -43,13 +43,15 @@ void AddF32(std::vector<Field>& f, std::string name, std::size_t at, std::functi
 }
 void AddText(std::vector<Field>& f, std::string name, std::size_t at, std::size_t width,
              std::function<std::string&(EntityRec&)> get) {
-    f.push_back({std::move(name), at, width, Type::Text, [get, width](EntityRec& r) { get(r) = std::string(width, 'x'); }});
+    f.push_back(
+        {std::move(name), at, width, Type::Text, [get, width](EntityRec& r) { get(r) = std::string(width, 'x'); }});
 }
 void AddPoint(std::vector<Field>& f, const std::string& name, std::size_t at, std::function<PointF&(EntityRec&)> get) {
     AddF32(f, name + ".X", at, [get](EntityRec& r) -> float& { return get(r).X; });
     AddF32(f, name + ".Y", at + 4, [get](EntityRec& r) -> float& { return get(r).Y; });
 }
-void AddSubCall(std::vector<Field>& f, const std::string& name, std::size_t at, std::function<SubCall&(EntityRec&)> get) {
+void AddSubCall(std::vector<Field>& f, const std::string& name, std::size_t at,
+                std::function<SubCall&(EntityRec&)> get) {
     AddText(f, name + ".Block", at + 0, 250, [get](EntityRec& r) -> std::string& { return get(r).Block; });
     AddI16(f, name + ".CallCode", at + 250, [get](EntityRec& r) -> std::int16_t& { return get(r).CallCode; });
     AddI16(f, name + ".Label", at + 252, [get](EntityRec& r) -> std::int16_t& { return get(r).Label; });
@@ -141,14 +143,22 @@ TEST(EntityLayout, EveryFieldAtItsOffsetWithItsWidth) {
         }
         // And they hold the value, little-endian.
         switch (field.Kind) {
-        case Type::I16: EXPECT_EQ(LittleEndian(bytes, field.Offset, 2), 0x1234u); break;
-        case Type::I32: EXPECT_EQ(LittleEndian(bytes, field.Offset, 4), 0x12345678u); break;
-        case Type::F32: EXPECT_EQ(LittleEndian(bytes, field.Offset, 4), std::bit_cast<std::uint32_t>(MarkF32)); break;
-        case Type::Text:
-            EXPECT_EQ(std::string(bytes.begin() + field.Offset, bytes.begin() + field.Offset + field.Width),
-                      std::string(field.Width, 'x'));
-            break;
-        case Type::Char: EXPECT_EQ(bytes[field.Offset], 'Q'); break;
+            case Type::I16:
+                EXPECT_EQ(LittleEndian(bytes, field.Offset, 2), 0x1234u);
+                break;
+            case Type::I32:
+                EXPECT_EQ(LittleEndian(bytes, field.Offset, 4), 0x12345678u);
+                break;
+            case Type::F32:
+                EXPECT_EQ(LittleEndian(bytes, field.Offset, 4), std::bit_cast<std::uint32_t>(MarkF32));
+                break;
+            case Type::Text:
+                EXPECT_EQ(std::string(bytes.begin() + field.Offset, bytes.begin() + field.Offset + field.Width),
+                          std::string(field.Width, 'x'));
+                break;
+            case Type::Char:
+                EXPECT_EQ(bytes[field.Offset], 'Q');
+                break;
         }
         // Read back, the record writes the same bytes again.
         EntityRec back;

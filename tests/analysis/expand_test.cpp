@@ -238,8 +238,8 @@ TEST(ExpandDrawing, GeneratedPunchCarriesThePatternsFieldsAndIsOutlined) {
     EXPECT_EQ(hit.Compensation, 0);
     EXPECT_EQ(hit.RecordNo, 0);
     // ToolOutline: every point the position, the clear box 10 round it for D1 20.
-    for (const PointF* p : {&hit.Points.Start, &hit.Points.Middle, &hit.Points.End, &hit.Points.Entry,
-                            &hit.Points.Exit}) {
+    for (const PointF* p :
+         {&hit.Points.Start, &hit.Points.Middle, &hit.Points.End, &hit.Points.Entry, &hit.Points.Exit}) {
         EXPECT_EQ(p->X, 35);
         EXPECT_EQ(p->Y, 20);
     }

@@ -1,9 +1,9 @@
 // The office seat's drawing and expand commands, run as an operator runs them.
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
 #include <cstdio>
 #include <string>
-#include <sys/wait.h>
 
 #include "analysis/drawing_file.h"
 #include "analysis/drawing_listing.h"

@@ -1,12 +1,12 @@
 // The office seat's reverse command on the demo installation, run as an operator runs it.
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <sys/wait.h>
 
 #include "analysis/drawing_file.h"
 #include "tests/core/temp_dir.h"
@@ -71,8 +71,9 @@ TEST(OfficeReverse, CriticalErrorsGiveExitCodeOne) {
     OfficeRun reverse = Office("reverse " + dir.Path() + "Slot. --root " + root + " --program PART --dir DEMO");
     EXPECT_EQ(reverse.Code, 1);
     EXPECT_EQ(reverse.Output, "critical errors: 1\nrecords: 1\n");
-    EXPECT_NE(ReadText(root + "/Service/Reverse.txt").find("****** CRITICAL ERROR ******\nInvalid number of Hits (P1)\n"),
-              std::string::npos);
+    EXPECT_NE(
+        ReadText(root + "/Service/Reverse.txt").find("****** CRITICAL ERROR ******\nInvalid number of Hits (P1)\n"),
+        std::string::npos);
 }
 
 TEST(OfficeReverse, BadUsageAndMissingFiles) {

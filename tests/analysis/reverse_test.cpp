@@ -68,7 +68,8 @@ std::string Kind(const EntityRec& rec) { return rec.KindName.substr(0, rec.KindN
 // Edge cases
 
 TEST(ReversePass, HeaderOnlyGivesRecordOneAndAnEmptyBody) {
-    PassRun run = Reverse("N0001 ;MATERIAL : MILD STEEL 2MM\nN0002 ;SHEET SIZE : 2500 x 1250\nN0003 ;CLAMPS : 1=300 2=900\n");
+    PassRun run =
+        Reverse("N0001 ;MATERIAL : MILD STEEL 2MM\nN0002 ;SHEET SIZE : 2500 x 1250\nN0003 ;CLAMPS : 1=300 2=900\n");
     EXPECT_EQ(run.Result.Result, 0);
     ASSERT_EQ(run.Records.size(), 1u);
     EXPECT_EQ(run.Records[0].Kind, EntityKind::Sheet);
@@ -79,8 +80,7 @@ TEST(ReversePass, HeaderOnlyGivesRecordOneAndAnEmptyBody) {
     EXPECT_FLOAT_EQ(run.Records[0].Values[7], 300);
     EXPECT_FLOAT_EQ(run.Records[0].Values[8], 900);
     EXPECT_EQ(run.Records[0].Remark.substr(0, 16), "MILD STEEL 2MM  ");
-    EXPECT_EQ(run.Report,
-              "Material :  MILD STEEL 2MM\nSheet Size :  2500x1250\nClamps :  300 & 900\n******\n");
+    EXPECT_EQ(run.Report, "Material :  MILD STEEL 2MM\nSheet Size :  2500x1250\nClamps :  300 & 900\n******\n");
 }
 
 TEST(ReversePass, NoMotionGivesOneRecord) {
@@ -90,7 +90,8 @@ TEST(ReversePass, NoMotionGivesOneRecord) {
 }
 
 TEST(ReversePass, SecondG70DoesNotScaleTheSheetAgain) {
-    PassRun run = Reverse("N0001 ;SHEET SIZE : 100 x 50\nN0002 ;CLAMPS : 1=10 2=20\nN0003 G70 G90\nN0004 G71\nN0005 G70\n");
+    PassRun run =
+        Reverse("N0001 ;SHEET SIZE : 100 x 50\nN0002 ;CLAMPS : 1=10 2=20\nN0003 G70 G90\nN0004 G71\nN0005 G70\n");
     EXPECT_FLOAT_EQ(run.Records[0].Values[1], 2540);
     EXPECT_FLOAT_EQ(run.Records[0].Values[2], 1270);
     EXPECT_FLOAT_EQ(run.Records[0].Values[7], 254);
@@ -103,8 +104,7 @@ TEST(ReversePass, SecondG70DoesNotScaleTheSheetAgain) {
 }
 
 TEST(ReversePass, G68RepeatWalksTheBodyThreeTimes) {
-    PassRun run = Reverse("N0001 G90 T1\nN0002 G68 X100 Y100 S1 Q3\nN0003 M30\n",
-                      "N1000 G91 G81 X10\nRETURN\n");
+    PassRun run = Reverse("N0001 G90 T1\nN0002 G68 X100 Y100 S1 Q3\nN0003 M30\n", "N1000 G91 G81 X10\nRETURN\n");
     ASSERT_EQ(run.Records.size(), 4u);
     const std::int16_t states[3] = {3, 2, 1};
     for (int k = 0; k < 3; ++k) {
@@ -124,8 +124,8 @@ TEST(ReversePass, G68RepeatWalksTheBodyThreeTimes) {
 }
 
 TEST(ReversePass, G98WalksSixCopiesInASnake) {
-    PassRun run = Reverse("N0001 G90 T1\nN0002 P1=3 P2=100 P3=2 P4=50 P6=0 G98 X10 Y20 S1\n",
-                      "N1000 G81 X0 Y0\nRETURN\n");
+    PassRun run =
+        Reverse("N0001 G90 T1\nN0002 P1=3 P2=100 P3=2 P4=50 P6=0 G98 X10 Y20 S1\n", "N1000 G81 X0 Y0\nRETURN\n");
     ASSERT_EQ(run.Records.size(), 7u);
     const double xs[6] = {10, 110, 210, 210, 110, 10};
     const double ys[6] = {20, 20, 20, 70, 70, 70};
@@ -135,8 +135,8 @@ TEST(ReversePass, G98WalksSixCopiesInASnake) {
         EXPECT_EQ(run.Records[1 + k].CallSpec.CallCode, 98);
     }
     // Columns first with P6=1.
-    PassRun columns = Reverse("N0001 G90 T1\nN0002 P1=3 P2=100 P3=2 P4=50 P6=1 G98 X10 Y20 S1\n",
-                          "N1000 G81 X0 Y0\nRETURN\n");
+    PassRun columns =
+        Reverse("N0001 G90 T1\nN0002 P1=3 P2=100 P3=2 P4=50 P6=1 G98 X10 Y20 S1\n", "N1000 G81 X0 Y0\nRETURN\n");
     ASSERT_EQ(columns.Records.size(), 7u);
     const double cx[6] = {10, 10, 110, 110, 210, 210};
     const double cy[6] = {20, 70, 70, 20, 20, 70};
@@ -147,8 +147,9 @@ TEST(ReversePass, G98WalksSixCopiesInASnake) {
 }
 
 TEST(ReversePass, LimitWarningsAtMostOncePerAxis) {
-    PassRun run = Reverse("N0001 G90 T1\nN0002 G81 X3000 Y100\nN0003 G81 X-100 Y2000\nN0004 G26 X2600 Y1300 P1=5 P2=10 "
-                      "P3=3 P4=10\nN0005 G81 X4000 Y4000\n");
+    PassRun run = Reverse(
+        "N0001 G90 T1\nN0002 G81 X3000 Y100\nN0003 G81 X-100 Y2000\nN0004 G26 X2600 Y1300 P1=5 P2=10 "
+        "P3=3 P4=10\nN0005 G81 X4000 Y4000\n");
     EXPECT_EQ(Count(run.Report, "Out of limits in X"), 1);
     EXPECT_EQ(Count(run.Report, "Out of limits in Y"), 1);
     EXPECT_EQ(run.Result.Result, 0);  // warnings don't bar the program
@@ -196,8 +197,9 @@ TEST(ReversePass, AutoindexToolCarriesTheCAngle) {
 }
 
 TEST(ReversePass, StatisticsCountHitsTravelAndCut) {
-    PassRun run = Reverse("N0001 G90 T1\nN0002 G81 X0 Y1000\nN0003 G81 X30 Y1040\nN0004 G80 X130 Y1040\n"
-                      "N0005 M100\nN0006 M03\nN0007 G101 X130 Y1140\n");
+    PassRun run = Reverse(
+        "N0001 G90 T1\nN0002 G81 X0 Y1000\nN0003 G81 X30 Y1040\nN0004 G80 X130 Y1040\n"
+        "N0005 M100\nN0006 M03\nN0007 G101 X130 Y1140\n");
     EXPECT_EQ(run.Result.Stats.Hits, 2);
     // 250 from the load position to the first hit, 50 to the second, 100 moved.
     EXPECT_FLOAT_EQ(run.Result.Stats.Travel, 400);
@@ -209,8 +211,9 @@ TEST(ReversePass, StatisticsCountHitsTravelAndCut) {
 }
 
 TEST(ReversePass, StopsAndDwellAndReposition) {
-    PassRun run = Reverse("N0001 G90 T1 G80 X50 Y60\nN0002 M00\nN0003 M01\nN0004 G04 X2.5\nN0005 G95 I500 J8 K2\n"
-                      "N0006 G81 X-400 Y60\n");
+    PassRun run = Reverse(
+        "N0001 G90 T1 G80 X50 Y60\nN0002 M00\nN0003 M01\nN0004 G04 X2.5\nN0005 G95 I500 J8 K2\n"
+        "N0006 G81 X-400 Y60\n");
     ASSERT_EQ(run.Records.size(), 7u);
     EXPECT_EQ(Kind(run.Records[2]), "Program Stop");
     EXPECT_EQ(run.Records[2].Counts[1], 0);
@@ -242,8 +245,9 @@ TEST(ReversePass, FullCircleProfileIsTwoHalfArcs) {
 }
 
 TEST(ReversePass, MirrorsTurnPositionsAndAngles) {
-    PassRun run = Reverse("N0001 G90 T1 G56 X500 Y500\nN0002 M11\nN0003 G81 X100 Y50\nN0004 M13\nN0005 G81 X100 Y50\n"
-                      "N0006 M100 M10\nN0007 M101\nN0008 G81 X100 Y50\n");
+    PassRun run = Reverse(
+        "N0001 G90 T1 G56 X500 Y500\nN0002 M11\nN0003 G81 X100 Y50\nN0004 M13\nN0005 G81 X100 Y50\n"
+        "N0006 M100 M10\nN0007 M101\nN0008 G81 X100 Y50\n");
     ASSERT_EQ(run.Records.size(), 4u);
     EXPECT_NEAR(run.Records[1].Points.Position.X, 400, Near);
     EXPECT_NEAR(run.Records[1].Points.Position.Y, 550, Near);
@@ -266,8 +270,9 @@ TEST(ReversePass, InchWordsAreMillimetresInTheRecords) {
 
 TEST(ReversePass, NibbledLineCounts) {
     // 25 at 10 is not whole: 4 hits at 8.3333.
-    PassRun run = Reverse("N0001 G90 T1 G80 X100 Y100\nN0002 P8=10 G01 X125 Y100\nN0003 P8=-5 G01 X135 Y100\n"
-                      "N0004 G01 X135 Y100\n");
+    PassRun run = Reverse(
+        "N0001 G90 T1 G80 X100 Y100\nN0002 P8=10 G01 X125 Y100\nN0003 P8=-5 G01 X135 Y100\n"
+        "N0004 G01 X135 Y100\n");
     ASSERT_EQ(run.Records.size(), 4u);
     EXPECT_EQ(run.Records[2].Counts[1], 4);
     EXPECT_FLOAT_EQ(run.Records[2].Values[2], 8.3333f);
@@ -280,8 +285,9 @@ TEST(ReversePass, NibbledLineCounts) {
 }
 
 TEST(ReversePass, NibbledArcByCentreAndByRadius) {
-    PassRun run = Reverse("N0001 G90 T1 G80 X100 Y100\nN0002 P8=5 P10=1 G03 X0 Y100 I-50 J0\n"
-                      "N0003 P8=5 G02 X100 Y100 R50\nN0004 P8=5 G02 X300 Y100 R10\n");
+    PassRun run = Reverse(
+        "N0001 G90 T1 G80 X100 Y100\nN0002 P8=5 P10=1 G03 X0 Y100 I-50 J0\n"
+        "N0003 P8=5 G02 X100 Y100 R50\nN0004 P8=5 G02 X300 Y100 R10\n");
     ASSERT_EQ(run.Records.size(), 4u);
     const EntityRec& ccw = run.Records[2];
     EXPECT_EQ(Kind(ccw), "Arc Pattern");
@@ -296,7 +302,6 @@ TEST(ReversePass, NibbledArcByCentreAndByRadius) {
     EXPECT_NE(run.Report.find("Non-Interpolated Arc (Invalid R)\nN0004"), std::string::npos);
 }
 
-
 TEST(ReversePass, NibbledArcWithoutP10KeepsItsLastHit) {
     // A quarter circle of radius 10 at 5: 15.7 mm, 3.14 steps, 5 hits.
     PassRun run = Reverse("N0001 G90 T1 G80 X100 Y100\nN0002 P8=5 G03 X90 Y110 I-10 J0\n");
@@ -308,14 +313,15 @@ TEST(ReversePass, NibbledArcWithoutP10KeepsItsLastHit) {
 }
 
 TEST(ReversePass, ArcPatternToolTurnsUnlessP10IsAboveZero) {
-    PassRun run = Reverse("N0001 G90 T1 G80 X500 Y400\n"
-                          "N0002 G37 R30 P1=90 P5=45 P8=3 P10=-999\n"
-                          "N0003 G37 R30 P1=90 P5=45 P8=3 P10=1\n"
-                          "N0004 G37 R30 P1=90 P5=45 P8=3 P10=0\n"
-                          "N0005 G64 J60 A15 B6\n"
-                          "N0006 G80 X500 Y400\nN0007 P8=5 G02 X520 Y400 I10 J0\n"
-                          "N0008 P8=5 P10=1 G03 X500 Y400 I-10 J0\n"
-                          "N0009 G28 R50 P1=5 P2=20 P3=10 P10=-999\n");
+    PassRun run = Reverse(
+        "N0001 G90 T1 G80 X500 Y400\n"
+        "N0002 G37 R30 P1=90 P5=45 P8=3 P10=-999\n"
+        "N0003 G37 R30 P1=90 P5=45 P8=3 P10=1\n"
+        "N0004 G37 R30 P1=90 P5=45 P8=3 P10=0\n"
+        "N0005 G64 J60 A15 B6\n"
+        "N0006 G80 X500 Y400\nN0007 P8=5 G02 X520 Y400 I10 J0\n"
+        "N0008 P8=5 P10=1 G03 X500 Y400 I-10 J0\n"
+        "N0009 G28 R50 P1=5 P2=20 P3=10 P10=-999\n");
     ASSERT_EQ(run.Records.size(), 10u);
     // P10 -999 (not set), 1, 0; G64 without P10; G02 without, G03 with 1; G28 with -999.
     std::vector<int> turns;
@@ -326,8 +332,9 @@ TEST(ReversePass, ArcPatternToolTurnsUnlessP10IsAboveZero) {
 
 TEST(ReversePass, RepositionChecksTheLimitsAtItsBlockAndKeepsKUnset) {
     // At X 2000 the sheet moves by 1000: the X limits become -1025 to 1540.
-    PassRun run = Reverse("N0001 G90 T1 G80 X2000 Y60\nN0002 G95 I1000 J2 K-999\nN0003 G95 I0 J2\n"
-                          "N0004 G95 I0 J2 K3\n");
+    PassRun run = Reverse(
+        "N0001 G90 T1 G80 X2000 Y60\nN0002 G95 I1000 J2 K-999\nN0003 G95 I0 J2\n"
+        "N0004 G95 I0 J2 K3\n");
     ASSERT_EQ(run.Records.size(), 5u);
     EXPECT_NE(run.Report.find("Out of limits in X\nN0002 G95"), std::string::npos);
     EXPECT_FLOAT_EQ(run.Records[2].Values[6], -999);
@@ -342,8 +349,9 @@ TEST(ReversePass, BlocksAreReadWithTheirBlanks) {
     ASSERT_EQ(run.Records.size(), 2u);
     EXPECT_EQ(Kind(run.Records[1]), "Punch");
     // Conditions and jumps read as before with their blanks.
-    PassRun jump = Reverse("N0001 G90 T1\nN0002 P12=0\nN0003 IF ( P12 = 0 ) GOTO 5\nN0004 G81 X1 Y1\n"
-                           "N0005 G81 X2 Y2\nN0006 GOTO  N8\nN0007 G81 X3 Y3\nN0008 G81 X4 Y4\n");
+    PassRun jump = Reverse(
+        "N0001 G90 T1\nN0002 P12=0\nN0003 IF ( P12 = 0 ) GOTO 5\nN0004 G81 X1 Y1\n"
+        "N0005 G81 X2 Y2\nN0006 GOTO  N8\nN0007 G81 X3 Y3\nN0008 G81 X4 Y4\n");
     ASSERT_EQ(jump.Records.size(), 3u);
     EXPECT_NEAR(jump.Records[1].Points.Position.X, 2, Near);
     EXPECT_NEAR(jump.Records[2].Points.Position.X, 4, Near);
@@ -358,8 +366,9 @@ TEST(ReversePass, RecordsBeyond32767AreReportedOnce) {
 }
 
 TEST(ReversePass, FlipAndLoadPositionWithStation) {
-    PassRun run = Reverse("N0001 G90 T1 G80 X50 Y60\nN0002 M55 I1 J0 A90\nN0003 M60 Y600 T5\nN0004 G81 X10 Y10\n"
-                          "N0005 M50\n");
+    PassRun run = Reverse(
+        "N0001 G90 T1 G80 X50 Y60\nN0002 M55 I1 J0 A90\nN0003 M60 Y600 T5\nN0004 G81 X10 Y10\n"
+        "N0005 M50\n");
     ASSERT_EQ(run.Records.size(), 6u);
     EXPECT_EQ(Kind(run.Records[2]), "Flip / Rotate");
     EXPECT_EQ(run.Records[2].Counts[1], -1);
@@ -374,12 +383,12 @@ TEST(ReversePass, FlipAndLoadPositionWithStation) {
     EXPECT_EQ(run.Records[5].Counts[1], 0);
 }
 
-
 TEST(ReversePass, OddCornersOfThePositionFollowedAsWritten) {
     // G72 leaves the position alone; C words add up even in absolute mode; G66 leaves the
     // machine at 0, 0.
-    PassRun run = Reverse("N0001 G90 T20 G80 X100 Y100\nN0002 G72 X300 Y300\nN0003 G81 C10\nN0004 G81 C10\n"
-                          "N0005 IF (1 = 1) ABORT\nN0006 G81 X5 Y5\n");
+    PassRun run = Reverse(
+        "N0001 G90 T20 G80 X100 Y100\nN0002 G72 X300 Y300\nN0003 G81 C10\nN0004 G81 C10\n"
+        "N0005 IF (1 = 1) ABORT\nN0006 G81 X5 Y5\n");
     ASSERT_EQ(run.Records.size(), 5u);
     EXPECT_NEAR(run.Records[2].Points.Position.X, 100, Near);
     EXPECT_FLOAT_EQ(run.Records[2].Tool.Extra1, 10);
@@ -389,8 +398,8 @@ TEST(ReversePass, OddCornersOfThePositionFollowedAsWritten) {
 }
 
 TEST(ReversePass, JumpInsideASubroutineRestartsItsFile) {
-    PassRun run = Reverse("N0001 G90 T1\nN0002 G68 X0 Y0 S1 Q1\n",
-                          "N1000 GOTO 1005\nN1001 G81 X1 Y1\nN1005 G81 X2 Y2\nRETURN\n");
+    PassRun run =
+        Reverse("N0001 G90 T1\nN0002 G68 X0 Y0 S1 Q1\n", "N1000 GOTO 1005\nN1001 G81 X1 Y1\nN1005 G81 X2 Y2\nRETURN\n");
     ASSERT_EQ(run.Records.size(), 2u);
     EXPECT_NEAR(run.Records[1].Points.Position.X, 2, Near);
     EXPECT_EQ(run.Records[1].SubBlock, 3);  // the file read again from its start
@@ -400,8 +409,9 @@ TEST(ReversePass, JumpInsideASubroutineRestartsItsFile) {
 // Conditions, jumps, bad input
 
 TEST(ReversePass, ConditionalJumpAndLoopWithAVariable) {
-    PassRun run = Reverse("N0001 G90 T1 P12=0\nN0010 G91 G81 X10 Y0\nN0011 P12=P12+1\n"
-                      "N0012 IF (P12 < 3) GOTO 10\nN0013 IF (P12 != 3) GOTO 99\nN0014 G90 G81 X500 Y500\n");
+    PassRun run = Reverse(
+        "N0001 G90 T1 P12=0\nN0010 G91 G81 X10 Y0\nN0011 P12=P12+1\n"
+        "N0012 IF (P12 < 3) GOTO 10\nN0013 IF (P12 != 3) GOTO 99\nN0014 G90 G81 X500 Y500\n");
     ASSERT_EQ(run.Records.size(), 5u);
     EXPECT_NEAR(run.Records[3].Points.Position.X, 30, Near);
     EXPECT_NEAR(run.Records[4].Points.Position.X, 500, Near);
@@ -410,7 +420,7 @@ TEST(ReversePass, ConditionalJumpAndLoopWithAVariable) {
 
 TEST(ReversePass, AbortGivesUpTheCall) {
     PassRun run = Reverse("N0001 G90 T1\nN0002 G68 X0 Y0 S1 Q5\nN0003 G81 X700 Y700\n",
-                      "N1000 G81 X1 Y1\nN1001 IF (1 = 1) ABORT\nN1002 G81 X2 Y2\nRETURN\n");
+                          "N1000 G81 X1 Y1\nN1001 IF (1 = 1) ABORT\nN1002 G81 X2 Y2\nRETURN\n");
     ASSERT_EQ(run.Records.size(), 3u);
     EXPECT_NEAR(run.Records[1].Points.Position.X, 1, Near);
     EXPECT_NEAR(run.Records[2].Points.Position.X, 700, Near);
@@ -518,7 +528,8 @@ TEST(ReversePass, WordCheckRejectionEndsBeforeTheDrawingExists) {
     EXPECT_EQ(result.Result, 1);
     EXPECT_FALSE(result.FileFault);
     EXPECT_EQ(ReadFileText(stem + "drw"), older);
-    EXPECT_EQ(ListDirectory(dir.Path(), false), (std::vector<std::string>{"Actvprg1.drw", "Actvprg1.M1", "LastFile.txt", "Reverse.txt"}));
+    EXPECT_EQ(ListDirectory(dir.Path(), false),
+              (std::vector<std::string>{"Actvprg1.drw", "Actvprg1.M1", "LastFile.txt", "Reverse.txt"}));
 }
 
 TEST(ReversePass, AReportThatCannotBeWrittenIsAFileFaultNamingIt) {
@@ -548,7 +559,6 @@ TEST(ReversePass, HeaderForms) {
     PassRun run = Reverse("N0001 ;CLAMPS : A=100 B=400 C=800\n", "", settings);
     EXPECT_NE(run.Report.find("Clamps :  100, 400, 800\n"), std::string::npos);
 }
-
 
 TEST(ReversePass, HugeGridsAreRefusedAndLoopsOfPatternsBounded) {
     PassRun huge = Reverse("N0001 G90 T1\nN0002 G26 X0 Y0 P1=30000 P2=1 P3=30000 P4=1\n");
@@ -694,8 +704,9 @@ TEST(ReverseAgreesWithBlend, G66RowAndTheModelAtZero) {
 }
 
 TEST(ReversePass, CycleCriticalErrors) {
-    PassRun run = Reverse("N0001 G90 T1 G80 X500 Y500\nN0002 G64 J50 B1\nN0003 G26 P1=1 P2=10\nN0004 G28 R20 P1=1\n"
-                      "N0005 G28 R20\nN0006 G36 P1=10 P8=20\nN0007 G37 P1=90 P8=2\nN0008 G65 I10 J10\n");
+    PassRun run = Reverse(
+        "N0001 G90 T1 G80 X500 Y500\nN0002 G64 J50 B1\nN0003 G26 P1=1 P2=10\nN0004 G28 R20 P1=1\n"
+        "N0005 G28 R20\nN0006 G36 P1=10 P8=20\nN0007 G37 P1=90 P8=2\nN0008 G65 I10 J10\n");
     EXPECT_EQ(run.Result.Result, 7);
     EXPECT_EQ(run.Records.size(), 2u);
     EXPECT_EQ(Count(run.Report, "Invalid number of Hits (P1)\n"), 2);

@@ -91,7 +91,8 @@ TEST(ToolOutlineEdge, PunchClearBoxFollowsTheHalfWidthJump) {
 }
 
 TEST(ToolOutlineEdge, DiameterToolHasAngleZeroInAnyEntity) {
-    for (std::int16_t kind : std::initializer_list<std::int16_t>{100, 110, 120, 130, 151, 210, 220, 225, 230, 311, 321, 350, 355, 360, 500, 0}) {
+    for (std::int16_t kind : std::initializer_list<std::int16_t>{100, 110, 120, 130, 151, 210, 220, 225, 230, 311, 321,
+                                                                 350, 355, 360, 500, 0}) {
         SCOPED_TRACE(kind);
         EntityRec rec = Record(kind);
         rec.Tool = Tool('A', 10);
@@ -186,8 +187,8 @@ TEST(OutlineAtPoint, EveryPointIsThePositionAndTheBoxIs5Round) {
         rec.Points.Position = {10, 20};
         rec.Points.Start = {1, 1};
         ToolOutline(rec);
-        for (const PointF* p : {&rec.Points.Start, &rec.Points.Middle, &rec.Points.End, &rec.Points.Entry,
-                                &rec.Points.Exit})
+        for (const PointF* p :
+             {&rec.Points.Start, &rec.Points.Middle, &rec.Points.End, &rec.Points.Entry, &rec.Points.Exit})
             ExpectPoint(*p, 10, 20);
         ExpectBox(rec.Extent, 10, 20, 10, 20, 0);
         ExpectBox(rec.ClearBox, 5, 15, 15, 25, 0);
@@ -197,8 +198,8 @@ TEST(OutlineAtPoint, EveryPointIsThePositionAndTheBoxIs5Round) {
 TEST(OutlinePunch, PointsAndExtentAreThePosition) {
     EntityRec rec = PunchWith(Tool('A', 20));
     ToolOutline(rec);
-    for (const PointF* p : {&rec.Points.Start, &rec.Points.Middle, &rec.Points.End, &rec.Points.Entry,
-                            &rec.Points.Exit})
+    for (const PointF* p :
+         {&rec.Points.Start, &rec.Points.Middle, &rec.Points.End, &rec.Points.Entry, &rec.Points.Exit})
         ExpectPoint(*p, 100, 200);
     ExpectBox(rec.Extent, 100, 200, 100, 200, 0);
     ExpectBox(rec.ClearBox, 90, 190, 110, 210, 0);
@@ -221,10 +222,10 @@ TEST(OutlinePunch, GridWalkedToAndFro) {
     // Hits (0,0) (10,0) | (10,5) (0,5) | (0,10) (10,10).
     EntityRec rec = Grid(2, 3, false);
     ToolOutline(rec);
-    ExpectPoint(rec.Points.Middle, 10, 0);     // end of the first row
-    ExpectPoint(rec.Points.End, 0, 10);        // first hit of the last row
-    ExpectPoint(rec.Points.Exit, 10, 10);      // last hit
-    ExpectPoint(rec.Points.Position, 5, 5);    // centre of the hits
+    ExpectPoint(rec.Points.Middle, 10, 0);   // end of the first row
+    ExpectPoint(rec.Points.End, 0, 10);      // first hit of the last row
+    ExpectPoint(rec.Points.Exit, 10, 10);    // last hit
+    ExpectPoint(rec.Points.Position, 5, 5);  // centre of the hits
     ExpectPoint(rec.Points.Entry, 0, 0);
     ExpectBox(rec.Extent, 0, 0, 10, 10);
     ExpectBox(rec.ClearBox, -5, -5, 15, 15);  // widened by 5; length min(20, 10) asks only 2

@@ -18,7 +18,9 @@ struct ConversationTest : ::testing::Test {
     CardState state;
     Conversation talk{&link, state, dir.Path()};
     ConversationTest() { state.CardInUse = true; }
-    std::vector<std::string> Log() { return ReadLines(dir.Path() + "Polling.txt").value_or(std::vector<std::string>{}); }
+    std::vector<std::string> Log() {
+        return ReadLines(dir.Path() + "Polling.txt").value_or(std::vector<std::string>{});
+    }
 };
 }  // namespace
 
@@ -128,13 +130,14 @@ TEST_F(ConversationTest, WaitMsLocksStopsWaitsAndRestartsOnlyARunningPoll) {
     withPlatform.WaitMs(0);
     EXPECT_TRUE(platform.Events.empty());
     withPlatform.WaitMs(100);
-    EXPECT_EQ(platform.Events, (std::vector<std::string>{"Lock LockAllForms", "PollOff", "Tick 100", "Unlock LockAllForms"}));
+    EXPECT_EQ(platform.Events,
+              (std::vector<std::string>{"Lock LockAllForms", "PollOff", "Tick 100", "Unlock LockAllForms"}));
     EXPECT_FALSE(state.FormsLocked);
     platform.Events.clear();
     state.PollRunning = true;
     withPlatform.WaitMs(5);
-    EXPECT_EQ(platform.Events, (std::vector<std::string>{"Lock LockAllForms", "PollOff", "Tick 5", "Unlock LockAllForms",
-                                                         "PollOff", "Poll 250"}));
+    EXPECT_EQ(platform.Events, (std::vector<std::string>{"Lock LockAllForms", "PollOff", "Tick 5",
+                                                         "Unlock LockAllForms", "PollOff", "Poll 250"}));
     EXPECT_TRUE(state.PollRunning);
 }
 

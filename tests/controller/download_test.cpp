@@ -51,7 +51,8 @@ TEST_F(DownloadTest, RewriteG92DropsTheCoordinates) {
 TEST_F(DownloadTest, BlockNumberAloneIsDroppedInM1AndKeptInM2) {
     EXPECT_EQ(Filtered("N100\nN110 X5 ; move\n", true),
               (std::vector<std::string>{"CLOSE", "OPEN PROG 1", "CLEAR", "N110X5", "CLOSE"}));
-    EXPECT_EQ(Filtered("N100\n", false, 3), (std::vector<std::string>{"CLOSE", "OPEN PROG 3", "CLEAR", "N100", "CLOSE"}));
+    EXPECT_EQ(Filtered("N100\n", false, 3),
+              (std::vector<std::string>{"CLOSE", "OPEN PROG 3", "CLEAR", "N100", "CLOSE"}));
 }
 
 TEST_F(DownloadTest, ProgramThreeLoadsSlotOneBothPrograms) {
@@ -112,9 +113,9 @@ TEST_F(DownloadTest, BatchProfilerAndPlasmaBlocks) {
     EXPECT_EQ(link.Sent, (std::vector<std::string>{"M848=10", "M849=-20.5", "M850=0"}));
     link.Sent.clear();
     SendProfilerBlock(talk, {10, -20.5f, 0}, 2, plasma);
-    EXPECT_EQ(link.Sent, (std::vector<std::string>{"M848=10", "M849=-20.5", "M850=0", "P101=1", "P102=2", "P103=3",
-                                                   "P104=4", "P105=1.5", "P106=2500", "P107=7", "P108=4", "P109=0",
-                                                   "P110=2"}));
+    EXPECT_EQ(link.Sent,
+              (std::vector<std::string>{"M848=10", "M849=-20.5", "M850=0", "P101=1", "P102=2", "P103=3", "P104=4",
+                                        "P105=1.5", "P106=2500", "P107=7", "P108=4", "P109=0", "P110=2"}));
 }
 
 TEST_F(DownloadTest, BlocksDoNothingWithoutTheCard) {

@@ -227,13 +227,14 @@ TEST_F(CommandTest, SlotChangeSendsTheSlotsBlocksWithItsHitCounter) {
     SetState(false, false, true);
     EXPECT_FALSE(ChangeActiveSlot(p, platform, &card, 2));
     EXPECT_EQ(p.Config.ActiveSlot, 2);
-    EXPECT_EQ(card.Commands, (std::vector<std::string>{"M811=2", "Q11=512.50", "M869=37", "M863=1", "M864=2", "M865=3",
-                                                       "M866=4"}));
+    EXPECT_EQ(card.Commands,
+              (std::vector<std::string>{"M811=2", "Q11=512.50", "M869=37", "M863=1", "M864=2", "M865=3", "M866=4"}));
     EXPECT_TRUE(std::filesystem::exists(dir.Path() + "Control.cfg"));
 }
 
 TEST_F(CommandTest, LoadYIsOverwrittenAtTheNextSelectionByTheSlots) {
-    std::filesystem::copy(std::string(KIRVANA_SOURCE_DIR) + "/data/demo", dir.Path(), std::filesystem::copy_options::recursive);
+    std::filesystem::copy(std::string(KIRVANA_SOURCE_DIR) + "/data/demo", dir.Path(),
+                          std::filesystem::copy_options::recursive);
     auto old = std::filesystem::current_path();
     std::filesystem::current_path(dir.Path());
     Process demo;

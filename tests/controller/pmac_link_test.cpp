@@ -47,11 +47,16 @@ TEST(PmacProtocol, AnswerParsing) {
     a = pmac::ParseAnswer("\x06");
     EXPECT_EQ(a.Status, pmac::Answer::State::Done);
     EXPECT_EQ(a.Text, "");
-    a = pmac::ParseAnswer("\x07" "ERR003\r");
+    a = pmac::ParseAnswer(
+        "\x07"
+        "ERR003\r");
     EXPECT_EQ(a.Status, pmac::Answer::State::Error);
     EXPECT_EQ(a.ErrorNumber, 3);
     EXPECT_EQ(a.Text, "ERR003");
-    EXPECT_EQ(pmac::ParseAnswer("\x07" "ERR0").Status, pmac::Answer::State::Incomplete);
+    EXPECT_EQ(pmac::ParseAnswer("\x07"
+                                "ERR0")
+                  .Status,
+              pmac::Answer::State::Incomplete);
     EXPECT_EQ(pmac::ParseAnswer(std::string(pmac::MaxAnswer + 1, 'x')).Status, pmac::Answer::State::TooLong);
 }
 
@@ -163,7 +168,8 @@ TEST_F(LinkTest, BatchOfPollQueriesInOneRoundTrip) {
     Conversation talk = Talk();
     sim.SetVariable("P1022", 8192);
     sim.SetMotor(2, -10.5, 0);
-    auto answers = talk.GetRspnsBatch({"P1022", "P1020", "M830", "#1P", "#2P", "#3P", "#4P", "M869", "PC", "%", "Q17", "M802"});
+    auto answers =
+        talk.GetRspnsBatch({"P1022", "P1020", "M830", "#1P", "#2P", "#3P", "#4P", "M869", "PC", "%", "Q17", "M802"});
     ASSERT_EQ(answers.size(), 12u);
     EXPECT_EQ(answers[0], "8192");
     EXPECT_EQ(answers[4], "-10.5");
@@ -414,11 +420,17 @@ TEST(CardSimulatorCommands, TextChannel) {
     EXPECT_EQ(sim.Command("get M869"), "M869=4");
     EXPECT_EQ(sim.Execute("P100 M802"), "2.5\r7\r\x06");
     EXPECT_EQ(sim.Execute("P100=P100*2 P100"), "5\r\x06");
-    EXPECT_EQ(sim.Execute("Q1=1+"), "\x07" "ERR003\r");
-    EXPECT_EQ(sim.Execute("HELLO"), "\x07" "ERR003\r");
+    EXPECT_EQ(sim.Execute("Q1=1+"),
+              "\x07"
+              "ERR003\r");
+    EXPECT_EQ(sim.Execute("HELLO"),
+              "\x07"
+              "ERR003\r");
     EXPECT_NE(sim.Command("help").find("commands:"), std::string::npos);
     EXPECT_EQ(sim.Command("reject m50"), "ERR003 to every line holding M50");
-    EXPECT_EQ(sim.Execute("M50=1"), "\x07" "ERR003\r");
+    EXPECT_EQ(sim.Execute("M50=1"),
+              "\x07"
+              "ERR003\r");
     EXPECT_TRUE(sim.WriteBuffer("OPEN PROG 1\nCLEAR\nX1\nX2M50\n").Error);
     EXPECT_EQ(sim.WriteBuffer("OPEN PROG 1\nCLEAR\nX1\nX2M50\n").Line, 4);
     EXPECT_EQ(sim.Command("reject"), "nothing rejected");

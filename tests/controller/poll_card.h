@@ -18,10 +18,10 @@ namespace kirvana {
 class PollCard : public CardLink {
 public:
     std::map<std::string, std::string> Values;
-    std::vector<std::string> Exchanges;   // every line sent, in order
-    std::vector<std::string> Commands;    // every assignment, in order
+    std::vector<std::string> Exchanges;  // every line sent, in order
+    std::vector<std::string> Commands;   // every assignment, in order
     bool Succeeds = true;
-    std::set<std::string> Errors;         // queries the card refuses with an error
+    std::set<std::string> Errors;  // queries the card refuses with an error
 
     void Prepare() override {}
     void Reset() override {}

@@ -95,8 +95,10 @@ TEST_F(PollTest, StationAndClampRequestsAreBothServedStationFirst) {
     Tick();
     ASSERT_EQ(card.Count("P1022=P1022-512"), 1);
     ASSERT_EQ(card.Count("P1022=P1022-256"), 1);
-    auto at = [&](const std::string& c) { return std::find(card.Commands.begin(), card.Commands.end(), c) - card.Commands.begin(); };
-    EXPECT_LT(at("Q49=5"), at("P1022=P1022-512"));   // the station block goes before its acknowledge
+    auto at = [&](const std::string& c) {
+        return std::find(card.Commands.begin(), card.Commands.end(), c) - card.Commands.begin();
+    };
+    EXPECT_LT(at("Q49=5"), at("P1022=P1022-512"));  // the station block goes before its acknowledge
     EXPECT_LT(at("P1022=P1022-512"), at("P1022=P1022-256"));
     EXPECT_EQ(card.Values["P1022"], "16384");
     EXPECT_EQ(p.Poll.CurrentStation, 5);
@@ -379,7 +381,10 @@ TEST_F(PollTest, CurrentBlockFromTheProgramCounter) {
     slot.Counts[1].MapWordCount = 3;
     std::string w;
     auto word = [&](int a, int b, int c) {
-        for (int v : {a, b, c}) { w += static_cast<char>(v & 0xFF); w += static_cast<char>(v >> 8); }
+        for (int v : {a, b, c}) {
+            w += static_cast<char>(v & 0xFF);
+            w += static_cast<char>(v >> 8);
+        }
     };
     word(0, 0, 1);
     word(1, 0, 1);

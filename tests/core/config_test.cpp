@@ -1,7 +1,7 @@
 #include "core/config.h"
 
-#include <filesystem>
 #include <unistd.h>
+#include <filesystem>
 
 #include <gtest/gtest.h>
 
@@ -163,16 +163,24 @@ TEST_F(ConfigTest, ControlCfgGarbageLineIsRefusedAndNoFolderIsMade) {
         EXPECT_EQ(fault->Message(), "Control.cfg: line 1 holds a control character");
         EXPECT_EQ(ListDirectory(dir_.Path(), true), before);
     }
-    dir_.Write("Control.cfg", "./\n./Programs\nJo\x07" "bs\n******\n");
+    dir_.Write("Control.cfg",
+               "./\n./Programs\nJo\x07"
+               "bs\n******\n");
     Installation inst;
     auto fault = ReadControlConfig(inst);
     ASSERT_TRUE(fault);
     EXPECT_EQ(fault->Message(), "Control.cfg: line 3 holds a control character");
     // Ordinary 8-bit names stay names.
-    std::filesystem::create_directories(dir_.Path() + "Programs/J\xf6" "bs");
-    dir_.Write("Control.cfg", "./\n./Programs\nJ\xf6" "bs\n******\n");
+    std::filesystem::create_directories(dir_.Path() +
+                                        "Programs/J\xf6"
+                                        "bs");
+    dir_.Write("Control.cfg",
+               "./\n./Programs\nJ\xf6"
+               "bs\n******\n");
     ASSERT_FALSE(ReadControlConfig(inst));
-    EXPECT_EQ(inst.Dirs.ProgramDirName, "J\xf6" "bs");
+    EXPECT_EQ(inst.Dirs.ProgramDirName,
+              "J\xf6"
+              "bs");
 }
 
 TEST_F(ConfigTest, SetProgramDirSkipsSystemSubroutinesAndMissingNames) {

@@ -17,8 +17,8 @@ TEST(Names, PlainNamesOfOneToThirtyTwoBytes) {
 }
 
 TEST(Names, NothingThatLeadsOutOfItsFolder) {
-    for (const char* name : {"../outside", "..", ".", "A..B", "a/b", "/etc", "/", "a\\b", "\\\\server",
-                             "C:", "D:\\Jobs", "..\\up"})
+    for (const char* name :
+         {"../outside", "..", ".", "A..B", "a/b", "/etc", "/", "a\\b", "\\\\server", "C:", "D:\\Jobs", "..\\up"})
         EXPECT_FALSE(AcceptableName(name)) << name;
 }
 

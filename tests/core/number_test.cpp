@@ -21,9 +21,7 @@ TEST(FormatNumber, SingleGivesSevenDigitsDoubleFifteen) {
     EXPECT_EQ(FormatNumber(static_cast<std::int32_t>(70000), 2), "70000.00");
 }
 
-TEST(FormatNumber, DecimalsAboveSixBecomeSix) {
-    EXPECT_EQ(FormatNumber(1.23456789, 9), "1.234568");
-}
+TEST(FormatNumber, DecimalsAboveSixBecomeSix) { EXPECT_EQ(FormatNumber(1.23456789, 9), "1.234568"); }
 
 TEST(FormatNumber, PaddingAndCutting) {
     EXPECT_EQ(FormatNumber(12.0, 2), "12.00");

@@ -1,11 +1,11 @@
 // A fresh directory for one test, removed afterwards.
 #pragma once
 
+#include <sys/resource.h>
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
-#include <sys/resource.h>
 #include <filesystem>
-#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <string>

@@ -207,6 +207,6 @@ TEST(WordAssignments, TheProgramsVariablesP12ToP99) {
     p.P[20] = 1.5;
     StoreAssignments("P20=", r, p);
     EXPECT_DOUBLE_EQ(p.P[20].Value, -999);  // no value: "not given"
-    StoreAssignments("P100=3", r, p);      // three digits: no "Pnn=" word
+    StoreAssignments("P100=3", r, p);       // three digits: no "Pnn=" word
     EXPECT_DOUBLE_EQ(p.P[100].Value, 0);
 }

@@ -10,9 +10,9 @@
 #include "controller/cardsim/card_simulator.h"
 #include "controller/pmac_ethernet_link.h"
 #include "core/paths.h"
+#include "core/text.h"
 #include "system/slot_run_plan.h"
 #include "system/startup.h"
-#include "core/text.h"
 #include "tests/core/temp_dir.h"
 #include "tests/support/quiet_platform.h"
 

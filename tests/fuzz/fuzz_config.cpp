@@ -18,14 +18,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         for (const char* dir : {"Data", "Messages", "Service"}) std::filesystem::create_directories(made + dir);
         return made;
     }();
-    const char* files[] = {"Data/Machine.dat", "Data/Westinghouse.cfg", "Data/Profiler.cfg", "Messages/IO.msg",
-                           "Messages/Logic.msg", "Control.cnc", "PMAC.cfg", "Service.cfg"};
+    const char* files[] = {"Data/Machine.dat",   "Data/Westinghouse.cfg", "Data/Profiler.cfg", "Messages/IO.msg",
+                           "Messages/Logic.msg", "Control.cnc",           "PMAC.cfg",          "Service.cfg"};
     std::string_view rest(reinterpret_cast<const char*>(data), size);
     for (const char* name : files) {
         std::size_t cut = rest.find('\x01');
         std::string_view part = rest.substr(0, cut);
         rest = cut == std::string_view::npos ? std::string_view() : rest.substr(cut + 1);
-        std::ofstream(root + name, std::ios::binary | std::ios::trunc).write(part.data(), static_cast<std::streamsize>(part.size()));
+        std::ofstream(root + name, std::ios::binary | std::ios::trunc)
+            .write(part.data(), static_cast<std::streamsize>(part.size()));
     }
     kirvana::Directories dirs;
     dirs.RootDir = root;

@@ -42,8 +42,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     while (!text.empty()) {
         std::size_t end = text.find('\n');
         std::string_view line = text.substr(0, end);
-        if (line == "%" && into == &m1) into = &m2;
-        else into->emplace_back(line);
+        if (line == "%" && into == &m1)
+            into = &m2;
+        else
+            into->emplace_back(line);
         text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
     }
     kirvana::DrawingFile drawing = kirvana::DrawingFile::InMemory();

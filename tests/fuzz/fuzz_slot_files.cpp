@@ -4,6 +4,7 @@
 // never fault, and the block lookup must stay inside the map whatever the counts claim.
 // Inputs with a "/" are skipped: Control.cfg may name absolute folders, which the start-up
 // creates, and a fuzzer must not create folders outside its own.
+#include <unistd.h>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -11,7 +12,6 @@
 #include <fstream>
 #include <string>
 #include <string_view>
-#include <unistd.h>
 
 #include "core/config.h"
 #include "system/slots.h"
@@ -30,12 +30,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::filesystem::create_directories(root + "run/Service");
     const std::string run = root + "run/";
     const char* files[] = {"Control.cfg", "Actvprg1.cfg", "Actvprg1.sts", "Actvprg1.btc",
-                           "Actvprg1.W1", "Actvprg1.A1", "Actvprg1.M1"};
+                           "Actvprg1.W1", "Actvprg1.A1",  "Actvprg1.M1"};
     for (const char* name : files) {
         std::size_t cut = rest.find('\x01');
         std::string_view part = rest.substr(0, cut);
         rest = cut == std::string_view::npos ? std::string_view() : rest.substr(cut + 1);
-        std::ofstream(run + name, std::ios::binary | std::ios::trunc).write(part.data(), static_cast<std::streamsize>(part.size()));
+        std::ofstream(run + name, std::ios::binary | std::ios::trunc)
+            .write(part.data(), static_cast<std::streamsize>(part.size()));
     }
 
     const std::filesystem::path before = std::filesystem::current_path();
@@ -56,6 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     (void)kirvana::ReadSlotStats(dirs, 1);
     (void)kirvana::ReadSlotBatch(dirs, 1);
-    (void)kirvana::BuildBlockMap(run + "Actvprg1.A1", run + "Actvprg1.M1", run + "Map.W1", run + "Map.RA1", run + "Map.RM1");
+    (void)kirvana::BuildBlockMap(run + "Actvprg1.A1", run + "Actvprg1.M1", run + "Map.W1", run + "Map.RA1",
+                                 run + "Map.RM1");
     return 0;
 }

@@ -18,14 +18,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const std::string root = [] {
         std::string pattern = (std::filesystem::temp_directory_path() / "kirvana-fuzz-tooling-XXXXXX").string();
         std::string made = mkdtemp(pattern.data()) ? pattern + "/" : std::string("/tmp/");
-        for (const char* dir : {"Data", "Settings", "Service", "Program"}) std::filesystem::create_directories(made + dir);
+        for (const char* dir : {"Data", "Settings", "Service", "Program"})
+            std::filesystem::create_directories(made + dir);
         return made;
     }();
     if (size == 0) return 0;
     const std::uint8_t pick = data[0];
     std::string_view rest(reinterpret_cast<const char*>(data + 1), size - 1);
-    const char* files[] = {"Data/Machine.stn", "Data/Machine.trt", "Data/Punch.dat",   "Data/Plasma.dat",
-                           "Program/P.trt",    "Program/P.stg",    "Settings/S.stg",   "Settings/S.pls"};
+    const char* files[] = {"Data/Machine.stn", "Data/Machine.trt", "Data/Punch.dat", "Data/Plasma.dat",
+                           "Program/P.trt",    "Program/P.stg",    "Settings/S.stg", "Settings/S.pls"};
     for (const char* name : files) {
         std::size_t cut = rest.find('\x01');
         std::string_view part = rest.substr(0, cut);

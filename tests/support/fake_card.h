@@ -12,9 +12,9 @@ namespace kirvana {
 class FakeCardLink : public CardLink {
 public:
     std::map<std::string, std::string> Answers;
-    std::vector<std::string> Sent;        // every exchange and download, in order
-    std::vector<std::string> Calls;       // open sequence calls
-    int EnableFailures = 0;               // how many SetEnabled(true) calls fail
+    std::vector<std::string> Sent;   // every exchange and download, in order
+    std::vector<std::string> Calls;  // open sequence calls
+    int EnableFailures = 0;          // how many SetEnabled(true) calls fail
     bool ExchangeSucceeds = true;
 
     void Prepare() override { Calls.push_back("Prepare"); }

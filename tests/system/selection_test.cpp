@@ -72,7 +72,8 @@ TEST_F(SelectionTest, SelectsADemoProgramInOfficeMode) {
     EXPECT_FLOAT_EQ(r.SheetY, 500);
     EXPECT_GT(r.Counts[0].SourceRecordCount, 0);
     EXPECT_GT(r.Counts[0].MapWordCount, r.Counts[0].MotionBlockCount);
-    for (const char* e : {"org", "A1", "A2", "sbs", "M1", "M2", "drw", "dr1", "W1", "RA1", "RM1", "cfg", "trt", "sts", "btc"})
+    for (const char* e :
+         {"org", "A1", "A2", "sbs", "M1", "M2", "drw", "dr1", "W1", "RA1", "RM1", "cfg", "trt", "sts", "btc"})
         EXPECT_TRUE(FileExists(std::string("Actvprg1.") + e)) << e;
     EXPECT_EQ(ProgramButtonCaption(1, r), "PLATE01   F10");
 }
@@ -106,7 +107,8 @@ TEST_F(SelectionTest, RefusalsLeaveTheSlotAsItWas) {
     ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01").Selected);
     auto files = SlotFiles(1);
     EXPECT_EQ(SelectProgram(p, platform_, nullptr, "", "PLATE01").Warning, "Invalid Directory Name !");
-    EXPECT_EQ(SelectProgram(p, platform_, nullptr, std::string(33, 'D'), "PLATE01").Warning, "Invalid Directory Name !");
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, std::string(33, 'D'), "PLATE01").Warning,
+              "Invalid Directory Name !");
     EXPECT_EQ(SelectProgram(p, platform_, nullptr, "Dorvenis", "").Warning, "Invalid Program Name !");
     EXPECT_EQ(SelectProgram(p, platform_, nullptr, "Nowhere", "PLATE01").Warning, "Directory Does Not Exist !");
     EXPECT_EQ(SelectProgram(p, platform_, nullptr, "Dorvenis", "NONE").Warning, "Program Does Not Exist !");
@@ -127,7 +129,8 @@ TEST_F(SelectionTest, NamesNeverLeadOutOfTheProgramStore) {
     auto files = SlotFiles(1);
     EXPECT_EQ(SelectProgram(p, platform_, nullptr, "../outside", "EVIL").Warning, "Invalid Directory Name !");
     EXPECT_EQ(SelectProgram(p, platform_, nullptr, "Dorvenis", "../../outside/EVIL").Warning, "Invalid Program Name !");
-    EXPECT_EQ(SelectProgram(p, platform_, nullptr, dir_.Path() + "outside", "EVIL").Warning, "Invalid Directory Name !");
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, dir_.Path() + "outside", "EVIL").Warning,
+              "Invalid Directory Name !");
     EXPECT_EQ(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLA\tTE01").Warning, "Invalid Program Name !");
     EXPECT_EQ(SelectProgram(p, platform_, nullptr, ".", "PLATE01").Warning, "Invalid Directory Name !");
     // Nothing written beside the program outside, and the slot as it was.
@@ -347,10 +350,12 @@ TEST_F(SelectionTest, EveryFileTheSelectionWritesIsChecked) {
     // A directory with something in it stands where one file of the selection goes: the
     // selection is refused naming that file, and the slot is left empty as after a failed pass.
     const std::vector<std::string> files = {
-        "Temp.org",     "Actvprg1.org", "Actvprg1.pls", "Actvprg1.A1",  "Actvprg1.A2",  "Actvprg1.sbs",
-        "Actvprg1.M1",  "Actvprg1.M2",  "Blend.tmp",    "Service/Blend.txt", "Actvprg1.drw", "Service/Reverse.txt",
-        "Actvprg1.dr1", "Actvprg1.W1",  "Actvprg1.RA1", "Actvprg1.RM1", "Actvprg1.W2",  "Actvprg1.RA2",
-        "Actvprg1.RM2", "Actvprg1.cfg", "Actvprg1.trt", "Actvprg1.sts", "Actvprg1.btc", "Programs/Dorvenis/PLATE01.stg"};
+        "Temp.org",     "Actvprg1.org",      "Actvprg1.pls", "Actvprg1.A1",
+        "Actvprg1.A2",  "Actvprg1.sbs",      "Actvprg1.M1",  "Actvprg1.M2",
+        "Blend.tmp",    "Service/Blend.txt", "Actvprg1.drw", "Service/Reverse.txt",
+        "Actvprg1.dr1", "Actvprg1.W1",       "Actvprg1.RA1", "Actvprg1.RM1",
+        "Actvprg1.W2",  "Actvprg1.RA2",      "Actvprg1.RM2", "Actvprg1.cfg",
+        "Actvprg1.trt", "Actvprg1.sts",      "Actvprg1.btc", "Programs/Dorvenis/PLATE01.stg"};
     const std::string stg = ReadFileText("Programs/Dorvenis/PLATE01.stg");
     for (const std::string& file : files) {
         Process p;
@@ -409,7 +414,8 @@ TEST_F(SelectionTest, AnUnreadableDescriptionAtStartKeepsTheSlotFiles) {
         EXPECT_FALSE(again.Slots[1].Present);
         EXPECT_EQ(SlotFiles(2), files);
         ASSERT_EQ(platform_.Warnings.size(), 1u);
-        EXPECT_NE(platform_.Warnings[0].find("Actvprg2.cfg Can Not Be Read !"), std::string::npos) << platform_.Warnings[0];
+        EXPECT_NE(platform_.Warnings[0].find("Actvprg2.cfg Can Not Be Read !"), std::string::npos)
+            << platform_.Warnings[0];
     }
     // A file of the set that is no file at all is kept too.
     std::filesystem::remove("Actvprg2.cfg");
@@ -449,7 +455,8 @@ TEST_F(SelectionTest, ErrorAnswerToADownloadLineIsACardFault) {
     EXPECT_TRUE(outcome.Fault->Description.ends_with(" of DownPrg.tmp")) << outcome.Fault->Description;
     // The operator was asked through the card fault path.
     ASSERT_EQ(platform_.Questions.size(), 1u);
-    EXPECT_TRUE(platform_.Questions[0].starts_with("An error occurred while talking to PMAC !\n\nError Number :  3\nERR003"));
+    EXPECT_TRUE(
+        platform_.Questions[0].starts_with("An error occurred while talking to PMAC !\n\nError Number :  3\nERR003"));
     EXPECT_TRUE(platform_.Questions[0].ends_with("\n\nShutdown Kirvana ?"));
     // A card that takes the program again selects without a fault.
     sim.Reject("");

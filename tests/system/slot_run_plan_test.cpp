@@ -38,8 +38,16 @@ TEST(SlotRunPlanTest, StepsFromTheDrawingAndTheBlockMaps) {
     // Line 1 has no words; lines 2 to 6 have words 0, 1-3, 4-6, 7 and 8-9. The subroutine's
     // line 2 starts at its word 0.
     dir.Write("Actvprg1.A1", "N1\nG90\nT4 X30 Y40\nG26 X0 Y0\nM01\nG68 S1\n");
-    dir.Write("Actvprg1.W1", MapRecords({{0, 0, 2}, {1, 1, 3}, {2, 1, 3}, {3, 1, 3}, {4, 2, 4}, {5, 2, 4}, {6, 2, 4},
-                                         {7, 3, 5}, {8, 4, 6}, {9, 4, 6}}));
+    dir.Write("Actvprg1.W1", MapRecords({{0, 0, 2},
+                                         {1, 1, 3},
+                                         {2, 1, 3},
+                                         {3, 1, 3},
+                                         {4, 2, 4},
+                                         {5, 2, 4},
+                                         {6, 2, 4},
+                                         {7, 3, 5},
+                                         {8, 4, 6},
+                                         {9, 4, 6}}));
     dir.Write("Actvprg1.A2", "N10\nX1 Y1\n");
     dir.Write("Actvprg1.W2", MapRecords({{0, 0, 2}, {1, 0, 2}}));
     DrawingFile drawing;
@@ -77,7 +85,7 @@ TEST(SlotRunPlanTest, StepsFromTheDrawingAndTheBlockMaps) {
     };
     at(0, 1, 0, 10, 20, 0, 0);
     at(1, 1, 1, 30, 40, 1, 4);
-    at(2, 1, 4, 0, 0, 1, 0);   // the same station: no change
+    at(2, 1, 4, 0, 0, 1, 0);  // the same station: no change
     at(3, 1, 4, 10, 0, 1, 0);
     at(4, 1, 4, 20, 0, 1, 0);
     at(5, 1, 7, 5, 5, 0, 0);

@@ -91,7 +91,8 @@ TEST_F(StartupTest, OfficeSeatStartsInFullAndSendsNothing) {
     for (double scale : process_.AxisScale) EXPECT_EQ(scale, 1.0);
     EXPECT_FLOAT_EQ(process_.Config.Machine.Travel.LoadPositionX, 0);
     EXPECT_FLOAT_EQ(process_.Config.Machine.Travel.LoadPositionY, 1250);
-    for (const char* d : {"PMAC", "Messages/Help", "Data", "Settings", "Service", "RevSubs", "Tools", "Dialogue/Reverse"})
+    for (const char* d :
+         {"PMAC", "Messages/Help", "Data", "Settings", "Service", "RevSubs", "Tools", "Dialogue/Reverse"})
         EXPECT_TRUE(IsDirectory(d)) << d;
     auto cfg = ReadLines("Control.cfg");
     ASSERT_TRUE(cfg);
@@ -109,16 +110,38 @@ TEST_F(StartupTest, CardTrafficAtStartInOrder) {
     CardOn();
     dir_.Write("Data/b.prm", "I2=1\n");
     dir_.Write("Data/A.PRM", "I1=1\n");
-    link_.Answers = {{"#1->", "2000X"}, {"#2->", "0"}, {"#3->", ""}, {"#4->", "-1.5Y"}, {"Q10", "12.5"}, {"Q11", "1234.25"}};
+    link_.Answers = {{"#1->", "2000X"}, {"#2->", "0"},   {"#3->", ""},
+                     {"#4->", "-1.5Y"}, {"Q10", "12.5"}, {"Q11", "1234.25"}};
     ASSERT_EQ(Main(process_, platform_, &link_, steps_).Result, StartOutcome::Kind::Started);
     EXPECT_EQ(link_.Calls, (std::vector<std::string>{"Prepare", "Enable"}));
     // Files, queries, then the (empty) active slot's blocks: slot, load Y, station 1 of the
     // turret with its speed, the profiler and its plasma block, the batch; the slot again, and
     // the front end is up.
-    std::vector<std::string> expected = {"FILE ./Data/A.PRM", "FILE ./Data/b.prm", "#1->", "#2->", "#3->", "#4->",
-                                         "Q10", "Q11", "M811=1", "Q11=1234.25", "M867=1", "Q49=1", "M844=0",
-                                         "M845=0", "M846=0", "Q19=100", "Q18=100", "Q20=0", "Q21=0", "Q22=0", "Q23=0",
-                                         "%100", "M848=250", "M849=-180", "M850=0"};
+    std::vector<std::string> expected = {"FILE ./Data/A.PRM",
+                                         "FILE ./Data/b.prm",
+                                         "#1->",
+                                         "#2->",
+                                         "#3->",
+                                         "#4->",
+                                         "Q10",
+                                         "Q11",
+                                         "M811=1",
+                                         "Q11=1234.25",
+                                         "M867=1",
+                                         "Q49=1",
+                                         "M844=0",
+                                         "M845=0",
+                                         "M846=0",
+                                         "Q19=100",
+                                         "Q18=100",
+                                         "Q20=0",
+                                         "Q21=0",
+                                         "Q22=0",
+                                         "Q23=0",
+                                         "%100",
+                                         "M848=250",
+                                         "M849=-180",
+                                         "M850=0"};
     for (int p = 101; p <= 110; ++p) expected.push_back("P" + std::to_string(p) + "=-999");
     for (int m = 863; m <= 866; ++m) expected.push_back("M" + std::to_string(m) + "=0");
     expected.push_back("M811=1");
@@ -188,7 +211,8 @@ TEST_F(StartupTest, MissingRequiredFilesEndTheStartNamingTheFile) {
         EXPECT_EQ(outcome.Result, StartOutcome::Kind::ConfigurationFault) << file;
         EXPECT_EQ(outcome.ExitCode(), 3);
         EXPECT_EQ(outcome.Fault.File, std::string("./") + file);
-        EXPECT_EQ(ReadLines("Service/LastFile.txt").value_or(std::vector<std::string>{"?"}).front(), std::string("./") + file);
+        EXPECT_EQ(ReadLines("Service/LastFile.txt").value_or(std::vector<std::string>{"?"}).front(),
+                  std::string("./") + file);
         std::filesystem::rename(std::string(file) + ".keep", file);
     }
     std::filesystem::remove("Control.cfg");
@@ -283,9 +307,8 @@ TEST_F(StartupTest, CardFaultAsksAndEndsForServiceOnYes) {
     CardOn();
     ASSERT_EQ(Main(process_, platform_, &link_, steps_).Result, StartOutcome::Kind::Started);
     process_.Card.LastCommand = "Q10";
-    link_.SetFaultHandler([&](std::int32_t n, const std::string& d) {
-        HandleCardFault(process_, platform_, &link_, steps_, n, d);
-    });
+    link_.SetFaultHandler(
+        [&](std::int32_t n, const std::string& d) { HandleCardFault(process_, platform_, &link_, steps_, n, d); });
     link_.Fault(3, "ERR003: bad command");
     ASSERT_EQ(platform_.Questions.size(), 1u);
     EXPECT_EQ(platform_.Questions[0],

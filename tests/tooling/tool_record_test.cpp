@@ -280,16 +280,25 @@ namespace {
 
 // One tool text of each shape, with dimensions the description can carry exactly.
 const std::vector<std::string> MillimetreTools = {
-    "DIAMETER 10.5",          "SQUARE 12 A45",          "RAD-SQUARE 20R2.5A30", "RECTANGLE 30.25X5A90",
-    "RAD-RECT 40X10R2A0",     "OBROUND 30X10A120",      "SINGLE-D 20X18A0",     "DOUBLE-D 20X16.5A0",
-    "CANNON-D 20X15A270",     "HEXAGON 17.32A0",        "KEYWAY 10X12W3A0",     "LOUVRE 60X10A90",
-    "CRUCIFORM 20W3R4A45",    "SPECIAL EMBOSS-12 A15.5",
+    "DIAMETER 10.5",     "SQUARE 12 A45",    "RAD-SQUARE 20R2.5A30", "RECTANGLE 30.25X5A90",    "RAD-RECT 40X10R2A0",
+    "OBROUND 30X10A120", "SINGLE-D 20X18A0", "DOUBLE-D 20X16.5A0",   "CANNON-D 20X15A270",      "HEXAGON 17.32A0",
+    "KEYWAY 10X12W3A0",  "LOUVRE 60X10A90",  "CRUCIFORM 20W3R4A45",  "SPECIAL EMBOSS-12 A15.5",
 };
 const std::vector<std::string> InchTools = {
-    "DIAMETER 0.5",           "SQUARE 0.75 A45",        "RAD-SQUARE 1R0.125A30", "RECTANGLE 1.25X0.394A90",
-    "RAD-RECT 2X0.5R0.1A0",   "OBROUND 1.5X0.5A120",    "SINGLE-D 0.875X0.75A0", "DOUBLE-D 1X0.875A0",
-    "CANNON-D 1X0.75A270",    "HEXAGON 0.682A0",        "KEYWAY 0.5X0.625W0.125A0", "LOUVRE 3X0.5A90",
-    "CRUCIFORM 1W0.125R0.156A45", "LOGO A15.5",
+    "DIAMETER 0.5",
+    "SQUARE 0.75 A45",
+    "RAD-SQUARE 1R0.125A30",
+    "RECTANGLE 1.25X0.394A90",
+    "RAD-RECT 2X0.5R0.1A0",
+    "OBROUND 1.5X0.5A120",
+    "SINGLE-D 0.875X0.75A0",
+    "DOUBLE-D 1X0.875A0",
+    "CANNON-D 1X0.75A270",
+    "HEXAGON 0.682A0",
+    "KEYWAY 0.5X0.625W0.125A0",
+    "LOUVRE 3X0.5A90",
+    "CRUCIFORM 1W0.125R0.156A45",
+    "LOGO A15.5",
 };
 
 }  // namespace
@@ -326,12 +335,10 @@ TEST(ToolRoundTrip, EveryShapeFromTheDefinitionScreen) {
     // Each screen row, confirmed, described and read back gives the same tool (the Hexagon
     // aside: its across-corners D2 is not in the text).
     const std::vector<ToolDefinitionBoxes> screens = {
-        {0, {"10", "", "", ""}, 0, ""},        {1, {"12", "45", "", ""}, 0, ""},
-        {2, {"20", "2.5", "30", ""}, 0, ""},   {3, {"30", "5", "90", ""}, 0, ""},
-        {4, {"40", "10", "2", "0"}, 0, ""},    {5, {"30", "10", "120", ""}, 0, ""},
-        {6, {"20", "18", "0", ""}, 0, ""},     {7, {"20", "16", "0", ""}, 0, ""},
-        {8, {"20", "15", "270", ""}, 0, ""},   {10, {"10", "12", "3", "0"}, 0, ""},
-        {11, {"60", "10", "90", ""}, 0, ""},   {12, {"20", "3", "4", "45"}, 0, ""},
+        {0, {"10", "", "", ""}, 0, ""},        {1, {"12", "45", "", ""}, 0, ""},    {2, {"20", "2.5", "30", ""}, 0, ""},
+        {3, {"30", "5", "90", ""}, 0, ""},     {4, {"40", "10", "2", "0"}, 0, ""},  {5, {"30", "10", "120", ""}, 0, ""},
+        {6, {"20", "18", "0", ""}, 0, ""},     {7, {"20", "16", "0", ""}, 0, ""},   {8, {"20", "15", "270", ""}, 0, ""},
+        {10, {"10", "12", "3", "0"}, 0, ""},   {11, {"60", "10", "90", ""}, 0, ""}, {12, {"20", "3", "4", "45"}, 0, ""},
         {13, {"15.5", "", "", ""}, 0, "LOGO"},
     };
     for (const auto& boxes : screens) {

@@ -179,7 +179,8 @@ TEST_F(TurretTest, PunchWhileRunningShowsTheTwoLinesAndSendsNothing) {
     Tooling tooling = ReadDemoTurret();
     for (auto [running, feedhold] : {std::pair{true, false}, std::pair{false, true}}) {
         TurretAction action = PunchAction(tooling.MachineTable, 2, running, feedhold);
-        EXPECT_EQ(action.Refusal, (std::vector<std::string>{"Can Not Punch", "While Machine Is Running Or In Feedhold !"}));
+        EXPECT_EQ(action.Refusal,
+                  (std::vector<std::string>{"Can Not Punch", "While Machine Is Running Or In Feedhold !"}));
         EXPECT_TRUE(action.Commands.empty());
         action = PositionAction(tooling.MachineTable, 2, 1, running, feedhold);
         EXPECT_EQ(action.Refusal,
@@ -344,8 +345,9 @@ TEST_F(TurretTest, UnloadDoesNothingWithoutADrawingOrChanges) {
 
 TEST_F(TurretTest, UnloadRewritesDrawingThroughTheHookAndTheToolLines) {
     dir_.Write("Actvprg1.drw", "records");
-    dir_.Write("Numbers.tmp", "7:N0007 ! T5=Square 10 a0\n8:N0008 ! T05=Square 10 a0\n9:N0009 (T15=Square 10 a0)\n"
-                              "10:N0010 (T5=Square 10 a0)\n11:N0011 G01 X5\n");
+    dir_.Write("Numbers.tmp",
+               "7:N0007 ! T5=Square 10 a0\n8:N0008 ! T05=Square 10 a0\n9:N0009 (T15=Square 10 a0)\n"
+               "10:N0010 (T5=Square 10 a0)\n11:N0011 G01 X5\n");
     ToolChange change;
     change.Station = 5;
     change.TNumber = 5;
@@ -362,10 +364,10 @@ TEST_F(TurretTest, UnloadRewritesDrawingThroughTheHookAndTheToolLines) {
     EXPECT_TRUE(result.NumbersRewritten);
     EXPECT_TRUE(result.ConvertAgain);
     ASSERT_EQ(seen.size(), 1u);
-    EXPECT_EQ(*ReadLines(dir_.Path() + "Numbers.tmp"),
-              (std::vector<std::string>{"7:N0007 ! T5=Square 12 a0", "8:N0008 ! T05=Square 12 a0",
-                                        "9:N0009 (T15=Square 10 a0)", "10:N0010 (T5=Square 12 a0)",
-                                        "11:N0011 G01 X5"}));
+    EXPECT_EQ(
+        *ReadLines(dir_.Path() + "Numbers.tmp"),
+        (std::vector<std::string>{"7:N0007 ! T5=Square 12 a0", "8:N0008 ! T05=Square 12 a0",
+                                  "9:N0009 (T15=Square 10 a0)", "10:N0010 (T5=Square 12 a0)", "11:N0011 G01 X5"}));
     EXPECT_FALSE(std::filesystem::exists(dir_.Path() + "Update.tmp"));
     // Without the hook the drawing stays as it is and the rest still runs.
     result = UnloadTurret(dir_.Path() + "Actvprg1.drw", dir_.Path() + "Numbers.tmp", {change}, nullptr);

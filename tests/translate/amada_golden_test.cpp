@@ -35,7 +35,8 @@ TEST_P(AmadaGolden, ExpectedFiles) {
     EXPECT_FALSE(result.IntegerOverflow);
     EXPECT_EQ(std::to_string(dialect) + "\n", ReadFileText(folder / "expected.dialect"));
     for (const char* extension : {"A1", "A2", "sbs", "M1", "M2"}) {
-        EXPECT_EQ(ReadFileText(dir.Path() + "prog." + extension), ReadFileText(folder / (std::string("expected.") + extension)))
+        EXPECT_EQ(ReadFileText(dir.Path() + "prog." + extension),
+                  ReadFileText(folder / (std::string("expected.") + extension)))
             << folder.filename() << " " << extension;
     }
     // The Blend pass over the converted main text.
@@ -52,7 +53,8 @@ TEST_P(AmadaGolden, ExpectedFiles) {
     blend.ServiceDir = dir.Path();
     blend.Now = [] { return std::string("**"); };
     std::string name = folder.filename().string();
-    std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     EXPECT_EQ(BlendProgram("Dorvenis", name, dir.Path() + "prog.", blend).CriticalCount, 0);
     EXPECT_EQ(ReadFileText(dir.Path() + "prog.M1"), ReadFileText(folder / "expected.blended"));
     EXPECT_EQ(ReadFileText(dir.Path() + "Blend.txt"), ReadFileText(folder / "expected.Blend.txt"));

@@ -394,8 +394,9 @@ TEST(AmadaBlock, OnlyTheFirstRowApplies) {
     Pass pass;
     // G28 before G26: the G26 stays in the text.
     // The block code is 26 (the last own number present): J is in hundredths, K whole.
-    EXPECT_EQ(pass.Block("G28 G26 I10. J0 K3."), "N0001 P1=-999 P2=-999 P3=-999 P4=-999 P5=-999 P6=-999 P7=-999 "
-                                                 "P8=-999 P9=-999 P10=0 P11=0 G26 G66 I10 J0 B3");
+    EXPECT_EQ(pass.Block("G28 G26 I10. J0 K3."),
+              "N0001 P1=-999 P2=-999 P3=-999 P4=-999 P5=-999 P6=-999 P7=-999 "
+              "P8=-999 P9=-999 P10=0 P11=0 G26 G66 I10 J0 B3");
 }
 
 TEST(AmadaBlock, TailFromTheFirstTOrM) {

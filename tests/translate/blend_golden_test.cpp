@@ -52,14 +52,13 @@ TEST_P(BlendGolden, MatchesTheHandWorkedFiles) {
     EXPECT_EQ(ReadFileText(dir.Path() + "Blend.txt"), ReadFileText(data + ".txt"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Corpus, BlendGolden,
-                         ::testing::Values(Golden{"profile_chain", "CHAIN", 0}, Golden{"punch_patterns", "PATTERNS", 0},
-                                           Golden{"errors", "ERRORS", 5},
-                                           // The Convert pass's corpus, blended.
-                                           Golden{"conv_d1_punch", "D1_PUNCH", 0}, Golden{"conv_d1_profile", "D1_PROFILE", 2},
-                                           Golden{"conv_d2_bracket", "D2_BRACKET", 0},
-                                           Golden{"conv_d1_gsb_call", "D1_GSB_CALL", 0},
-                                           Golden{"conv_d1_subroutines", "D1_SUBROUTINES", 0},
-                                           Golden{"conv_d0_inch_nibble", "D0_INCH_NIBBLE", 0},
-                                           Golden{"conv_d1_errors", "D1_ERRORS", 0}),
-                         [](const auto& test) { return std::string(test.param.Name); });
+INSTANTIATE_TEST_SUITE_P(
+    Corpus, BlendGolden,
+    ::testing::Values(Golden{"profile_chain", "CHAIN", 0}, Golden{"punch_patterns", "PATTERNS", 0},
+                      Golden{"errors", "ERRORS", 5},
+                      // The Convert pass's corpus, blended.
+                      Golden{"conv_d1_punch", "D1_PUNCH", 0}, Golden{"conv_d1_profile", "D1_PROFILE", 2},
+                      Golden{"conv_d2_bracket", "D2_BRACKET", 0}, Golden{"conv_d1_gsb_call", "D1_GSB_CALL", 0},
+                      Golden{"conv_d1_subroutines", "D1_SUBROUTINES", 0},
+                      Golden{"conv_d0_inch_nibble", "D0_INCH_NIBBLE", 0}, Golden{"conv_d1_errors", "D1_ERRORS", 0}),
+    [](const auto& test) { return std::string(test.param.Name); });

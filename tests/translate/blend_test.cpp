@@ -195,7 +195,8 @@ TEST_F(BlendTest, TurnWithinTheProfilerValueIncludingTheLimit) {
     EXPECT_NE(Run(line).find("G101 B1"), std::string::npos);
     EXPECT_NEAR(pass.State.LastMove.Angle, 2, 1e-3);
     // Turned by 3 degrees more: a corner.
-    std::snprintf(line, sizeof line, "N6 G101 X%.4f Y%.4f", x + 100 * std::cos(5 * Pi / 180), y + 100 * std::sin(5 * Pi / 180));
+    std::snprintf(line, sizeof line, "N6 G101 X%.4f Y%.4f", x + 100 * std::cos(5 * Pi / 180),
+                  y + 100 * std::sin(5 * Pi / 180));
     EXPECT_NE(Run(line).find("G101 B0"), std::string::npos);
 }
 
@@ -255,8 +256,9 @@ TEST_F(BlendTest, ArcByCentreWithUnequalRadiiIsCritical) {
     Run("N3 G00 X0 Y0");
     EXPECT_EQ(Run("N4 G102 X100 Y0 I40 J0"), "N4 G102 X100 Y0 I40 J0");
     EXPECT_EQ(pass.State.BlendCritical, 1);
-    EXPECT_NE(report.str().find("****** CRITICAL ERROR ******\nNon-Interpolated Arc (Invalid I,J)\nN4G102X100Y0I40J0\n"),
-              std::string::npos);
+    EXPECT_NE(
+        report.str().find("****** CRITICAL ERROR ******\nNon-Interpolated Arc (Invalid I,J)\nN4G102X100Y0I40J0\n"),
+        std::string::npos);
 }
 
 TEST_F(BlendTest, ArcByRadiusAlsoMovesTheModelByR) {
@@ -311,7 +313,8 @@ TEST(BlendProgram, ReportAndReplacementWithoutCriticalErrors) {
     BlendSettings s = Machine();
     s.RootDir = dir.Path();
     s.ServiceDir = dir.Path();
-    dir.Write("Actvprg1.M1", "N0001 G90 X100 Y100\r\nN0002 M100\nN0003 M03\nN0004 G101 X200 Y100\nN0005 G101 X300 Y100\n");
+    dir.Write("Actvprg1.M1",
+              "N0001 G90 X100 Y100\r\nN0002 M100\nN0003 M03\nN0004 G101 X200 Y100\nN0005 G101 X300 Y100\n");
     EXPECT_EQ(BlendProgram(" Jobs ", " PLATE01 ", dir.Path() + "Actvprg1.", s).CriticalCount, 0);
     auto m1 = ReadLines(dir.Path() + "Actvprg1.M1");
     ASSERT_TRUE(m1);
@@ -319,7 +322,8 @@ TEST(BlendProgram, ReportAndReplacementWithoutCriticalErrors) {
                                              "N0004 G101 B0 X200 Y100", "N0005 G101 B1 X300 Y100"}));
     EXPECT_FALSE(FileExists(dir.Path() + "Blend.tmp"));
     EXPECT_EQ(*ReadLines(dir.Path() + "Blend.txt"),
-              (std::vector<std::string>{"PROGRAM   :  PLATE01", "DIRECTORY :  Jobs", "TIME      :  21/11/26 10:30", "******"}));
+              (std::vector<std::string>{"PROGRAM   :  PLATE01", "DIRECTORY :  Jobs", "TIME      :  21/11/26 10:30",
+                                        "******"}));
     EXPECT_EQ(ReadLines(dir.Path() + "LastFile.txt")->front(), dir.Path() + "Actvprg1.M1");
 }
 

@@ -31,11 +31,16 @@ TEST_P(ConvertGolden, ExpectedFiles) {
             std::istringstream options(ReadFileText(entry.path()));
             std::string option;
             while (options >> option) {
-                if (option == "SwapArcWords") settings.SwapArcWords = true;
-                else if (option == "ArcCentreIncremental") settings.ArcCentreIncremental = true;
-                else if (option == "ProfilerArcSwap") settings.ProfilerArcSwap = true;
-                else if (option == "ProfilerArcCentre") settings.ProfilerArcCentre = true;
-                else FAIL() << "unknown machine option " << option;
+                if (option == "SwapArcWords")
+                    settings.SwapArcWords = true;
+                else if (option == "ArcCentreIncremental")
+                    settings.ArcCentreIncremental = true;
+                else if (option == "ProfilerArcSwap")
+                    settings.ProfilerArcSwap = true;
+                else if (option == "ProfilerArcCentre")
+                    settings.ProfilerArcCentre = true;
+                else
+                    FAIL() << "unknown machine option " << option;
             }
             continue;
         }
@@ -46,7 +51,8 @@ TEST_P(ConvertGolden, ExpectedFiles) {
     ASSERT_EQ(result.Status, ConvertStatus::Done);
     EXPECT_EQ(std::to_string(dialect) + "\n", ReadFileText(folder / "expected.dialect"));
     for (const char* extension : {"A1", "A2", "sbs", "M1", "M2"}) {
-        EXPECT_EQ(ReadFileText(dir.Path() + "prog." + extension), ReadFileText(folder / (std::string("expected.") + extension)))
+        EXPECT_EQ(ReadFileText(dir.Path() + "prog." + extension),
+                  ReadFileText(folder / (std::string("expected.") + extension)))
             << folder.filename() << " " << extension;
     }
 }

@@ -249,8 +249,9 @@ TEST(BlockPass, CyclesGetTheirParameters) {
     Blocks pass;
     EXPECT_EQ(pass("G26 X10 Y10 I100 J0 P1=5 P3=2 P4=20"),
               "N0001 P1=5 P3=2 P4=20 P2=-999 P5=-999 P6=-999 P7=-999 P8=-999 P9=-999 P10=0 P11=0 G26 X10 Y10 I100 J0");
-    EXPECT_EQ(pass("G28 X0 Y0 R50 I50 J0 P1=8"),
-              "N0002 P1=8 P2=-999 P3=-999 P4=-999 P5=-999 P6=-999 P7=-999 P8=-999 P9=-999 P10=-999 G28 X0 Y0 R50 I50 J0");
+    EXPECT_EQ(
+        pass("G28 X0 Y0 R50 I50 J0 P1=8"),
+        "N0002 P1=8 P2=-999 P3=-999 P4=-999 P5=-999 P6=-999 P7=-999 P8=-999 P9=-999 P10=-999 G28 X0 Y0 R50 I50 J0");
     EXPECT_EQ(pass("G36 X0 Y0 I100 J0"),
               "N0003 P8=2.5 P1=-999 P2=-999 P3=-999 P4=-999 P5=-999 P6=-999 P7=-999 P9=-999 P10=0 P11=0 G36 X0 Y0 "
               "I100 J0");
@@ -428,8 +429,7 @@ TEST(ConvertProgram, GsbFilesAreCopiedForEachCall) {
     program.Run("! two calls\n(GSUB,HOLES)\n(GSUB,Holes,P0=2)\n(GSUB,MISSING)\nM30\n");
     EXPECT_EQ(program.Dialect, 1);
     EXPECT_EQ(program.File("sbs"), "HOLES, 1\nHoles, 2\n******\n");
-    EXPECT_EQ(program.File("A2"),
-              "(ID,GSUB,HOLES)\nX10 Y10\n(END,GSUB)\n(ID,GSUB,HOLES)\nX10 Y10\n(END,GSUB)\n");
+    EXPECT_EQ(program.File("A2"), "(ID,GSUB,HOLES)\nX10 Y10\n(END,GSUB)\n(ID,GSUB,HOLES)\nX10 Y10\n(END,GSUB)\n");
     EXPECT_EQ(program.File("M1"),
               "N0001 ;two calls\n"
               "N0002 P10=1 G68 Q1 S1 ;(GSUB,HOLES)\n"
