@@ -1,6 +1,7 @@
 // kirvana-cardsim: the card simulator for people. It listens on loopback and takes text
 // commands on standard input to set variables, raise status bits, set the station, step the
-// hit counter or hold an answer back.
+// hit counter, hold an answer back, and start, hold and abort programs. The programs it runs
+// take their steps from the active slots of the installation in --root.
 #include <cstdio>
 #include <cstring>
 #include <iostream>
@@ -8,18 +9,32 @@
 
 #include "controller/cardsim/card_simulator.h"
 #include "core/number.h"
+#include "core/slot_run_plan.h"
 
 int main(int argc, char** argv) {
     int port = 1025;
+    double speed = 100;
+    std::string root = "./";
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--port") == 0 && i + 1 < argc) {
             port = static_cast<int>(kirvana::ToNumber(argv[++i]));
+        } else if (std::strcmp(argv[i], "--root") == 0 && i + 1 < argc) {
+            root = argv[++i];
+            if (!root.empty() && root.back() != '/') root += '/';
+        } else if (std::strcmp(argv[i], "--speed") == 0 && i + 1 < argc) {
+            speed = kirvana::ToNumber(argv[++i]);
         } else {
-            std::fprintf(stderr, "usage: kirvana-cardsim [--port N]   (0: any free port)\n");
+            std::fprintf(stderr,
+                         "usage: kirvana-cardsim [--port N] [--root INSTALLATION] [--speed BLOCKS_PER_S]\n"
+                         "  --port 0: any free port; --speed 100 (default) keeps real time\n");
             return 2;
         }
     }
     kirvana::CardSimulator sim;
+    kirvana::Directories dirs;
+    dirs.RootDir = root;
+    sim.SetRunPlanSource(kirvana::SlotRunPlanSource(dirs));
+    sim.SetRunSpeed(speed);
     if (!sim.Start(port)) {
         std::fprintf(stderr, "kirvana-cardsim: cannot listen on 127.0.0.1:%d\n", port);
         return 1;

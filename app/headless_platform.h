@@ -67,6 +67,8 @@ public:
     int Start(const std::string& root);
     // The Select button on the active slot.
     SelectOutcome Select(const std::string& directory, const std::string& program);
+    // One tick of the poll timer.
+    void Tick();
     // The operator's shutdown, without powering off.
     void End();
     Conversation Talk();

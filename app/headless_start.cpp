@@ -41,6 +41,8 @@ SelectOutcome HeadlessSeat::Select(const std::string& directory, const std::stri
     return SelectProgram(State, platform_, &link_, directory, program);
 }
 
+void HeadlessSeat::Tick() { PollTick(State, platform_, &link_); }
+
 void HeadlessSeat::End() { Shutdown(State, platform_, &link_, steps_, false); }
 
 Conversation HeadlessSeat::Talk() { return Conversation(&link_, State.Card, State.Config.Dirs.ServiceDir, &platform_); }

@@ -40,5 +40,7 @@ int Reverse(const Args& args);
 int Drawing(const Args& args);
 // Expands STEM + "drw" into STEM + "dr1" and prints the number of hits.
 int Expand(const Args& args);
+// Starts the installation and prints the display model at each poll tick.
+int Watch(const Args& args);
 
 }  // namespace kirvana::office

@@ -60,6 +60,7 @@ const Command Commands[] = {
     {"tool", Tool, "tool \"TEXT\" [--inches] [--station-type N]   read a tool text, print the record and its description"},
     {"reverse", Reverse, "reverse STEM --root ROOT --program NAME --directory DIR   draw STEM + \"M1\", \"M2\" into STEM + \"drw\", print the critical errors and records"},
     {"drawing", Drawing, "drawing FILE                     list the records of a drawing file"},
+    {"watch", Watch, "watch --root ROOT [--ticks N] [--interval MS] [--start] [--until-idle]   follow the machine tick by tick"},
     {"expand", Expand, "expand STEM                      expand STEM + \"drw\" into single hits in STEM + \"dr1\", print the hits"},
 };
 

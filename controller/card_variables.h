@@ -20,9 +20,16 @@ inline constexpr std::int32_t RequestMove = 256;
 inline constexpr std::int32_t RequestMoveAndPunch = 512;
 inline constexpr std::int32_t RequestPunch = 1024;
 inline constexpr std::int32_t RequestMoveCarriage = 4096;
+// "NAME=value": a variable written.
+inline std::string Assignment(const char* name, const std::string& value) { return std::string(name) + "=" + value; }
+
 // "P1021=P1021|n": a request bit set, the only form in which the front end writes P1021.
 inline std::string RequestText(std::int32_t bit) {
     return std::string(RequestWord) + "=" + RequestWord + "|" + std::to_string(bit);
+}
+// "P1021=P1021-1": the front end going down at shutdown.
+inline std::string RequestClearText(std::int32_t bit) {
+    return std::string(RequestWord) + "=" + RequestWord + "-" + std::to_string(bit);
 }
 
 // The status word, read on each poll tick.

@@ -18,8 +18,8 @@ Refusal Refuse(bool refused, const char* firstLine, const char* secondLine = Run
 bool RunningHoldOrCycle(const Process& process) { return process.Running || process.InFeedhold || process.InCycle; }
 
 // "NAME=" and the value at full precision.
-std::string Assign(const char* name, double value) { return std::string(name) + "=" + FormatNumber(value, -1); }
-std::string Assign(const char* name, std::int32_t value) { return std::string(name) + "=" + LongText(value); }
+std::string Assign(const char* name, double value) { return card::Assignment(name, FormatNumber(value, -1)); }
+std::string Assign(const char* name, std::int32_t value) { return card::Assignment(name, LongText(value)); }
 
 // A command that is one request bit behind its interlock.
 Refusal Request(Conversation& talk, Refusal refusal, std::int32_t bit) {

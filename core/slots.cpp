@@ -6,6 +6,7 @@
 #include "analysis/drawing_file.h"
 #include "analysis/expand.h"
 #include "analysis/reverse.h"
+#include "controller/card_variables.h"
 #include "controller/download.h"
 #include "core/number.h"
 #include "core/paths.h"
@@ -161,15 +162,15 @@ void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link,
     const MachineData& machine = process.Config.Machine;
     int slot = process.Config.ActiveSlot;
     SlotRecord& record = process.Slots[slot - 1];
-    talk.Download("M811=" + std::to_string(slot));
-    talk.Download("Q11=" + FormatNumber(record.SlotLoadY, 2));
+    talk.Download(card::Assignment(card::ActiveSlot, std::to_string(slot)));
+    talk.Download(card::Assignment(card::LoadPosition1[1], FormatNumber(record.SlotLoadY, 2)));
     if (machine.HasTurret) {
-        talk.Download("M867=" + IntegerText(record.ActiveStation));
+        talk.Download(card::Assignment(card::WorkStation, IntegerText(record.ActiveStation)));
         const StationTable& table = SlotTable(process.Tools, slot);
         if (record.ActiveStation >= 1 && static_cast<std::size_t>(record.ActiveStation) <= table.size())
             SendStationBlock(talk, StationBlockOf(table[record.ActiveStation - 1]), true);
     }
-    if (hitCount) talk.Download("M869=" + LongText(*hitCount));
+    if (hitCount) talk.Download(card::Assignment(card::HitCounter, LongText(*hitCount)));
     if (machine.ProfilerKind > 0) {
         const StationType& plasma = PlasmaStationType(process.Tools);
         SendProfilerBlock(talk, {plasma.OffsetX, plasma.OffsetY, plasma.OffsetZ}, machine.ProfilerKind,
@@ -254,7 +255,7 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     record.Present = true;
     // 22. The card's hit counter starts anew.
     Conversation talk = Talk(process, platform, link);
-    talk.Download("M869=0");
+    talk.Download(card::Assignment(card::HitCounter, "0"));
     record.RunCount = 0;
     // 24. The motion programs; 25-28. the slot's blocks.
     DownProgram(talk, dirs.RootDir, dirs.ServiceDir, slot);

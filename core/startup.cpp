@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "controller/card_variables.h"
 #include "core/number.h"
 #include "core/paths.h"
 #include "core/text.h"
@@ -83,13 +84,13 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
     }
     // 9. The axis scale factors: the leading number of each answer; 0 (also offline) is 1.
     for (int axis = 0; axis < 4; ++axis) {
-        double scale = ToNumber(talk.GetRspnsTxt("#" + std::to_string(axis + 1) + "->"));
+        double scale = ToNumber(talk.GetRspnsTxt(card::AxisDefinition[axis]));
         process.AxisScale[axis] = scale == 0 ? 1.0 : scale;
     }
     // 10. The card's own load position.
     if (process.Card.CardInUse) {
-        config.Machine.LoadPositionX = talk.GetRspnsSngl("Q10", -1);
-        config.Machine.LoadPositionY = talk.GetRspnsSngl("Q11", -1);
+        config.Machine.LoadPositionX = talk.GetRspnsSngl(card::LoadPosition1[0], -1);
+        config.Machine.LoadPositionY = talk.GetRspnsSngl(card::LoadPosition1[1], -1);
     }
     // 11. Plot settings.
     Run(steps.ReadPlotConfig, process);
@@ -98,7 +99,7 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
     // 13. Control.cfg with the active slot now settled.
     WriteControlConfig(config);
     // 14. The active slot to the card.
-    talk.Download("M811=" + std::to_string(config.ActiveSlot));
+    talk.Download(card::Assignment(card::ActiveSlot, std::to_string(config.ActiveSlot)));
     // 15. Dialogue work program, serial settings, receiving files.
     Run(steps.ReadDialogueProgram, process);
     Run(steps.ReadSerialSettings, process);
@@ -106,7 +107,7 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
     // 16. The splash stays its full time.
     while (!platform.SplashDone()) platform.ProcessEvents();
     // 17. The front end is up.
-    talk.Download("P1021=P1021|1");
+    talk.Download(card::RequestText(card::RequestFrontEndUp));
     // 18. FrontEnd.
     platform.StopSplashTimer();
     platform.ShowFrontEnd();
@@ -133,7 +134,7 @@ void EndProcess(Process& process, StartupPlatform& platform, CardLink* link, con
     // 7. The card: goodbye and save, unless the exit is for service.
     if (process.Card.CardInUse) {
         if (!forService) {
-            talk.Download("P1021=P1021-1");
+            talk.Download(card::RequestClearText(card::RequestFrontEndUp));
             if (process.Config.Card.SaveOnShutdown) {
                 talk.Download("save");
                 talk.WaitMs(process.Config.Card.SaveWaitMs);

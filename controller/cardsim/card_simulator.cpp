@@ -99,6 +99,8 @@ bool CardSimulator::RunToken(const std::string& token, std::string& answer) {
         if (openProgram_) programs_[openProgram_].clear();
         return true;
     }
+    if (RunCommand(token)) return true;
+    if (!token.empty() && (token[0] == 'B' || token[0] == '&' || token == "R")) return false;
     if (token == "PC") {
         answer += "P" + std::to_string(pcProgram_) + ":" + std::to_string(pcWord_) + pmac::Cr;
         return true;
@@ -140,6 +142,7 @@ bool CardSimulator::RunToken(const std::string& token, std::string& answer) {
 }
 
 std::string CardSimulator::ExecuteLocked(const std::string& line) {
+    AdvanceLocked();
     std::string text = UpperCase(Trim(line));
     std::string answer;
     if (text.starts_with("OPEN PROG")) {
@@ -203,6 +206,7 @@ void CardSimulator::SetVariable(const std::string& name, double value) {
 
 double CardSimulator::Variable(const std::string& name) {
     std::lock_guard lock(mutex_);
+    AdvanceLocked();
     return Slot(UpperCase(name));
 }
 
@@ -308,13 +312,188 @@ std::string CardSimulator::Command(const std::string& line) {
         for (const auto& l : Program(whole(a))) out += l + "\n";
         return out + "(" + std::to_string(Program(whole(a)).size()) + " lines)";
     }
+    if (verb == "START") return CycleStart() ? "cycle start" : "ERR003: no program to run";
+    if (verb == "FEEDHOLD") {
+        FeedHold();
+        return "feed hold";
+    }
+    if (verb == "ABORT") {
+        Abort();
+        return "aborted";
+    }
+    if (verb == "SPEED" && !a.empty()) {
+        SetRunSpeed(number(a));
+        return "speed " + ValueText(run_.Speed()) + " blocks/s";
+    }
+    if (verb == "WALK" && !a.empty()) {
+        WalkRun(std::clamp(number(a), 0.0, 1e9));
+        return "walked " + a + " steps";
+    }
+    if (verb == "OPTIONAL" && !a.empty()) {
+        SetOptionalStop(UpperCase(a) == "ON");
+        return std::string("optional stop ") + (run_.OptionalStop() ? "on" : "off");
+    }
+    if (verb == "RUN") {
+        std::lock_guard lock(mutex_);
+        AdvanceLocked();
+        const char* states[] = {"idle", "running", "feed hold", "stopped"};
+        return std::string(states[static_cast<int>(run_.Now())]) + ", P" + std::to_string(pcProgram_) + ":" +
+               std::to_string(pcWord_) + ", steps done " + std::to_string(run_.StepsDone()) + ", hits " +
+               ValueText(Slot("M869"));
+    }
     if (verb == "LOG") {
         std::string out;
         for (const auto& l : Received()) out += l + "\n";
         return out + "(" + std::to_string(Received().size()) + " commands)";
     }
     return "commands: set NAME VALUE | get NAME | raise BITS | station N | hit [N] | hold MS | "
-           "motor N POSITION [FOLLOWING] | axis N DEFINITION | pc PROGRAM WORD | program N | log | quit";
+           "motor N POSITION [FOLLOWING] | axis N DEFINITION | pc PROGRAM WORD | program N | start | feedhold | "
+           "abort | speed BLOCKS_PER_S | walk STEPS | optional on|off | run | log | quit";
+}
+
+// Program runs.
+
+double CardSimulator::Scale(int motor) const {
+    double scale = ToNumber(axisDefinition_[motor]);
+    return scale == 0 ? 1 : scale;
+}
+
+// The run's state in the status word, when it changed; the axes and the program counter while
+// a program runs; the hits and station changes of the last steps.
+void CardSimulator::ShowRunLocked(const ProgramRun::Events& events) {
+    Slot("M869") += events.Hits;
+    for (int station : events.Stations) {
+        Slot("M802") = station;
+        Slot("P1022") = static_cast<double>(Whole(Slot("P1022")) | 512);
+    }
+    ProgramRun::State state = run_.Now();
+    if (state != ProgramRun::State::Idle || events.Ended) {
+        position_[0] = run_.X() * Scale(0);
+        position_[1] = run_.Y() * Scale(1);
+        pcProgram_ = run_.Program();
+        pcWord_ = run_.Word();
+    }
+    if (state == shownState_) return;
+    shownState_ = state;
+    std::int64_t status = Whole(Slot("P1022")) & ~std::int64_t{16384 | 8192 | 4096 | 2048};
+    switch (state) {
+        case ProgramRun::State::Running: status |= 16384 | 8192; break;
+        case ProgramRun::State::Feedhold: status |= 16384 | 8192 | 2048; break;
+        case ProgramRun::State::Stopped: status |= 8192 | 4096; break;
+        case ProgramRun::State::Idle: break;
+    }
+    Slot("P1022") = static_cast<double>(status);
+}
+
+void CardSimulator::AdvanceLocked() { ShowRunLocked(run_.Advance(ProgramRun::Clock::now(), feedOverride_)); }
+
+bool CardSimulator::BeginLocked(int program) {
+    if (run_.Now() != ProgramRun::State::Idle) return false;
+    auto stored = programs_.find(program);
+    if (stored == programs_.end() || stored->second.empty() || !planSource_) return false;
+    std::optional<RunPlan> plan = planSource_(program);
+    if (!plan) return false;
+    // A slot's program starts its hit counter anew; the restart program counts on.
+    if (program >= 1 && program <= 4) Slot("M869") = 0;
+    ShowRunLocked(run_.Begin(program, std::move(*plan), position_[0] / Scale(0), position_[1] / Scale(1),
+                             ProgramRun::Clock::now()));
+    return true;
+}
+
+// The card's run commands: "B" and a program number (a label behind a point is not followed:
+// the program starts at its beginning), "R" to run or resume, "H" feed hold, "A" abort, each
+// optionally behind a coordinate system "&n". False for a token that is none of these.
+bool CardSimulator::RunCommand(const std::string& token) {
+    std::string t = token;
+    if (t.size() >= 2 && t[0] == '&' && IsDigit(t[1])) {
+        std::size_t i = 1;
+        while (i < t.size() && IsDigit(t[i])) ++i;
+        t = t.substr(i);
+        if (t.empty()) return true;
+    }
+    if (t == "H") {
+        run_.Hold();
+        ShowRunLocked({});
+        return true;
+    }
+    if (t == "A") {
+        run_.Abort();
+        ShowRunLocked({});
+        return true;
+    }
+    bool run = !t.empty() && t.back() == 'R';
+    if (run) t.pop_back();
+    bool begin = !t.empty() && t[0] == 'B';
+    if (begin) {
+        std::string number = t.substr(1);
+        if (number.empty() || number.find_first_not_of("0123456789.") != std::string::npos) return false;
+        double value = ToNumber(number);
+        if (!(value >= 1 && value <= 32767)) return false;
+        pointedProgram_ = static_cast<int>(value);
+        t.clear();
+    }
+    if (!t.empty()) return false;
+    if (!run) return true;
+    // "R" alone resumes a held or stopped program; "B" and "R" begins one, never over another.
+    if (!begin && (run_.Now() == ProgramRun::State::Feedhold || run_.Now() == ProgramRun::State::Stopped)) {
+        run_.Resume(ProgramRun::Clock::now());
+        ShowRunLocked({});
+        return true;
+    }
+    return BeginLocked(pointedProgram_);
+}
+
+void CardSimulator::SetRunPlanSource(RunPlanSource source) {
+    std::lock_guard lock(mutex_);
+    planSource_ = std::move(source);
+}
+
+void CardSimulator::SetRunSpeed(double blocksPerSecond) {
+    std::lock_guard lock(mutex_);
+    AdvanceLocked();
+    run_.SetSpeed(blocksPerSecond);
+}
+
+void CardSimulator::SetOptionalStop(bool on) {
+    std::lock_guard lock(mutex_);
+    run_.SetOptionalStop(on);
+}
+
+bool CardSimulator::CycleStart() {
+    std::lock_guard lock(mutex_);
+    AdvanceLocked();
+    if (run_.Now() == ProgramRun::State::Feedhold || run_.Now() == ProgramRun::State::Stopped) {
+        run_.Resume(ProgramRun::Clock::now());
+        ShowRunLocked({});
+        return true;
+    }
+    double slot = Slot("M811");
+    return BeginLocked(slot == 2 ? 2 : slot == 5 ? 5 : 1);
+}
+
+void CardSimulator::FeedHold() {
+    std::lock_guard lock(mutex_);
+    AdvanceLocked();
+    run_.Hold();
+    ShowRunLocked({});
+}
+
+void CardSimulator::WalkRun(double steps) {
+    std::lock_guard lock(mutex_);
+    AdvanceLocked();
+    ShowRunLocked(run_.Walk(steps));
+}
+
+void CardSimulator::Abort() {
+    std::lock_guard lock(mutex_);
+    run_.Abort();
+    ShowRunLocked({});
+}
+
+ProgramRun::State CardSimulator::RunState() {
+    std::lock_guard lock(mutex_);
+    AdvanceLocked();
+    return run_.Now();
 }
 
 bool CardSimulator::Start(int port) {

@@ -12,6 +12,8 @@
 #include <thread>
 #include <vector>
 
+#include "controller/cardsim/program_run.h"
+#include "controller/cardsim/run_plan.h"
 #include "controller/pmac_protocol.h"
 
 namespace kirvana {
@@ -48,14 +50,34 @@ public:
     std::vector<std::string> Program(int number);             // a stored motion program
     std::vector<std::string> Received();                      // every command, in order
     void ClearReceived();
+    // Running programs: where the steps of a program come from, and the speed in blocks per
+    // second at a feed override of 100 (100: real time).
+    void SetRunPlanSource(RunPlanSource source);
+    void SetRunSpeed(double blocksPerSecond);
+    void SetOptionalStop(bool on);
+    // The machine's buttons: cycle start (resumes a hold or a stop, else runs the program of the
+    // active slot in M811: 1, 2 or 5), feed hold, and an abort. False when the program can't run.
+    bool CycleStart();
+    void FeedHold();
+    void Abort();
+    // Walks a running program on by a number of steps, whatever its speed.
+    void WalkRun(double steps);
+    ProgramRun::State RunState();
+
     // The text command channel: "set NAME VALUE", "get NAME", "raise BITS", "station N",
     // "hit [N]", "hold MS", "motor N POSITION [FOLLOWING]", "axis N DEFINITION",
-    // "pc PROGRAM WORD", "program N", "log", "help". Gives the reply text.
+    // "pc PROGRAM WORD", "program N", "start", "feedhold", "abort", "speed N",
+    // "walk STEPS", "optional on|off", "run", "log", "help". Gives the reply text.
     std::string Command(const std::string& line);
 
 private:
     std::string ExecuteLocked(const std::string& line);
     bool RunToken(const std::string& token, std::string& answer);
+    bool RunCommand(const std::string& token);
+    bool BeginLocked(int program);
+    void AdvanceLocked();
+    void ShowRunLocked(const ProgramRun::Events& events);
+    double Scale(int motor) const;
     double Evaluate(const std::string& expression, bool& ok);
     double& Slot(const std::string& name);
     void Serve();
@@ -73,6 +95,10 @@ private:
     int openProgram_ = 0;
     std::vector<std::string> received_;
     int holdMs_ = 0;
+    ProgramRun run_;
+    RunPlanSource planSource_;
+    int pointedProgram_ = 1;                      // the program "B" points at
+    ProgramRun::State shownState_ = ProgramRun::State::Idle;
 
     int listener_ = -1;
     int port_ = 0;

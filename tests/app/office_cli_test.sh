@@ -99,5 +99,29 @@ check card-office $'(card not in use: office seat, every answer is empty)\nP1022
 exec 7>&-
 wait "$simpid"
 
+# The watch command: the demo program run on a simulator that reads the installation's slots.
+cp -r "$demo" "$work/watch"
+printf 'Card in use: TRUE\nPoll log: FALSE\n******\n' > "$work/watch/Control.cnc"
+mkfifo "$work/watchin"
+"$cardsim" --port 0 --root "$work/watch" --speed 1000 < "$work/watchin" > "$work/watchout" 2>&1 &
+watchpid=$!
+exec 8> "$work/watchin"
+for _ in $(seq 50); do grep -q listening "$work/watchout" && break; sleep 0.1; done
+port="$(sed -n 's/.*127.0.0.1:\([0-9]*\).*/\1/p' "$work/watchout" | head -1)"
+printf 'Save: N\nWait: 0\nPoll: 50\nDelay: 50\nCard address: 127.0.0.1:%s\n******\n' "$port" > "$work/watch/PMAC.cfg"
+check_code watch-select 0 "$office" select --root "$work/watch" --dir Dorvenis --program PLATE01
+"$office" watch --root "$work/watch" --start --until-idle --interval 5 > "$work/watched" 2>&1
+check watch-code 0 echo $?
+check watch-end "| at rest | P1 record 12: X350 Y250 | hits: 5 | feed 100" sh -c "tail -1 '$work/watched' | sed 's/.*C [0-9.]* //'"
+check watch-ran "running, in cycle" sh -c "grep -o 'running, in cycle' '$work/watched' | head -1"
+echo "set P1020 5" >&8
+sleep 0.1
+check watch-messages $'tick 1: X 350.0 Y 250.0 C 0.00 | at rest | hits: 5 | feed 100\n  message: Program finished\n  message: Punch in clamp zone' \
+    "$office" watch --root "$work/watch" --ticks 1
+check_code watch-usage 2 "$office" watch --root "$work/watch" --ticks 0
+check_code watch-unknown 2 "$office" watch --root "$work/watch" --fast
+exec 8>&-
+wait "$watchpid"
+
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ]

@@ -472,3 +472,24 @@ TEST_F(PollTest, ProfilerHeadEdgesAskForARefresh) {
     Tick();
     EXPECT_TRUE(p.Display.HeadCaptionsChanged);
 }
+
+TEST_F(PollTest, TooMuchOrGarbageForTheCounterMessagesAndStatus) {
+    p.Display.Visible.ViewProgForm = true;
+    p.Display.Visible.MessageForm = true;
+    card.Values["P1022"] = "16384";
+    for (const std::string& counter : {std::string("P1:") + std::string(5000, '9'), std::string("P7:5"),
+                                       std::string("P2:-3 P1:x"), std::string(3000, 'P'), std::string()}) {
+        card.Values["PC"] = counter;
+        card.Values["M830"] = std::string(2000, '7');
+        card.Values["P1020"] = "1" + std::string(400, '0');
+        Tick();
+        EXPECT_TRUE(p.Running) << counter.substr(0, 20);
+        EXPECT_EQ(p.Display.Messages.LineCount, 0);
+        EXPECT_GE(p.Display.Block.Program, 1);
+        EXPECT_LE(p.Display.Block.Program, 4);
+    }
+    card.Values["P1022"] = std::string(1000, '1');
+    Tick();
+    EXPECT_EQ(p.Poll.StatusWord, 0);
+    EXPECT_FALSE(p.Running);
+}
