@@ -152,6 +152,13 @@ QWidget* FrontEnd::BuildStatusPanel() {
         grid->addWidget(positionLabels_[i], 0, i);
         grid->addWidget(positionTexts_[i], 1, i);
     }
+    hitLabel_ = new QLabel("HITS", positionBox_);
+    hitCount_ = new QLabel(positionBox_);
+    hitCount_->setObjectName("HitCountText");
+    hitCount_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    hitCount_->setMinimumWidth(90);
+    grid->addWidget(hitLabel_, 0, 6);
+    grid->addWidget(hitCount_, 1, 6);
     layout->addWidget(positionBox_, 1);
     return status;
 }
@@ -200,9 +207,6 @@ void FrontEnd::ApplyColours() {
     for (QPushButton* b : graphicsButtons_) b->setStyleSheet(subStyle);
     for (QPushButton* b : pathButtons_) b->setStyleSheet(subStyle);
     dialoguePanel_->setStyleSheet(PanelStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
-    for (QLabel* l : positionLabels_)
-        l->setStyleSheet(QString("color: %1; font-size: 15px; font-weight: bold; background: transparent;")
-                             .arg(ToQColor(c[ColourItem::XYHeaders]).name()));
 }
 
 void FrontEnd::ShowNavigation() {
@@ -243,6 +247,7 @@ void FrontEnd::ShowNavigation() {
 void FrontEnd::ShowModel() {
     const DisplayModel& model = panel_.State().Display;
     for (int i = 0; i < 6; ++i) positionTexts_[i]->setText(Q(model.FrontEnd.PositionText[i]));
+    hitCount_->setText(QString::number(model.HitCount));
     // The two status boxes: the position box and the message button; written only on a change.
     int colours = static_cast<int>(model.FrontEnd.Colours);
     if (colours != shownColours_) {
@@ -253,9 +258,10 @@ void FrontEnd::ShowModel() {
         positionBox_->setStyleSheet(QString("QFrame#PositionBox { background: %1; border: 2px solid #000000; }"
                                             " QLabel { color: %2; font-size: 24px; font-weight: bold; font-family: 'DejaVu Sans Mono'; }")
                                         .arg(ToQColor(pair.Background).name(), text));
-        for (QLabel* l : positionLabels_)
-            l->setStyleSheet(QString("color: %1; font-size: 15px; font-weight: bold; background: transparent;")
-                                 .arg(model.FrontEnd.Colours == StatusColours::Normal ? ToQColor(c[ColourItem::XYHeaders]).name() : text));
+        QString header = QString("color: %1; font-size: 15px; font-weight: bold; background: transparent;")
+                             .arg(model.FrontEnd.Colours == StatusColours::Normal ? ToQColor(c[ColourItem::XYHeaders]).name() : text);
+        for (QLabel* l : positionLabels_) l->setStyleSheet(header);
+        hitLabel_->setStyleSheet(header);
         messageButton_->setStyleSheet(model.FrontEnd.Colours == StatusColours::Normal
                                           ? ButtonStyle(c[ColourItem::MainKeys], c[ColourItem::MainKeyText], 18)
                                           : ButtonStyle(pair.Background, pair.Text, 18));

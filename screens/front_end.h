@@ -38,6 +38,8 @@ public:
     QPushButton* ExitDialogueButton() { return exitDialogue_; }
     QLabel* PositionText(int index) { return positionTexts_[index - 1]; }
     QLabel* PositionLabel(int index) { return positionLabels_[index - 1]; }
+    // The active slot's hit counter, beside the positions.
+    QLabel* HitCountText() { return hitCount_; }
     QFrame* PositionBox() { return positionBox_; }
     QLabel* HeaderPanel() { return header_; }
     QLabel* TextPanel() { return text_; }
@@ -81,6 +83,8 @@ private:
     QPushButton* exitDialogue_ = nullptr;
     std::array<QLabel*, 6> positionLabels_{};
     std::array<QLabel*, 6> positionTexts_{};
+    QLabel* hitLabel_ = nullptr;
+    QLabel* hitCount_ = nullptr;
     int shownColours_ = -1;
 };
 

@@ -34,6 +34,8 @@ Panel::Panel(PanelOptions options)
         startNote_ = config.Note;
     };
     link_.SetFaultHandler([this](std::int32_t number, const std::string& description) {
+        // A link that fails to open during the start: "Initialisation Failure !" speaks for it.
+        if (starting_ && !link_.Enabled()) return;
         HandleCardFault(process_, *this, &link_, steps_, number, description);
     });
     connect(&pollTimer_, &QTimer::timeout, this, [this] { PollTimerTick(); });
@@ -60,7 +62,9 @@ int Panel::Start(const std::string& root) {
         std::fprintf(stderr, "kirvana: cannot use %s as the installation: %s\n", root.c_str(), error.message().c_str());
         return 3;
     }
+    starting_ = true;
     StartOutcome outcome = Main(process_, *this, &link_, steps_);
+    starting_ = false;
     if (outcome.Result == StartOutcome::Kind::ConfigurationFault) {
         std::string text = "Kirvana 32 cannot start: " + outcome.Fault.Message();
         std::fprintf(stderr, "%s\n", text.c_str());

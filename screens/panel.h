@@ -124,6 +124,7 @@ private:
     std::unique_ptr<SplashForm> splash_;
     QTimer pollTimer_;
     bool inTick_ = false;
+    bool starting_ = false;
     bool ended_ = false;
     int exitCode_ = 0;
     std::string startNote_;

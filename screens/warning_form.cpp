@@ -81,7 +81,7 @@ bool WarningForm::FormKey(int code, QKeyEvent& event) {
     // Enter presses the button with the focus; Escape the last one (OK, NO or CANCEL).
     if (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) {
         for (int i = 0; i < 3; ++i)
-            if (buttons_[i]->hasFocus()) Press(i + 1);
+            if (focusWidget() == buttons_[i]) Press(i + 1);
         return true;
     }
     if (event.key() == Qt::Key_Escape) {
