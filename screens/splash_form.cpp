@@ -24,6 +24,7 @@ SplashForm::SplashForm(const ColourTable& colours) : QWidget(nullptr) {
     layout->addWidget(title_, 3);
     layout->addWidget(version_, 1);
     timer_.setSingleShot(false);
+    timer_.setTimerType(Qt::PreciseTimer);
     QObject::connect(&timer_, &QTimer::timeout, this, [this] { done_ = true; });
 }
 
