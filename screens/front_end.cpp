@@ -147,7 +147,8 @@ QWidget* FrontEnd::BuildStatusPanel() {
         positionLabels_[i]->setObjectName(QString("PositionLabel%1").arg(i + 1));
         positionTexts_[i] = new QLabel(positionBox_);
         positionTexts_[i]->setObjectName(QString("PositionText%1").arg(i + 1));
-        positionTexts_[i]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        positionLabels_[i]->setAlignment(Qt::AlignCenter);
+        positionTexts_[i]->setAlignment(Qt::AlignCenter);
         positionTexts_[i]->setMinimumWidth(i < 3 ? 130 : 80);
         grid->addWidget(positionLabels_[i], 0, i);
         grid->addWidget(positionTexts_[i], 1, i);
@@ -155,7 +156,8 @@ QWidget* FrontEnd::BuildStatusPanel() {
     hitLabel_ = new QLabel("HITS", positionBox_);
     hitCount_ = new QLabel(positionBox_);
     hitCount_->setObjectName("HitCountText");
-    hitCount_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    hitLabel_->setAlignment(Qt::AlignCenter);
+    hitCount_->setAlignment(Qt::AlignCenter);
     hitCount_->setMinimumWidth(90);
     grid->addWidget(hitLabel_, 0, 6);
     grid->addWidget(hitCount_, 1, 6);

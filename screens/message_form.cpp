@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QVBoxLayout>
 
 #include "controller/poll_cycle.h"
@@ -15,9 +16,13 @@ MessageForm::MessageForm(Panel& panel) : PanelForm(panel, "MessageForm") {
     const ColourTable& c = panel.Colours();
     setWindowTitle("MESSAGES");
     setFixedSize(900, 740);
-    setStyleSheet(PanelStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
+    setStyleSheet(FormStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
     auto* layout = new QVBoxLayout(this);
     layout->setSpacing(6);
+    auto* caption = new QLabel("MESSAGES", this);
+    caption->setAlignment(Qt::AlignCenter);
+    caption->setStyleSheet(PanelStyle(c[ColourItem::HeaderBackground], c[ColourItem::HeaderText], 22, true));
+    layout->addWidget(caption);
     box_ = new QWidget(this);
     box_->setObjectName("MessageBox");
     box_->setStyleSheet(PanelStyle(c[ColourItem::TextBackground], c[ColourItem::Text]));

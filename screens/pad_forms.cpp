@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QGridLayout>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QVBoxLayout>
@@ -19,7 +18,7 @@ void QtBeeper::Beep() {
 
 PadForm::PadForm(Panel& panel, std::string name, bool keyboard) : PanelForm(panel, std::move(name)), keyboard_(keyboard) {
     const ColourTable& c = panel.Colours();
-    setStyleSheet(PanelStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
+    setStyleSheet(FormStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
     box_ = new QLineEdit(this);
     box_->setReadOnly(true);
     box_->setMinimumHeight(TouchSize);
@@ -27,11 +26,12 @@ PadForm::PadForm(Panel& panel, std::string name, bool keyboard) : PanelForm(pane
     box_->setStyleSheet(PanelStyle(c[ColourItem::TextBackground], c[ColourItem::Text], 26, true));
 }
 
-QWidget* PadForm::BuildControls() {
+QWidget* PadForm::BuildControls(int columns) {
     const ColourTable& c = panel_.Colours();
     auto* row = new QWidget(this);
-    auto* layout = new QHBoxLayout(row);
+    auto* layout = new QGridLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
+    int placed = 0;
     cursor_[0] = MakeButton("<", row, 80);
     cursor_[1] = MakeButton(">", row, 80);
     delete_[0] = MakeButton("&CLEAR ALT+C", row, 150);
@@ -48,7 +48,8 @@ QWidget* PadForm::BuildControls() {
         b->setStyleSheet(ButtonStyle(c[ColourItem::GeneralButtons], c[ColourItem::GeneralButtonText], 18));
         b->setAutoDefault(false);
         b->setFocusPolicy(Qt::NoFocus);
-        layout->addWidget(b);
+        layout->addWidget(b, placed / columns, placed % columns);
+        ++placed;
     }
     connect(cursor_[0], &QPushButton::clicked, this, [this] { entry_->CursorLeft(); ShowEntry(); });
     connect(cursor_[1], &QPushButton::clicked, this, [this] { entry_->CursorRight(); ShowEntry(); });
@@ -128,7 +129,7 @@ bool PadForm::FormKey(int, QKeyEvent& event) {
 NumberForm::NumberForm(Panel& panel) : PadForm(panel, "NumberForm", false) {
     const ColourTable& c = panel.Colours();
     setWindowTitle("NUMBER PAD");
-    setFixedSize(560, 600);
+    setFixedSize(560, 640);
     auto* layout = new QVBoxLayout(this);
     auto* caption = new QLabel("NUMBER PAD", this);
     caption->setObjectName("NumberPanel");
@@ -138,14 +139,15 @@ NumberForm::NumberForm(Panel& panel) : PadForm(panel, "NumberForm", false) {
     box_->setObjectName("NumberBox");
     layout->addWidget(box_);
     auto* grid = new QGridLayout();
-    const char* keys = "789(456)123*-0.+/";
+    const char* keys = "789()456*/123-+0.";
     for (int i = 0; i < 17; ++i) {
         QPushButton* b = AddKey(std::string(1, keys[i]), keys[i], this);
         b->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-        grid->addWidget(b, i / 4, i % 4);
+        if (i == 15) grid->addWidget(b, 3, 0, 1, 3);  // a wide 0
+        else grid->addWidget(b, i / 5, i == 16 ? 3 : i % 5, 1, i == 16 ? 2 : 1);
     }
     layout->addLayout(grid, 1);
-    layout->addWidget(BuildControls());
+    layout->addWidget(BuildControls(3));
 }
 
 KeyboardForm::KeyboardForm(Panel& panel) : PadForm(panel, "KeyboardForm", true) {
@@ -181,7 +183,7 @@ KeyboardForm::KeyboardForm(Panel& panel) : PadForm(panel, "KeyboardForm", true) 
     letters_.push_back(' ');
     grid->addWidget(space, 4, 3, 1, 9);
     layout->addLayout(grid, 1);
-    layout->addWidget(BuildControls());
+    layout->addWidget(BuildControls(6));
     connect(shift_, &QPushButton::clicked, this, [this] {
         upper_ = !upper_;
         ShowCase();

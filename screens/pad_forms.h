@@ -42,7 +42,8 @@ protected:
     void ShowEntry();
     // Adds a key button sending its character.
     QPushButton* AddKey(const std::string& caption, int character, QWidget* parent);
-    QWidget* BuildControls();
+    // The cursor, delete, OK and CANCEL buttons in rows of `columns`.
+    QWidget* BuildControls(int columns);
 
     std::unique_ptr<PadEntry> entry_;
     std::vector<QPushButton*> keys_;

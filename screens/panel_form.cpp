@@ -10,6 +10,8 @@ namespace kirvana {
 PanelForm::PanelForm(Panel& panel, std::string name) : QDialog(nullptr), panel_(panel), name_(std::move(name)) {
     setObjectName(Q(name_));
     setModal(true);
+    // Without a window frame on a kiosk the form needs an edge of its own.
+    setAttribute(Qt::WA_StyledBackground, true);
 }
 
 void PanelForm::keyPressEvent(QKeyEvent* event) {

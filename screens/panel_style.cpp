@@ -53,4 +53,10 @@ int KeyCodeOf(const QKeyEvent& event) {
     }
 }
 
+QString FormStyle(std::int32_t background, std::int32_t text) {
+    return QString("QDialog { background: %1; border: 3px solid #000000; } QWidget { color: %2; font-size: %3px; }")
+        .arg(Css(background), Css(text))
+        .arg(PanelFontPx);
+}
+
 }  // namespace kirvana

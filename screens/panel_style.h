@@ -24,6 +24,8 @@ QString ButtonStyle(std::int32_t background, std::int32_t text, int fontPx = Pan
 // A panel's style: background and text.
 QString PanelStyle(std::int32_t background, std::int32_t text, int fontPx = PanelFontPx, bool bold = false);
 
+// A form's style: its background, text and a black edge.
+QString FormStyle(std::int32_t background, std::int32_t text);
 // A touch button with the system's caption ("&" marks the key).
 QPushButton* MakeButton(const std::string& caption, QWidget* parent, int minWidth = TouchSize);
 

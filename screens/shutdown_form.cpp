@@ -12,7 +12,7 @@ ShutdownForm::ShutdownForm(Panel& panel) : PanelForm(panel, "ShutdownForm") {
     const ColourTable& c = panel.Colours();
     setWindowTitle("KIRVANA 32");
     setFixedSize(620, 300);
-    setStyleSheet(PanelStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
+    setStyleSheet(FormStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
     auto* layout = new QVBoxLayout(this);
     auto* caption = new QLabel("KIRVANA 32", this);
     caption->setObjectName("ShutdownPanel");

@@ -13,7 +13,7 @@ UserForm::UserForm(Panel& panel) : PanelForm(panel, "UserForm") {
     const ColourTable& c = panel.Colours();
     setWindowTitle("USER KEYS");
     setFixedSize(900, 560);
-    setStyleSheet(PanelStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
+    setStyleSheet(FormStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
     auto* layout = new QVBoxLayout(this);
     auto* caption = new QLabel("USER KEYS", this);
     caption->setAlignment(Qt::AlignCenter);
@@ -30,19 +30,20 @@ UserForm::UserForm(Panel& panel) : PanelForm(panel, "UserForm") {
         buttons_[i]->setObjectName(QString("UserButton%1").arg(i + 1));
         buttons_[i]->setStyleSheet(buttonStyle);
         buttons_[i]->setAutoDefault(false);
-        checks_[i] = new QCheckBox(this);
+        checks_[i] = MakeButton("", this, 200);
         checks_[i]->setObjectName(QString("UserCheck%1").arg(i + 1));
-        checks_[i]->setMinimumHeight(TouchSize);
-        checks_[i]->setStyleSheet("QCheckBox { font-size: 17px; font-weight: bold; }"
-                                  " QCheckBox::indicator { width: 40px; height: 40px; }");
+        checks_[i]->setCheckable(true);
+        checks_[i]->setStyleSheet(buttonStyle);
+        checks_[i]->setAutoDefault(false);
         grid->addWidget(buttons_[i], i / 4, i % 4);
         grid->addWidget(checks_[i], i / 4, i % 4);
         connect(buttons_[i], &QPushButton::pressed, this, [this, i] { Send(config_.Keys[i].OnText); });
         connect(buttons_[i], &QPushButton::released, this, [this, i] { Send(config_.Keys[i].OffText); });
-        connect(checks_[i], &QCheckBox::clicked, this,
+        connect(checks_[i], &QPushButton::clicked, this,
                 [this, i](bool on) { Send(on ? config_.Keys[i].OnText : config_.Keys[i].OffText); });
     }
-    layout->addLayout(grid, 1);
+    layout->addLayout(grid);
+    layout->addStretch(1);
     exit_ = MakeButton("E&XIT", this, 180);
     exit_->setObjectName("ExitButton");
     exit_->setStyleSheet(buttonStyle);

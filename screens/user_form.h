@@ -2,7 +2,6 @@
 // its text to the card.
 #pragma once
 
-#include <QCheckBox>
 #include <QLabel>
 #include <QPushButton>
 #include <array>
@@ -18,7 +17,8 @@ public:
     // Keypad.cfg read again at each opening.
     void Activate() override;
     QPushButton* UserButton(int index) { return buttons_[index - 1]; }
-    QCheckBox* UserCheck(int index) { return checks_[index - 1]; }
+    // A latching key: a button that stays in.
+    QPushButton* UserCheck(int index) { return checks_[index - 1]; }
     QPushButton* ExitButton() { return exit_; }
     QLabel* NoteLabel() { return note_; }
 
@@ -29,7 +29,7 @@ private:
     void Send(const std::string& text);
     KeypadConfig config_;
     std::array<QPushButton*, UserKeyCount> buttons_{};
-    std::array<QCheckBox*, UserKeyCount> checks_{};
+    std::array<QPushButton*, UserKeyCount> checks_{};
     QPushButton* exit_;
     QLabel* note_;
 };

@@ -2,7 +2,8 @@
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QStyle>
+#include <QPainter>
+#include <QPainterPath>
 #include <QVBoxLayout>
 
 #include "screens/panel.h"
@@ -10,11 +11,55 @@
 
 namespace kirvana {
 
+namespace {
+
+// The image of a kind, 64 pixels: "i" in a blue disc, "?" in a green disc, "!" in a red triangle.
+QPixmap KindImage(WarningImage image) {
+    QPixmap pixmap(64, 64);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(Qt::black, 2));
+    QString mark;
+    switch (image) {
+        case WarningImage::Information:
+            painter.setBrush(QColor(0, 90, 200));
+            painter.drawEllipse(QRectF(2, 2, 60, 60));
+            mark = "i";
+            break;
+        case WarningImage::Question:
+            painter.setBrush(QColor(0, 150, 60));
+            painter.drawEllipse(QRectF(2, 2, 60, 60));
+            mark = "?";
+            break;
+        case WarningImage::Warning: {
+            QPainterPath triangle;
+            triangle.moveTo(32, 2);
+            triangle.lineTo(62, 60);
+            triangle.lineTo(2, 60);
+            triangle.closeSubpath();
+            painter.setBrush(QColor(220, 0, 0));
+            painter.drawPath(triangle);
+            mark = "!";
+            break;
+        }
+    }
+    QFont font = painter.font();
+    font.setPixelSize(40);
+    font.setBold(true);
+    painter.setFont(font);
+    painter.setPen(Qt::white);
+    painter.drawText(QRectF(0, image == WarningImage::Warning ? 10 : 0, 64, 64), Qt::AlignCenter, mark);
+    return pixmap;
+}
+
+}  // namespace
+
 WarningForm::WarningForm(Panel& panel) : PanelForm(panel, "WarningForm") {
     const ColourTable& c = panel.Colours();
     setWindowTitle("KIRVANA 32");
     setMinimumSize(640, 340);
-    setStyleSheet(PanelStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
+    setStyleSheet(FormStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
     auto* layout = new QVBoxLayout(this);
     auto* caption = new QLabel("KIRVANA 32", this);
     caption->setObjectName("WarningPanel");
@@ -50,22 +95,19 @@ void WarningForm::Activate() {
     const ColourTable& c = panel_.Colours();
     pressed_ = 0;
     label_->setText(Q(gate.Text()));
-    QStyle::StandardPixmap pixmap = QStyle::SP_MessageBoxInformation;
     std::int32_t colour = c[ColourItem::OkMessageButton], text = c[ColourItem::OkMessageButtonText];
     switch (ImageOfKind(gate.Kind())) {
         case WarningImage::Question:
-            pixmap = QStyle::SP_MessageBoxQuestion;
             colour = c[ColourItem::WarningMessageButton];
             text = c[ColourItem::WarningMessageButtonText];
             break;
         case WarningImage::Warning:
-            pixmap = QStyle::SP_MessageBoxWarning;
             colour = c[ColourItem::CriticalMessageButton];
             text = c[ColourItem::CriticalMessageButtonText];
             break;
         default: break;
     }
-    image_->setPixmap(style()->standardIcon(pixmap).pixmap(64, 64));
+    image_->setPixmap(KindImage(ImageOfKind(gate.Kind())));
     image_->setProperty("kind", static_cast<int>(ImageOfKind(gate.Kind())));
     std::vector<std::string> captions = WarningCaptions(gate.Kind());
     for (int i = 0; i < 3; ++i) {
