@@ -2,6 +2,7 @@
 
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QCloseEvent>
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
@@ -282,6 +283,15 @@ void FrontEnd::keyPressEvent(QKeyEvent* event) {
 void FrontEnd::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     panel_.FrontEndActivated();
+}
+
+void FrontEnd::closeEvent(QCloseEvent* event) {
+    if (panel_.Ended()) {
+        QWidget::closeEvent(event);
+        return;
+    }
+    event->ignore();
+    panel_.MainKeyPressed(key::F12);
 }
 
 void FrontEnd::changeEvent(QEvent* event) {

@@ -54,6 +54,8 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void changeEvent(QEvent* event) override;
+    // The window's close: the operator's shutdown screen, as F12 opens it.
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     QWidget* BuildStatusPanel();
