@@ -124,6 +124,21 @@ bool Panel::OpenForm(const std::string& name) {
     return true;
 }
 
+void Panel::ShowCurrentForm(const std::string& name) {
+    if (name == "FrontEnd" && frontEnd_) {
+        frontEnd_->raise();
+        frontEnd_->activateWindow();
+        return;
+    }
+    PanelForm* form = forms_.Loaded(name);
+    if (form && form->isVisible()) {
+        form->raise();
+        form->activateWindow();
+        return;
+    }
+    OpenForm(name);
+}
+
 void Panel::RunModal(PanelForm* form) {
     if (form->isVisible()) {
         form->raise();

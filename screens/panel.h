@@ -60,6 +60,8 @@ public:
     void DoKeyAction(const KeyResult& result);
     // Opens a form as its key does; false when no form answers to the name.
     bool OpenForm(const std::string& name);
+    // Brings the named form back: raised when it is showing, else opened as its key opens it.
+    void ShowCurrentForm(const std::string& name);
     // F10, F11 and the program buttons.
     void ChangeProgramTo(int slot);
     // The graphics panel's buttons, its cursor and path buttons.

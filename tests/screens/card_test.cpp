@@ -1,6 +1,10 @@
 #include <QLabel>
 
 #include "controller/cardsim/card_simulator.h"
+#include "core/number.h"
+#include "core/slot_run_plan.h"
+#include "navigation/navigation.h"
+#include "screens/shutdown_form.h"
 #include "screens/warning_form.h"
 #include "tests/screens/panel_fixture.h"
 
@@ -78,25 +82,60 @@ TEST_F(PanelTest, CardThatDiesMidRunAsksAndTheAnswerYesEndsForService) {
 
 TEST_F(PanelTest, EndToEndARunOnTheSimulatorShowsItsFinalPositionAndHits) {
     CardSimulator sim;
+    Directories dirs;
+    dirs.RootDir = dir_.Path();
+    sim.SetRunPlanSource(SlotRunPlanSource(dirs));
+    sim.SetRunSpeed(40);
     ASSERT_TRUE(sim.Start(0));
     CardAt(sim.Port());
     ASSERT_EQ(Start(), 0);
     Select(1, "PLATE01");
     ASSERT_FALSE(sim.Program(1).empty());
-    // The cycle start: the card runs, moves and punches over several ticks, then stops.
-    sim.RaiseStatusBits(16384 | 8192);
-    for (int step = 1; step <= 5; ++step) {
-        sim.SetMotor(1, 100.0 * step + 0.3, 0);
-        sim.SetMotor(2, 50.0 * step, 0);
-        sim.StepHits(1);
-        Spin(120);
-        EXPECT_TRUE(P().State().Running);
+    // The machine's cycle start button; the panel follows the run tick by tick until it ends.
+    ASSERT_TRUE(sim.CycleStart());
+    QElapsedTimer clock;
+    clock.start();
+    bool sawRunning = false;
+    while (clock.elapsed() < 20000) {
+        Spin(50);
+        sawRunning = sawRunning || P().State().Running;
+        if (sawRunning && !P().State().Running) break;
     }
-    sim.SetVariable("P1022", 0);
-    Spin(200);
+    ASSERT_TRUE(sawRunning);
     EXPECT_FALSE(P().State().Running);
-    EXPECT_EQ(F().PositionText(1)->text(), "500.3");
-    EXPECT_EQ(F().PositionText(2)->text(), "250.0");
-    EXPECT_EQ(F().HitCountText()->text(), "5");
-    EXPECT_EQ(P().State().Display.HitCount, 5);
+    Spin(200);
+    // The simulator's own final position and hit count, as the status panel shows them.
+    auto answer = [&](const char* query) {
+        std::string text = sim.Execute(query);
+        return text.substr(0, text.find('\r'));
+    };
+    std::string x = FormatNumber(ToNumber(answer("#1P")), 1);
+    std::string y = FormatNumber(ToNumber(answer("#2P")), 1);
+    EXPECT_EQ(F().PositionText(1)->text().toStdString(), x);
+    EXPECT_EQ(F().PositionText(2)->text().toStdString(), y);
+    EXPECT_EQ(F().HitCountText()->text().toStdString(), answer("M869"));
+    EXPECT_EQ(answer("M869"), "5");  // PLATE01's five hits
+    EXPECT_NE(x, "0.0");
+}
+
+TEST_F(PanelTest, ShutdownWithSaveAndNoWaitSendsSaveAndGoodbye) {
+    CardSimulator sim;
+    ASSERT_TRUE(sim.Start(0));
+    Write("Control.cnc", "Card in use: TRUE\nPoll log: FALSE\n******\n");
+    Write("PMAC.cfg", "Save on shutdown: YES\nSave wait (ms): 0\nPoll interval (ms): 50\nPoll restart delay (ms): 60\n"
+                      "Card: 127.0.0.1:" + std::to_string(sim.Port()) + "\n******\n");
+    ASSERT_EQ(Start(), 0);
+    sim.ClearReceived();
+    QElapsedTimer clock;
+    WhenModal([&](QWidget* modal) {
+        clock.start();
+        static_cast<ShutdownForm*>(modal)->ShutdownButton()->click();
+    });
+    Key(key::F12);
+    EXPECT_LT(clock.elapsed(), 1000);
+    EXPECT_EQ(Ends, 1);
+    EXPECT_EQ(PowerOffs, 1);
+    std::vector<std::string> received = sim.Received();
+    EXPECT_NE(std::find(received.begin(), received.end(), "P1021=P1021-1"), received.end());
+    EXPECT_NE(std::find(received.begin(), received.end(), "SAVE"), received.end());  // the card takes its commands in capitals
 }

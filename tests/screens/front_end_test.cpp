@@ -190,3 +190,23 @@ TEST_F(PanelTest, EveryButtonIsATouchTargetAt1024By768) {
     Spin(20);
     check(&F());
 }
+
+TEST_F(PanelTest, ShowCurrentFormBringsBackTheFormLastOpened) {
+    ASSERT_EQ(Start(), 0);
+    std::string during, after;
+    WhenModal([&](QWidget* modal) {
+        // A running operation hands the focus back to CurrentForm: the form showing is raised, not opened again.
+        P().ShowCurrentForm(P().Nav().CurrentForm);
+        during = QApplication::activeModalWidget()->objectName().toStdString();
+        modal->close();
+    });
+    Key(key::F9);
+    EXPECT_EQ(P().Nav().CurrentForm, "MessageForm");
+    EXPECT_EQ(during, "MessageForm");
+    WhenModal([&](QWidget* modal) {
+        after = modal->objectName().toStdString();
+        modal->close();
+    });
+    P().ShowCurrentForm("MessageForm");
+    EXPECT_EQ(after, "MessageForm");
+}
