@@ -31,26 +31,21 @@ inline int& ModalGeneration() {
 inline void WhenModal(std::function<void(QWidget*)> act, int timeoutMs = 8000) {
     auto timer = std::make_shared<QElapsedTimer>();
     timer->start();
+    // The poll holds itself only through the timer that is pending: nothing is left over.
     auto poll = std::make_shared<std::function<void()>>();
     int generation = ModalGeneration();
-    *poll = [act, timer, poll, timeoutMs, generation] {
-        if (generation != ModalGeneration()) {
-            *poll = nullptr;
-            return;
-        }
+    std::weak_ptr<std::function<void()>> self = poll;
+    *poll = [act, timer, self, timeoutMs, generation] {
+        if (generation != ModalGeneration()) return;
         QWidget* modal = QApplication::activeModalWidget();
         if (modal && modal->isVisible()) {
             act(modal);
-            *poll = nullptr;
             return;
         }
-        if (timer->elapsed() > timeoutMs) {
-            *poll = nullptr;
-            return;
-        }
-        QTimer::singleShot(10, [poll] { if (*poll) (*poll)(); });
+        if (timer->elapsed() > timeoutMs) return;
+        if (auto next = self.lock()) QTimer::singleShot(10, [next] { (*next)(); });
     };
-    QTimer::singleShot(0, [poll] { if (*poll) (*poll)(); });
+    QTimer::singleShot(0, [poll] { (*poll)(); });
 }
 
 // The button of a form by its object name.
