@@ -7,6 +7,7 @@
 
 #include <sys/types.h>
 
+#include "core/little_endian.h"
 #include "core/paths.h"
 
 namespace kirvana {
@@ -66,14 +67,8 @@ static_assert(ToolAt + ToolExtra2At + 4 == RecordNoAt);
 class Writer {
 public:
     explicit Writer(RecordBytes& bytes) : bytes_(bytes) {}
-    void U32(std::size_t at, std::uint32_t v) {
-        for (int i = 0; i < 4; ++i) bytes_[at + i] = static_cast<std::uint8_t>(v >> (8 * i));
-    }
-    void I16(std::size_t at, std::int16_t v) {
-        auto u = static_cast<std::uint16_t>(v);
-        bytes_[at] = static_cast<std::uint8_t>(u);
-        bytes_[at + 1] = static_cast<std::uint8_t>(u >> 8);
-    }
+    void U32(std::size_t at, std::uint32_t v) { StoreUint32(bytes_.data() + at, v); }
+    void I16(std::size_t at, std::int16_t v) { StoreInt16(bytes_.data() + at, v); }
     void I32(std::size_t at, std::int32_t v) { U32(at, static_cast<std::uint32_t>(v)); }
     void F32(std::size_t at, float v) { U32(at, std::bit_cast<std::uint32_t>(v)); }
     void Point(std::size_t at, const PointF& p) {
@@ -109,14 +104,8 @@ private:
 class Reader {
 public:
     explicit Reader(const RecordBytes& bytes) : bytes_(bytes) {}
-    std::uint32_t U32(std::size_t at) const {
-        std::uint32_t v = 0;
-        for (int i = 3; i >= 0; --i) v = (v << 8) | bytes_[at + i];
-        return v;
-    }
-    std::int16_t I16(std::size_t at) const {
-        return static_cast<std::int16_t>(static_cast<std::uint16_t>(bytes_[at] | (bytes_[at + 1] << 8)));
-    }
+    std::uint32_t U32(std::size_t at) const { return LoadUint32(bytes_.data() + at); }
+    std::int16_t I16(std::size_t at) const { return LoadInt16(bytes_.data() + at); }
     std::int32_t I32(std::size_t at) const { return static_cast<std::int32_t>(U32(at)); }
     float F32(std::size_t at) const { return std::bit_cast<float>(U32(at)); }
     PointF Point(std::size_t at) const { return {F32(at), F32(at + 4)}; }
@@ -178,7 +167,7 @@ void EncodeEntity(const EntityRec& rec, RecordBytes& bytes) {
     w.I16(ToolAt + ToolStationAt, t.Station);
     w.F32(ToolAt + ToolAngleAt, t.Angle);
     w.F32(ToolAt + ToolExtra1At, t.Extra1);
-    w.I32(ToolAt + ToolExtra2At, t.Extra2);
+    w.F32(ToolAt + ToolExtra2At, t.Extra2);
     w.I32(RecordNoAt, rec.RecordNo);
     w.I16(StationNoAt, rec.StationNo);
     for (std::size_t i = 0; i < SettingsSlots; ++i) w.F32(SettingsAt + 4 * i, rec.Settings[i]);
@@ -217,7 +206,7 @@ void DecodeEntity(const RecordBytes& bytes, EntityRec& rec) {
     t.Station = r.I16(ToolAt + ToolStationAt);
     t.Angle = r.F32(ToolAt + ToolAngleAt);
     t.Extra1 = r.F32(ToolAt + ToolExtra1At);
-    t.Extra2 = r.I32(ToolAt + ToolExtra2At);
+    t.Extra2 = r.F32(ToolAt + ToolExtra2At);
     rec.RecordNo = r.I32(RecordNoAt);
     rec.StationNo = r.I16(StationNoAt);
     for (std::size_t i = 0; i < SettingsSlots; ++i) rec.Settings[i] = r.F32(SettingsAt + 4 * i);
@@ -240,6 +229,7 @@ DrawingFile& DrawingFile::operator=(DrawingFile&& other) noexcept {
         position_ = std::exchange(other.position_, 0);
         seekNeeded_ = std::exchange(other.seekNeeded_, true);
         lastWasWrite_ = std::exchange(other.lastWasWrite_, false);
+        createdPath_ = std::exchange(other.createdPath_, std::string());
     }
     return *this;
 }
@@ -276,9 +266,11 @@ bool DrawingFile::Open(const std::string& path, bool readOnly) {
 
 bool DrawingFile::Create(const std::string& path) {
     Close();
-    std::remove(path.c_str());
-    file_ = std::fopen(path.c_str(), "w+b");
+    // Written beside the file and renamed over it at the close: an old file stays whole until
+    // the new one is.
+    file_ = std::fopen((path + ".tmp").c_str(), "w+b");
     if (!file_) return false;
+    createdPath_ = path;
     UseLargeBuffer();
     size_ = 0;
     seekNeeded_ = true;
@@ -296,6 +288,14 @@ DrawingFile DrawingFile::InMemory(std::string bytes) {
 bool DrawingFile::Close() {
     bool flushed = !file_ || std::fclose(file_) == 0;
     file_ = nullptr;
+    if (!createdPath_.empty()) {
+        const std::string temporary = createdPath_ + ".tmp";
+        if (!flushed || std::rename(temporary.c_str(), createdPath_.c_str()) != 0) {
+            flushed = false;
+            std::remove(temporary.c_str());
+        }
+        createdPath_.clear();
+    }
     inMemory_ = false;
     memory_.clear();
     size_ = 0;

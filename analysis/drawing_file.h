@@ -34,13 +34,15 @@ public:
     // Opens an existing file for reading and writing, or only for reading; false when it
     // can't be opened.
     bool Open(const std::string& path, bool readOnly = false);
-    // Creates the file empty (an old one is deleted) and opens it.
+    // Creates the file empty and opens it. It is written under the name and ".tmp" and
+    // renamed over an old file at the close: until then an old file stays as it was.
     bool Create(const std::string& path);
     // A file held in memory, starting with the given bytes.
     static DrawingFile InMemory(std::string bytes = {});
 
     bool IsOpen() const { return file_ != nullptr || inMemory_; }
-    // Closes the file; false when what was written could not be flushed.
+    // Closes the file; false when what was written could not be flushed or, for a created
+    // file, could not take the place of the old one.
     bool Close();
     // The bytes of a file held in memory.
     const std::string& MemoryBytes() const { return memory_; }
@@ -71,6 +73,7 @@ private:
     std::int64_t position_ = 0;  // where the next read or write of the stream happens
     bool seekNeeded_ = true;     // the stream's position is unknown, or a read follows a write
     bool lastWasWrite_ = false;
+    std::string createdPath_;    // a created file's own name, taken at the close
 };
 
 // Adds 1 to the writer's record counter, stores it in `RecordNo` and writes the record at that

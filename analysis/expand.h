@@ -20,7 +20,7 @@ struct ExpandResult {
 };
 
 // Builds stem + "dr1" from stem + "drw" (a stem ends in "."). A missing drawing writes nothing.
-ExpandResult ExpandDrawing(const std::string& stem, std::int32_t maxHits = MaxExpandedHits);
+[[nodiscard]] ExpandResult ExpandDrawing(const std::string& stem, std::int32_t maxHits = MaxExpandedHits);
 
 // The expansion between two open files; `expanded` is written from record 1 on.
 ExpandResult ExpandRecords(DrawingFile& drawing, DrawingFile& expanded, std::int32_t maxHits = MaxExpandedHits);

@@ -19,7 +19,6 @@ namespace kirvana {
 
 namespace {
 
-constexpr double Inch = 25.4;
 constexpr double Missing = -999;
 constexpr std::int16_t True16 = -1;
 // Hits walked one by one for the limit check of one pattern; beyond it the corners stand for
@@ -27,6 +26,38 @@ constexpr std::int16_t True16 = -1;
 constexpr long MaxCheckedHits = 1'000'000;
 
 double Round(double value, int places) { return RoundHalfEven(Number(value), places); }
+
+// The work of one block beside its characters, counted as characters scanned.
+constexpr std::int64_t BlockWork = 32;
+
+// The lines of a file by their block number, so that the search for a label passes over the
+// lines in between without reading them again. Built at the first search in the file.
+class LabelIndex {
+public:
+    // The first line at or after `from` whose block number is `label`; the end of the file
+    // when none follows.
+    std::size_t Find(const std::vector<std::string>& file, std::size_t from, std::int16_t label) {
+        if (!built_) Build(file);
+        auto at = std::lower_bound(entries_.begin(), entries_.end(), std::make_pair(label, from));
+        return at != entries_.end() && at->first == label ? at->second : file.size();
+    }
+
+private:
+    void Build(const std::vector<std::string>& file) {
+        // The block number as the skipping test reads it: the first N in front of the comment.
+        ValueReader reader;
+        for (std::size_t line = 0; line < file.size(); ++line) {
+            std::string_view text = file[line];
+            std::int16_t number = reader.WordInteger(text.substr(0, text.find(';')), 'N');
+            if (!reader.WordMissing) entries_.emplace_back(number, line);
+        }
+        std::sort(entries_.begin(), entries_.end());
+        built_ = true;
+    }
+
+    std::vector<std::pair<std::int16_t, std::size_t>> entries_;
+    bool built_ = false;
+};
 
 std::string Single(float value) { return FormatNumber(Number(value), -1); }
 
@@ -262,6 +293,10 @@ private:
     void Conditional();
     void Jump(std::string_view tail);
     void Restart(int depth);
+    // Counts `lines` lines of the file read at this depth from `first` on.
+    void CountLines(const std::vector<std::string>& file, std::size_t first, std::size_t lines);
+    // False, with the pass stopped and the critical error reported, beyond any work bound.
+    bool WithinBounds();
     void ReadSettings();
 
     // Entities.
@@ -270,7 +305,8 @@ private:
     void TakePlasmaTool();
     void Append();
     void FinishPattern();
-    // An Arc Pattern entity begun with the tool, its centre, radius, first angle, sweep and step.
+    // An Arc Pattern entity begun with the tool, its centre, radius, first angle, sweep and step;
+    // the tool turns with it when the block's P10 is absent or not positive.
     void BeginArcPattern(double centreX, double centreY, double radius, double first, double sweep, double step);
     // The previous position takes the position, which moves to the point of the circle at the
     // angle; the limits are checked there.
@@ -310,15 +346,18 @@ private:
     ReverseState S;
     ValueReader reader_{&S.Parameters};
     std::string line_;   // the block text: the line trimmed
-    std::string block_;  // the working block: no comment, no blanks, upper case
+    std::string block_;  // the working block: no comment, trimmed, upper case
     EntityRec rec_;      // the entity being built
     EntityRec sheet_;    // record 1
     bool stopped_ = false;
     bool writeFault_ = false;
     bool recordsFull_ = false;
     bool blocksFull_ = false;
-    std::int64_t steps_ = 0;
+    std::int64_t steps_ = 0;       // lines read, the ones passed over to a label included
+    std::int64_t jumps_ = 0;       // jumps, calls and repetitions: files started again
+    std::int64_t characters_ = 0;  // characters of the blocks worked on, BlockWork each beside
     std::int64_t linesRead_ = 0;
+    LabelIndex m1Labels_, m2Labels_;
     std::int64_t hitWork_ = 0;
     std::array<std::uint16_t, 64> codeAt_{};
     int codes_ = 0;  // -1: too many letters to index, search the whole block
@@ -452,31 +491,28 @@ ReverseResult ReverseRun::Run() {
     S.ProcessSettings = settings_.ProgramSettings;
 
     // The main loop, until the main text is at its end.
-    while (!stopped_) {
-        if (++steps_ > settings_.MaxBlocks) {
-            line_.clear();
-            Error(reverse_message::BlockLimit, true);
-            result.Stopped = true;
-            break;
-        }
+    while (WithinBounds()) {
         // 1. The next line of this depth's file; a subroutine's file at its end is a RETURN.
         const std::vector<std::string>& file = S.Depth == 0 ? m1_ : m2_;
         std::size_t& next = S.CallLine[S.Depth];
+        if (S.Skipping && next < file.size()) {
+            // 3. Skipping to a block number: the lines before it are read and dropped.
+            std::size_t label = (S.Depth == 0 ? m1Labels_ : m2Labels_).Find(file, next, S.SkipTo);
+            CountLines(file, next, label - next);
+            next = label;
+        }
         if (next >= file.size()) {
+            ++steps_;
             if (S.Depth == 0) break;
             EndOfCall();
             continue;
         }
+        CountLines(file, next, 1);
         line_ = std::string(Trim(file[next++]));
-        ++linesRead_;
-        std::int16_t& count = S.BlockCount[S.Depth];
-        if (count < INT16_MAX) {
-            ++count;
-        } else if (!blocksFull_) {
-            blocksFull_ = true;
-            Error(reverse_message::TooManyBlocks, true);
-        }
-        block_ = StripBlanks(BeforeComment(line_));
+        characters_ += static_cast<std::int64_t>(line_.size()) + BlockWork;
+        // The block as it stands, blanks kept: codes are found by plain search in it, so that
+        // "M10 0" is no M100.
+        block_ = BeforeComment(line_);
         for (char& c : block_) c = UpperChar(c);
         IndexCodes();
         HandleBlock();
@@ -775,6 +811,34 @@ void ReverseRun::ReadSettings() {
 void ReverseRun::Restart(int depth) {
     S.CallLine[depth] = 0;
     S.BlockCount[depth] = 0;
+    ++jumps_;
+}
+
+void ReverseRun::CountLines(const std::vector<std::string>& file, std::size_t first, std::size_t lines) {
+    steps_ += static_cast<std::int64_t>(lines);
+    linesRead_ += static_cast<std::int64_t>(lines);
+    std::int16_t& count = S.BlockCount[S.Depth];
+    const std::size_t room = static_cast<std::size_t>(INT16_MAX - count);
+    if (lines <= room) {
+        count = static_cast<std::int16_t>(count + lines);
+        return;
+    }
+    count = INT16_MAX;
+    if (blocksFull_) return;
+    // Reported at the line that found the count full.
+    blocksFull_ = true;
+    line_ = std::string(Trim(file[first + room]));
+    Error(reverse_message::TooManyBlocks, true);
+}
+
+bool ReverseRun::WithinBounds() {
+    if (stopped_) return false;
+    if (steps_ <= settings_.MaxBlocks && jumps_ <= settings_.MaxJumps && characters_ <= settings_.MaxCharacters)
+        return true;
+    line_.clear();
+    Error(reverse_message::BlockLimit, true);
+    stopped_ = true;
+    return false;
 }
 
 void ReverseRun::CallSubroutine() {
@@ -909,14 +973,14 @@ void ReverseRun::Conditional() {
         abort = tailAt != std::string::npos;
     }
     if (tailAt == std::string::npos) return;
-    std::string condition = block_.substr(ifAt + 2, tailAt - ifAt - 2);
+    std::string_view condition = Trim(std::string_view(block_).substr(ifAt + 2, tailAt - ifAt - 2));
     // Split at the first relation sign.
     std::size_t at = condition.find_first_of("=<>");
     if (at == std::string::npos) return;
     char relation = condition[at];
     bool negated = at > 0 && condition[at - 1] == '!';
-    std::string left = condition.substr(0, negated ? at - 1 : at);
-    std::string right = condition.substr(at + 1);
+    std::string left(Trim(condition.substr(0, negated ? at - 1 : at)));
+    std::string right(Trim(condition.substr(at + 1)));
     // Brackets around the whole condition.
     if (!left.empty() && left.front() == '(' && !right.empty() && right.back() == ')') {
         left.erase(0, 1);
@@ -937,7 +1001,7 @@ void ReverseRun::Conditional() {
 
 void ReverseRun::Jump(std::string_view tail) {
     std::size_t start = 0;
-    while (start < tail.size() && (tail[start] == '(' || tail[start] == 'N')) ++start;
+    while (start < tail.size() && (tail[start] == '(' || tail[start] == 'N' || tail[start] == ' ')) ++start;
     auto target = TruncateToInt16(ToNumber(tail.substr(start)));
     Restart(S.Depth);
     if (!target) {
@@ -1007,6 +1071,9 @@ void ReverseRun::BeginArcPattern(double centreX, double centreY, double radius, 
     rec_.Values[10] = ToSingle(first);
     rec_.Values[11] = ToSingle(sweep);
     rec_.Values[12] = ToSingle(step);
+    // The tool turns with the pattern unless P10 is above 0.
+    double p10 = Value("P10=");
+    rec_.Counts[2] = p10 == Missing || p10 <= 0 ? True16 : 0;
 }
 
 void ReverseRun::MoveOnCircle(double centreX, double centreY, double radius, double angle) {
@@ -1149,10 +1216,9 @@ void ReverseRun::NibbleArc(bool g02) {
         return;
     }
     if (!TakeTool()) return;
-    double p10 = Value("P10=");
     BeginArcPattern(arc.CentreX, arc.CentreY, arc.Radius, arc.StartAngle, arc.Sweep, arc.Sweep / (*hits - 1));
-    // The last hit is drawn only when P10 says so.
-    rec_.Counts[1] = p10 != Missing && p10 > 0 ? *hits : static_cast<std::int16_t>(*hits - 1);
+    // Every hit, the last one too (only G37 leaves its last hit to P10).
+    rec_.Counts[1] = *hits;
     rec_.Counts[6] = 2;
     FinishPattern();
     S.PrevX = S.PosX;
@@ -1220,7 +1286,6 @@ void ReverseRun::CycleG28() {
     double p8 = value("P8=", Missing, true);
     std::int16_t p9 = Integer("P9=");
     bool stay = p9 != Missing && p9 != 0;
-    double p10 = Value("P10=");
     arc.MirrorX = S.MirrorX;
     arc.MirrorY = S.MirrorY;
     if (arc.P1 == 1) {
@@ -1242,8 +1307,6 @@ void ReverseRun::CycleG28() {
     if (!TakeTool()) return;
     BeginArcPattern(centreX, centreY, r, arc.P3, arc.Sweep, arc.P2);
     rec_.Counts[1] = arc.P1;
-    // The tool turns with the pattern unless P10 is above 0.
-    rec_.Counts[2] = p10 == Missing || p10 <= 0 ? True16 : 0;
     rec_.Counts[6] = 2;
     FinishPattern();
     // To the end of the arc, or back to its start.
@@ -1562,13 +1625,16 @@ void ReverseRun::Reposition() {
         double v = Length(key);
         return v == Missing ? 0.0 : v;
     };
-    double i = read("I"), j = read("J"), k = read("K");
+    double i = read("I"), j = read("J");
+    // K not set stays "not set" in the record.
+    double k = Length("K");
+    const bool kGiven = k != Missing;
     if (std::fabs(j) > 5) Error(reverse_message::ExcessiveBackoff, false);
-    if (std::fabs(k) > 5) Error(reverse_message::ExcessiveReturn, false);
+    if (kGiven && std::fabs(k) > 5) Error(reverse_message::ExcessiveReturn, false);
     if (S.MirrorX) i = 0 - i;
     if (S.MirrorY) {
         j = 0 - j;
-        k = 0 - k;
+        if (kGiven) k = 0 - k;
     }
     S.LimitXLow = ToSingle(S.LimitXLow - i);
     S.LimitXHigh = ToSingle(S.LimitXHigh - i);
@@ -1582,6 +1648,8 @@ void ReverseRun::Reposition() {
     Append();
     S.LastHitX = rec_.Points.Exit.X;
     S.LastHitY = rec_.Points.Exit.Y;
+    // The position against the shifted limits, at this block.
+    CheckLimit(S.PosX, S.PosY);
 }
 
 // G04: a dwell at the position, the time in X.
@@ -1756,25 +1824,31 @@ ReverseResult ReversePass(const std::string& stem, const std::string& programNam
                        (settings.Now ? settings.Now() : ReportTime()) + "\n";
     std::string body;
     ReverseResult result;
+    auto fileFault = [&](const std::string& file) {
+        result.Result = 1;
+        result.FileFault = true;
+        result.FaultFile = file;
+    };
     NoteFile(settings.ServiceDir, stem + "M1");
     auto m1 = ReadLines(stem + "M1");
     if (!m1) {
+        fileFault(stem + "M1");
+    } else if (!CheckWords(*m1)) {
+        // 4. Words the language doesn't know end the pass here, before the drawing exists.
         result.Result = 1;
-        result.FileFault = true;
+        result.WordsRejected = true;
     } else {
         auto m2 = ReadLines(stem + "M2");
         DrawingFile drawing;
         if (!drawing.Create(stem + "drw")) {
-            result.Result = 1;
-            result.FileFault = true;
+            fileFault(stem + "drw");
         } else {
             result = ReverseTexts(*m1, m2 ? *m2 : std::vector<std::string>{}, drawing, body, toolChanges, settings);
             if (!drawing.Close()) result.FileFault = true;
-            if (result.WordsRejected) std::remove((stem + "drw").c_str());
+            if (result.FileFault) result.FaultFile = stem + "drw";
         }
     }
-    std::ofstream out(reportPath, std::ios::binary | std::ios::trunc);
-    out << head << body;
+    if (!WriteFileText(reportPath, head + body) && !result.FileFault) fileFault(reportPath);
     return result;
 }
 

@@ -37,12 +37,18 @@ struct ReverseSettings {
     std::string ServiceDir;                // where "Reverse.txt" is written
     // The report's time line, "dd/mm/yy hh:mm"; the local time when not set.
     std::function<std::string()> Now;
-    // The most blocks the pass reads, calls and jumps included: a program that loops for ever
-    // (a GOTO back, a call that never finds its label) is stopped here with a critical error.
+    // Bounds on the work of the walk, so that a program that loops for ever (a GOTO back, a
+    // call that never finds its label) or reads huge lines again and again ends soon with a
+    // critical error. The most lines read, the ones passed over to a label included:
     std::int64_t MaxBlocks = 20'000'000;
+    // The most jumps: GOTOs taken, calls made and repetitions started.
+    std::int64_t MaxJumps = 100'000;
+    // The most characters scanned in the blocks worked on, each block counting 32 beside its
+    // characters for its own work.
+    std::int64_t MaxCharacters = 16'000'000;
     // The most hits the pass walks over all (the outlines of grids and the limit checks of
     // every pattern), so that loops of huge patterns end too; reported as the block bound.
-    std::int64_t MaxHitWork = 200'000'000;
+    std::int64_t MaxHitWork = 50'000'000;
 };
 
 ReverseSettings ReverseSettingsFrom(const MachineData& machine, const Directories& dirs, const StationTable& stations,
@@ -118,7 +124,8 @@ struct ReverseResult {
     std::int16_t CriticalCount = 0;
     bool WordsRejected = false;
     bool Stopped = false;        // the block bound was reached
-    bool FileFault = false;      // M1 missing, or the drawing could not be written
+    bool FileFault = false;      // M1 missing, or the drawing or the report could not be written
+    std::string FaultFile;       // with FileFault: the file
     std::int32_t Records = 0;    // records of the drawing, the Sheet included
     std::int64_t Blocks = 0;     // lines read, from M1 and from every repetition in M2
     ProgramStats Stats;
@@ -131,8 +138,9 @@ ReverseResult ReverseTexts(const std::vector<std::string>& m1, const std::vector
                            const ReverseSettings& settings);
 
 // The entry: reads stem + "M1" and stem + "M2", writes stem + "drw" and ServiceDir +
-// "Reverse.txt" (program name, directory and time in its head).
-ReverseResult ReversePass(const std::string& stem, const std::string& programName, const std::string& directory,
+// "Reverse.txt" (program name, directory and time in its head). When the words of M1 are
+// rejected the pass ends before the drawing is created: an older drawing stays.
+[[nodiscard]] ReverseResult ReversePass(const std::string& stem, const std::string& programName, const std::string& directory,
                           std::int16_t& toolChanges, const ReverseSettings& settings);
 
 // The messages of the report beyond those the passes share, with their blanks.

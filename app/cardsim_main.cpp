@@ -1,7 +1,8 @@
 // kirvana-cardsim: the card simulator for people. It listens on loopback and takes text
 // commands on standard input to set variables, raise status bits, set the station, step the
-// hit counter, hold an answer back, and start, hold and abort programs. The programs it runs
-// take their steps from the active slots of the installation in --root.
+// hit counter, hold answers back, drop the connection or reject lines, and start, hold and
+// abort programs. The programs it runs take their steps from the active slots of the
+// installation in --root.
 #include <cstdio>
 #include <cstring>
 #include <iostream>
@@ -9,7 +10,7 @@
 
 #include "controller/cardsim/card_simulator.h"
 #include "core/number.h"
-#include "core/slot_run_plan.h"
+#include "system/slot_run_plan.h"
 
 int main(int argc, char** argv) {
     int port = 1025;

@@ -1,6 +1,6 @@
-// The platform of a start without screens: the office seat's command line, and the panel
-// until its screens exist. Messages go to stderr, questions are answered no, power off is
-// never let through, and the splash is a line of text shown for its time.
+// The platform of a start without screens: the office seat's command line. Messages go to
+// stderr, questions are answered no, power off is never let through, and the splash is a line
+// of text shown for its time.
 #pragma once
 
 #include <chrono>
@@ -8,7 +8,7 @@
 #include <thread>
 
 #include "controller/pmac_ethernet_link.h"
-#include "core/startup.h"
+#include "system/startup.h"
 
 namespace kirvana {
 
@@ -25,7 +25,10 @@ public:
         return std::chrono::steady_clock::now() - splashStart_ >= std::chrono::milliseconds(splashMs_);
     }
     void StopSplashTimer() override {}
-    void ProcessEvents() override { std::this_thread::sleep_for(std::chrono::milliseconds(10)); }
+    // There are no events here: the pump only keeps the splash loop from spinning hot.
+    void ProcessEvents() override {
+        if (!SplashDone()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     void ShowMessageBox(const std::string& text, const std::string& title) override {
         std::fprintf(stderr, "%s: %s\n", title.c_str(), text.c_str());
     }
@@ -34,8 +37,10 @@ public:
         return false;
     }
     void ShowWarning(const std::string& text) override {
-        if (!quiet_) std::fprintf(stderr, "%s\n", text.c_str());
+        if (!quiet_ || starting_) std::fprintf(stderr, "%s\n", text.c_str());
     }
+    // Warnings of the start reach stderr even at a quiet seat: no command prints them otherwise.
+    void SetStarting(bool starting) { starting_ = starting; }
     void ShowFrontEnd() override { frontEnd_ = true; }
     bool FrontEndVisible() override { return frontEnd_; }
     void UnloadFrontEnd() override { frontEnd_ = false; }
@@ -53,6 +58,7 @@ public:
 private:
     int splashMs_;
     bool quiet_;
+    bool starting_ = false;
     bool frontEnd_ = false;
     std::chrono::steady_clock::time_point splashStart_;
 };
@@ -72,6 +78,7 @@ public:
     // The operator's shutdown, without powering off.
     void End();
     Conversation Talk();
+    CardLink& Link() { return link_; }
 
     Process State;
 

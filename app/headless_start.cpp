@@ -23,7 +23,9 @@ int HeadlessSeat::Start(const std::string& root) {
         std::fprintf(stderr, "cannot use %s as the installation: %s\n", root.c_str(), error.message().c_str());
         return 3;
     }
+    platform_.SetStarting(true);
     StartOutcome outcome = Main(State, platform_, &link_, steps_);
+    platform_.SetStarting(false);
     switch (outcome.Result) {
         case StartOutcome::Kind::ConfigurationFault:
             std::fprintf(stderr, "Kirvana 32 cannot start: %s\n", outcome.Fault.Message().c_str());

@@ -1,10 +1,12 @@
 // kirvana-office: the command-line office seat. Each command is a function taking its
-// arguments (without the command name) and returning the exit code: 0 success, 2 bad usage.
+// arguments (without the command name) and returning the exit code: 0 success, 2 bad usage,
+// CardFaultExit when the card failed the command.
 #pragma once
 
 #include <string>
 #include <vector>
 
+#include "controller/card_link.h"
 #include "core/config.h"
 
 namespace kirvana::office {
@@ -16,8 +18,16 @@ int Usage(const char* line);
 // The value behind "--name" in the arguments, or "" when absent; `found` tells which.
 std::string Option(const Args& args, const std::string& name, bool* found = nullptr);
 bool Flag(const Args& args, const std::string& name);
-// The directories and Machine.dat of the installation at `root`, as the passes need them;
-// false (with the reason on stderr) when Machine.dat can't be read.
+// The rule of every directory and program name: true when both are acceptable, otherwise
+// the system's refusal ("Invalid Directory Name !" or "Invalid Program Name !") on stderr.
+bool NamesAcceptable(const std::string& directory, const std::string& program);
+// The exit code of a command that the card failed (a fault of the link or an error answer).
+inline constexpr int CardFaultExit = 5;
+// Prints `lead` and " card fault NUMBER: DESCRIPTION" on a line.
+void PrintCardFault(const std::string& lead, const CardFault& fault);
+// The directories and Machine.dat of the installation at `root`, as the passes need them; the
+// directories missing there are created as the start-up does. False (with the reason on
+// stderr) when a directory can't be created or Machine.dat can't be read.
 bool MachineAt(std::string root, Directories& dirs, MachineData& machine);
 
 int Start(const Args& args);

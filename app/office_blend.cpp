@@ -8,21 +8,24 @@
 namespace kirvana::office {
 
 int Blend(const Args& args) {
-    const char* usage = "blend STEM --root ROOT --program NAME --directory DIR";
+    const char* usage = "blend STEM --root ROOT --program NAME --dir DIR";
     bool haveRoot = false, haveProgram = false, haveDirectory = false;
     std::string root = Option(args, "--root", &haveRoot);
     std::string program = Option(args, "--program", &haveProgram);
-    std::string directory = Option(args, "--directory", &haveDirectory);
+    std::string directory = Option(args, "--dir", &haveDirectory);
     if (args.size() != 7 || !haveRoot || !haveProgram || !haveDirectory || args[0].starts_with("--")) return Usage(usage);
+    if (!NamesAcceptable(directory, program)) return 2;
     Directories dirs;
     MachineData machine;
     if (!MachineAt(root, dirs, machine)) return 1;
-    std::int16_t critical = BlendProgram(directory, program, args[0], BlendSettingsFrom(machine, dirs));
+    std::string fault;
+    std::int16_t critical = BlendProgram(directory, program, args[0], BlendSettingsFrom(machine, dirs), &fault);
     if (critical < 0) {
-        std::fprintf(stderr, "cannot read %sM1\n", args[0].c_str());
+        std::fprintf(stderr, "file fault: %s\n", fault.c_str());
         return 1;
     }
-    std::printf("%d\n", critical);
+    std::printf("critical errors: %d\n", critical);
+    if (critical != 0) std::fprintf(stderr, "refused: the errors are listed in %sBlend.txt\n", dirs.ServiceDir.c_str());
     return critical == 0 ? 0 : 1;
 }
 

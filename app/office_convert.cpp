@@ -19,7 +19,7 @@ int Convert(const Args& args) {
 
     std::int16_t dialect = 0;
     ConvertResult result = ConvertProgram(args[0], dialect, ConvertSettingsFrom(machine, dirs));
-    std::printf("%d\n", dialect);
+    std::printf("dialect: %d\n", dialect);
     if (result.IntegerOverflow) std::fprintf(stderr, "%s\n", result.Fault.c_str());
     if (result.Status != ConvertStatus::Done) {
         std::fprintf(stderr, "%s%s%s\n", ConvertStatusText(result.Status), result.Fault.empty() ? "" : ": ",

@@ -12,17 +12,17 @@
 namespace kirvana::office {
 
 int Reverse(const Args& args) {
-    const char* usage = "reverse STEM --root ROOT --program NAME --directory DIR";
+    const char* usage = "reverse STEM --root ROOT --program NAME --dir DIR";
     bool haveRoot = false, haveProgram = false, haveDirectory = false;
     std::string root = Option(args, "--root", &haveRoot);
     std::string program = Option(args, "--program", &haveProgram);
-    std::string directory = Option(args, "--directory", &haveDirectory);
+    std::string directory = Option(args, "--dir", &haveDirectory);
     if (args.size() != 7 || !haveRoot || !haveProgram || !haveDirectory || args[0].starts_with("--")) return Usage(usage);
+    if (!NamesAcceptable(directory, program)) return 2;
     const std::string& stem = args[0];
     Directories dirs;
     MachineData machine;
     if (!MachineAt(root, dirs, machine)) return 1;
-    dirs.SettingsDir = dirs.RootDir + "Settings/";
     // The machine's turret, or the slot's own table beside the motion files.
     Tooling tooling;
     if (auto fault = ReadToolingData(dirs, machine, tooling)) {
@@ -37,10 +37,12 @@ int Reverse(const Args& args) {
     std::int16_t toolChanges = 0;
     ReverseResult result = ReversePass(stem, program, directory, toolChanges, settings);
     if (result.FileFault) {
-        std::fprintf(stderr, "cannot read %sM1 or write %sdrw\n", stem.c_str(), stem.c_str());
+        std::fprintf(stderr, "file fault: %s\n", result.FaultFile.c_str());
         return 1;
     }
-    std::printf("%d %d\n", result.Result, result.Records);
+    std::printf("critical errors: %d\nrecords: %d\n", result.Result, result.Records);
+    if (result.Result != 0)
+        std::fprintf(stderr, "refused: the errors are listed in %sReverse.txt\n", dirs.ServiceDir.c_str());
     return result.Result == 0 ? 0 : 1;
 }
 

@@ -39,13 +39,19 @@ int Select(const Args& args) {
     if (haveSlot) process.Config.ActiveSlot = static_cast<std::int16_t>(slotText[0] - '0');
     SelectOutcome outcome = seat.Select(dir, program);
     if (outcome.Selected) {
-        WriteControlConfig(process.Config);
+        if (!WriteControlConfig(process.Config)) {
+            std::fprintf(stderr, "file fault: %sControl.cfg\n", process.Config.Dirs.RootDir.c_str());
+            seat.End();
+            return 1;
+        }
+        // The slot holds the program, but the card may still hold the former one.
+        if (outcome.Fault) PrintCardFault("Download failed:", *outcome.Fault);
         PrintSlot(process.Config.ActiveSlot, process.Slots[process.Config.ActiveSlot - 1], true);
     } else {
         std::printf("Refused: %s\n", outcome.Warning.c_str());
     }
     seat.End();
-    return outcome.Selected ? 0 : 1;
+    return !outcome.Selected ? 1 : outcome.Fault ? CardFaultExit : 0;
 }
 
 int Slots(const Args& args) {

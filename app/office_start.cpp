@@ -35,9 +35,27 @@ int Card(const Args& args) {
     if (code != 0) return code;
     if (!seat.State.Card.CardInUse) std::printf("(card not in use: office seat, every answer is empty)\n");
     Conversation talk = seat.Talk();
-    for (const std::string& text : texts) std::printf("%s -> %s\n", text.c_str(), talk.GetRspnsTxt(text).c_str());
+    CardLink& link = seat.Link();
+    bool failed = false;
+    {
+        // The whole run is one card operation with its deadline.
+        CardOperation operation(&link, seat.State.Config.Card.OperationDeadlineMs);
+        for (const std::string& text : texts) {
+            const int faultsBefore = link.FaultCount();
+            std::string answer = talk.GetRspnsTxt(text);
+            if (link.FaultCount() != faultsBefore) {
+                PrintCardFault(text + " ->", link.LastFault());
+                failed = true;
+            } else if (link.OperationExpired()) {
+                std::printf("%s -> not sent: the deadline of the run has passed\n", text.c_str());
+                failed = true;
+            } else {
+                std::printf("%s -> %s\n", text.c_str(), answer.c_str());
+            }
+        }
+    }
     seat.End();
-    return 0;
+    return failed ? CardFaultExit : 0;
 }
 
 }  // namespace kirvana::office

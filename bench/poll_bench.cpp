@@ -11,8 +11,8 @@
 
 #include "controller/cardsim/card_simulator.h"
 #include "controller/pmac_ethernet_link.h"
-#include "core/slot_run_plan.h"
-#include "core/startup.h"
+#include "system/slot_run_plan.h"
+#include "system/startup.h"
 
 using namespace kirvana;
 

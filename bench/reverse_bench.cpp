@@ -114,7 +114,10 @@ void BM_ExpandReverseDrawing(benchmark::State& state) {
     const std::string dir = Directory();
     WriteMotion(dir + "Bench.");
     std::int16_t toolChanges = 0;
-    ReversePass(dir + "Bench.", "BENCH", "BENCH", toolChanges, Settings(dir));
+    if (ReversePass(dir + "Bench.", "BENCH", "BENCH", toolChanges, Settings(dir)).FileFault) {
+        state.SkipWithError("the drawing cannot be written");
+        return;
+    }
     ExpandResult result;
     for (auto _ : state) {
         result = ExpandDrawing(dir + "Bench.");

@@ -10,7 +10,7 @@
 #include <fstream>
 #include <string>
 
-#include "core/startup.h"
+#include "system/startup.h"
 
 using namespace kirvana;
 
@@ -70,10 +70,18 @@ void BM_SelectProgram(benchmark::State& state) {
 BENCHMARK(BM_SelectProgram)->Arg(1000)->Arg(5000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void BM_SlotBlockAt(benchmark::State& state) {
-    Installation installation(10000);
-    SelectProgram(installation.process, installation.platform, nullptr, "Dorvenis", "BENCH");
+    // 5,000 punching blocks: the largest of the generated programs that the block map takes.
+    Installation installation(5000);
+    if (!SelectProgram(installation.process, installation.platform, nullptr, "Dorvenis", "BENCH").Selected) {
+        state.SkipWithError("the program was refused");
+        return;
+    }
     std::int32_t word = 0;
     const std::int32_t words = installation.process.Slots[0].Counts[0].MapWordCount;
+    if (words <= 0) {
+        state.SkipWithError("the block map is empty");
+        return;
+    }
     for (auto _ : state) {
         benchmark::DoNotOptimize(SlotBlockAt(installation.process, 1, word));
         word = (word + 7919) % words;

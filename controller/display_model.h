@@ -26,6 +26,7 @@ struct FormVisibility {
 
 // What XYPositionForm and TCPositionForm show, chosen with their PositionButtons.
 enum class PositionMode : std::int16_t { Actual = 0, Command = 1, Target = 2, Follow = 3 };
+inline constexpr std::array<const char*, 4> PositionButtonCaptions = {"&ACTUAL", "&COMMAND", "&TARGET", "&FOLLOW"};
 
 // The three colour pairs of FrontEnd's two status boxes.
 enum class StatusColours { Normal, MessagesWaiting, Hold };

@@ -37,8 +37,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+// Whole milliseconds up to the deadline, rounded up, so that a wait never ends before it.
 int RemainingMs(Clock::time_point deadline) {
-    auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
     return left > 0 ? static_cast<int>(left) : 0;
 }
 
@@ -65,6 +66,26 @@ void PmacEthernetLink::SetEnabled(bool enabled) {
 
 bool PmacEthernetLink::Enabled() const { return enabled_ && socket_ >= 0; }
 
+Clock::time_point PmacEthernetLink::WaitDeadline() const {
+    Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeoutMs_);
+    if (auto operation = OperationDeadline(); operation && *operation < deadline) deadline = *operation;
+    return deadline;
+}
+
+bool PmacEthernetLink::OperationOver() {
+    if (OperationExpired()) return true;
+    auto deadline = OperationDeadline();
+    if (!deadline || Clock::now() < *deadline) return false;
+    // An answer may still be on its way: the stream can't be trusted any more.
+    Disconnect();
+    ExpireOperation();
+    return true;
+}
+
+void PmacEthernetLink::TimedOut(const std::string& description) {
+    if (!OperationOver()) Fail(LinkFaultTimeout, description);
+}
+
 void PmacEthernetLink::Fail(std::int32_t number, const std::string& description) {
     // After a failure the stream can't be trusted: the next exchange connects anew.
     Disconnect();
@@ -82,7 +103,7 @@ bool PmacEthernetLink::Connect() {
         RaiseFault(LinkFaultConnect, "Card address " + address_.Host + " cannot be resolved");
         return false;
     }
-    auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs_);
+    auto deadline = WaitDeadline();
     for (addrinfo* a = found; a && socket_ < 0; a = a->ai_next) {
         int s = socket(a->ai_family, a->ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC, a->ai_protocol);
         if (s < 0) continue;
@@ -106,6 +127,7 @@ bool PmacEthernetLink::Connect() {
     }
     freeaddrinfo(found);
     if (socket_ < 0) {
+        if (OperationOver()) return false;
         RaiseFault(LinkFaultConnect, "No card answers at " + address_.Host + ":" + port);
         return false;
     }
@@ -123,7 +145,7 @@ bool PmacEthernetLink::EnsureConnected() {
 }
 
 bool PmacEthernetLink::SendAll(const std::string& bytes) {
-    auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs_);
+    auto deadline = WaitDeadline();
     std::size_t sent = 0;
     while (sent < bytes.size()) {
         ssize_t n = send(socket_, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
@@ -134,7 +156,7 @@ bool PmacEthernetLink::SendAll(const std::string& bytes) {
         if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) {
             pollfd p{socket_, POLLOUT, 0};
             if (poll(&p, 1, RemainingMs(deadline)) == 1) continue;
-            Fail(LinkFaultTimeout, "Time-out sending to the card");
+            TimedOut("Time-out sending to the card");
             return false;
         }
         if (n < 0 && errno == EINTR) continue;
@@ -146,13 +168,13 @@ bool PmacEthernetLink::SendAll(const std::string& bytes) {
 
 template <typename Complete>
 bool PmacEthernetLink::Receive(std::string& received, Complete complete) {
-    auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs_);
+    auto deadline = WaitDeadline();
     char buffer[2048];
     while (!complete(received)) {
         pollfd p{socket_, POLLIN, 0};
         int ready = poll(&p, 1, RemainingMs(deadline));
         if (ready == 0) {
-            Fail(LinkFaultTimeout, "Time-out waiting for the card's answer");
+            TimedOut("Time-out waiting for the card's answer");
             return false;
         }
         if (ready < 0 && errno == EINTR) continue;
@@ -177,6 +199,7 @@ bool PmacEthernetLink::Flush() {
 
 bool PmacEthernetLink::Exchange(std::string_view text, std::string& response) {
     response.clear();
+    if (OperationOver()) return false;
     if (text.size() > pmac::MaxPacketData) {
         RaiseFault(LinkFaultTooLong, "Command longer than one packet");
         return false;
@@ -212,7 +235,7 @@ bool PmacEthernetLink::DownloadFile(const std::string& path) {
         RaiseFault(LinkFaultFile, "Cannot read " + path);
         return false;
     }
-    if (!EnsureConnected() || !Flush()) return false;
+    if (OperationOver() || !EnsureConnected() || !Flush()) return false;
     int lineBase = 0;
     for (const std::string& buffer : pmac::SplitDownload(*lines)) {
         pmac::Header h;

@@ -1,6 +1,7 @@
 // The card over Ethernet: the Turbo PMAC protocol on TCP. Every connect, send and receive has
-// a time-out; a time-out, a lost connection or an error answer raises the fault handler, and the
-// exchange gives an empty answer. After a failure the next exchange connects anew.
+// a time-out, and ends by the deadline of the operation under way at the latest; a time-out, a
+// lost connection or an error answer raises the fault handler, and the exchange gives an empty
+// answer. After a failure the next exchange connects anew.
 #pragma once
 
 #include <string>
@@ -15,6 +16,7 @@ inline constexpr std::int32_t LinkFaultTimeout = 1002;
 inline constexpr std::int32_t LinkFaultClosed = 1003;
 inline constexpr std::int32_t LinkFaultTooLong = 1004;
 inline constexpr std::int32_t LinkFaultFile = 1005;
+// LinkFaultDeadline (1006, card_link.h): a long operation passed its deadline.
 
 struct CardAddress {
     std::string Host = "127.0.0.1";
@@ -51,6 +53,12 @@ private:
     template <typename Complete>
     bool Receive(std::string& received, Complete complete);
     bool Flush();
+    // When the next wait must end: the time-out from now, or the operation's deadline if sooner.
+    Clock::time_point WaitDeadline() const;
+    // True once the operation under way has passed its deadline (its fault raised once).
+    bool OperationOver();
+    // A wait that ended: the operation's deadline, or else the time-out of one exchange.
+    void TimedOut(const std::string& description);
     void Fail(std::int32_t number, const std::string& description);
 
     CardAddress address_;

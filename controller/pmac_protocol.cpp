@@ -76,14 +76,14 @@ WriteStatus DecodeWriteStatus(const std::uint8_t* bytes) {
     WriteStatus s;
     s.Error = (bytes[3] & 0x80) != 0;
     s.ErrorNumber = bytes[2];
-    s.Line = (bytes[0] << 8) | bytes[1];
+    s.Line = bytes[0] | (bytes[1] << 8);
     return s;
 }
 
 std::string EncodeWriteStatus(const WriteStatus& status) {
     std::string bytes(4, '\0');
-    bytes[0] = static_cast<char>((status.Line >> 8) & 0xFF);
-    bytes[1] = static_cast<char>(status.Line & 0xFF);
+    bytes[0] = static_cast<char>(status.Line & 0xFF);
+    bytes[1] = static_cast<char>((status.Line >> 8) & 0xFF);
     bytes[2] = static_cast<char>(status.ErrorNumber & 0xFF);
     bytes[3] = static_cast<char>(status.Error ? 0x80 : 0);
     return bytes;

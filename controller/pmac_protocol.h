@@ -52,7 +52,8 @@ Answer ParseAnswer(std::string_view received);
 std::vector<std::string> SplitDownload(const std::vector<std::string>& lines);
 
 // The 4-byte answer to a WRITEBUFFER: byte 3 has 0x80 on an error, byte 2 holds the error
-// number and bytes 0 and 1 the number of the line in the buffer, from 1 (big-endian).
+// number and bytes 0 and 1 the number of the line in the buffer, from 1: byte 0 its low
+// byte and byte 1 its high byte (little-endian, unlike the header's length).
 struct WriteStatus {
     bool Error = false;
     int ErrorNumber = 0;

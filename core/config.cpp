@@ -45,11 +45,54 @@ bool ReadOptional(const Directories& dirs, const std::string& path, std::vector<
     return true;
 }
 
+// Lines 1 to 3 of Control.cfg name directories that the start creates: a line with a control
+// character, or longer than any directory name, is refused before anything is made of it.
+// Line 3 is a directory name under the program root as the operator chooses it.
+constexpr std::size_t MostDirectoryLine = 255;
+
+ConfigResult DirectoryLineFault(std::string_view line, std::size_t lineIndex) {
+    const std::string where = "line " + std::to_string(lineIndex + 1);
+    if (line.size() > MostDirectoryLine)
+        return ConfigFault{"Control.cfg", where + " is longer than " + std::to_string(MostDirectoryLine) + " characters"};
+    for (char c : Trim(line)) {
+        auto byte = static_cast<unsigned char>(c);
+        if (byte < 32 || byte == 127) return ConfigFault{"Control.cfg", where + " holds a control character"};
+    }
+    return std::nullopt;
+}
+
 ConfigFault OutOfRange(const std::string& file, std::size_t lineIndex) {
     return ConfigFault{file, "line " + std::to_string(lineIndex + 1) + " holds a value out of range"};
 }
 
+ConfigResult CreateDirectory(const std::string& dir) {
+    std::error_code error;
+    if (!IsDirectory(dir) && !fs::create_directories(dir, error) && !IsDirectory(dir))
+        return ConfigFault{dir, "directory cannot be created"};
+    return std::nullopt;
+}
+
 }  // namespace
+
+void DeriveDirectories(Directories& d) {
+    d.PmacDir = d.RootDir + "PMAC/";
+    d.DataDir = d.RootDir + "Data/";
+    d.SettingsDir = d.RootDir + "Settings/";
+    d.ServiceDir = d.RootDir + "Service/";
+    d.RevSubsDir = d.RootDir + "RevSubs/";
+    d.ToolsDir = d.RootDir + "Tools/";
+    d.MessagesDir = d.RootDir + "Messages/";
+    d.HelpDir = d.RootDir + "Messages/Help/";
+    d.DialogueFileStem = d.RootDir + "Dialogue/Dlgprg.";
+    d.ReverseFileStem = d.RootDir + "Dialogue/Reverse/Rvsprg.";
+}
+
+ConfigResult CreateInstallationDirs(const Directories& d) {
+    for (const char* dir : {"PMAC", "Messages", "Messages/Help", "Data", "Settings", "Service", "RevSubs", "Tools",
+                            "Dialogue", "Dialogue/Reverse"})
+        if (auto fault = CreateDirectory(d.RootDir + dir)) return fault;
+    return std::nullopt;
+}
 
 ConfigResult ReadControlConfig(Installation& installation) {
     Directories& d = installation.Dirs;
@@ -57,6 +100,8 @@ ConfigResult ReadControlConfig(Installation& installation) {
     std::vector<std::string> lines;
     if (auto fault = ReadRequired(d, "Control.cfg", "Control.cfg", lines)) return fault;
     if (lines.size() < 3) return ConfigFault{"Control.cfg", "has fewer than 3 lines"};
+    for (std::size_t i = 0; i < 3; ++i)
+        if (auto fault = DirectoryLineFault(lines[i], i)) return fault;
     // 2. Directory names.
     d.RootDir = WithSlash(lines[0]);
     d.ProgramRoot = WithSlash(lines[1]);
@@ -68,27 +113,11 @@ ConfigResult ReadControlConfig(Installation& installation) {
         auto slot = TruncateToInt16(ToNumber(Trim(lines[3])));
         if (slot && (*slot == 1 || *slot == 2)) installation.ActiveSlot = *slot;
     }
-    // 4. The derived directories.
-    d.PmacDir = d.RootDir + "PMAC/";
-    d.DataDir = d.RootDir + "Data/";
-    d.SettingsDir = d.RootDir + "Settings/";
-    d.ServiceDir = d.RootDir + "Service/";
-    d.RevSubsDir = d.RootDir + "RevSubs/";
-    d.ToolsDir = d.RootDir + "Tools/";
-    d.MessagesDir = d.RootDir + "Messages/";
-    d.HelpDir = d.RootDir + "Messages/Help/";
-    d.DialogueFileStem = d.RootDir + "Dialogue/Dlgprg.";
-    d.ReverseFileStem = d.RootDir + "Dialogue/Reverse/Rvsprg.";
-    // 5. Create what is missing, in this order.
+    // 4. The derived directories; 5. create what is missing, in this order.
+    DeriveDirectories(d);
+    if (auto fault = CreateInstallationDirs(d)) return fault;
     std::string programRoot = d.ProgramRoot.substr(0, d.ProgramRoot.size() - 1);
-    for (const std::string& dir : {d.RootDir + "PMAC", d.RootDir + "Messages", d.RootDir + "Messages/Help",
-                                   d.RootDir + "Data", d.RootDir + "Settings", d.RootDir + "Service",
-                                   d.RootDir + "RevSubs", d.RootDir + "Tools", d.RootDir + "Dialogue",
-                                   d.RootDir + "Dialogue/Reverse", programRoot}) {
-        std::error_code error;
-        if (!IsDirectory(dir) && !fs::create_directories(dir, error) && !IsDirectory(dir))
-            return ConfigFault{dir, "directory cannot be created"};
-    }
+    if (auto fault = CreateDirectory(programRoot)) return fault;
     // 6. A current directory that doesn't exist is replaced: "Dorvenis", else the first one.
     std::string current = ResolveNoCase(d.ProgramRoot + d.ProgramDirName);
     if (IsDirectory(current)) {
@@ -112,7 +141,7 @@ bool WriteControlConfig(const Installation& installation) {
                                                   std::to_string(installation.ActiveSlot), EndMarker});
 }
 
-void SetProgramDir(Installation& installation, const std::string& name) {
+bool SetProgramDir(Installation& installation, const std::string& name) {
     Directories& d = installation.Dirs;
     // 1. A name whose drive isn't ready, or that doesn't exist under the root, is empty.
     std::string dir(Trim(name));
@@ -139,7 +168,7 @@ void SetProgramDir(Installation& installation, const std::string& name) {
     // 3. Settle it and write Control.cfg.
     d.ProgramDirName = dir;
     d.ProgramDirPath = DirectoryPath(dir, d.ProgramRoot);
-    WriteControlConfig(installation);
+    return WriteControlConfig(installation);
 }
 
 ConfigResult ReadMachineFiles(const Directories& dirs, MachineData& machine) {
@@ -243,7 +272,7 @@ ConfigResult ReadCardSetup(const Directories& dirs, CardSetup& card) {
     const std::string pmac = dirs.RootDir + "PMAC.cfg";
     if (ReadOptional(dirs, pmac, lines)) {
         std::size_t count = 0;
-        while (count < lines.size() && count < 5 && Trim(lines[count]) != EndMarker) ++count;
+        while (count < lines.size() && count < 6 && Trim(lines[count]) != EndMarker) ++count;
         auto whole = [&](std::size_t i, std::int32_t& value) {
             auto rounded = RoundToInt32(ToNumber(ConfigValue(lines[i])));
             if (rounded) value = *rounded;
@@ -260,6 +289,10 @@ ConfigResult ReadCardSetup(const Directories& dirs, CardSetup& card) {
         }
         if (count > 3 && !whole(3, card.PollRestartDelayMs)) return OutOfRange(pmac, 3);
         if (count > 4) card.CardAddressLine = std::string(Trim(lines[4]));
+        if (count > 5) {
+            if (!whole(5, card.OperationDeadlineMs)) return OutOfRange(pmac, 5);
+            if (card.OperationDeadlineMs <= 0) card.OperationDeadlineMs = DefaultOperationDeadlineMs;
+        }
     }
     if (card.PollRestartDelayMs < card.PollIntervalMs) card.PollRestartDelayMs = card.PollIntervalMs;
     return std::nullopt;

@@ -64,6 +64,9 @@ struct MessageTables {
     std::array<std::string, 32> LogicMessages;
 };
 
+// The deadline of a long card operation when PMAC.cfg gives none (or one of 0 or less).
+inline constexpr std::int32_t DefaultOperationDeadlineMs = 30000;
+
 // Control.cnc and PMAC.cfg.
 struct CardSetup {
     bool CardInUse = true;
@@ -74,6 +77,9 @@ struct CardSetup {
     std::int32_t PollRestartDelayMs = 0;
     // PMAC.cfg line 5, "label: host[:port]": where the card is reached; empty for the default.
     std::string CardAddressLine;
+    // PMAC.cfg line 6: how long one long card operation (a selection's download, a run of the
+    // office seat's card command) may take in all before it fails as a card fault.
+    std::int32_t OperationDeadlineMs = DefaultOperationDeadlineMs;
 };
 
 // What the installation's files say: one record, owned by the process.
@@ -94,13 +100,20 @@ struct ConfigFault {
 };
 using ConfigResult = std::optional<ConfigFault>;
 
+// The directory names under RootDir.
+void DeriveDirectories(Directories& dirs);
+// Creates the directories of the installation under RootDir that are missing, in the order of
+// the start: PMAC, Messages, Messages/Help, Data, Settings, Service, RevSubs, Tools, Dialogue,
+// Dialogue/Reverse.
+ConfigResult CreateInstallationDirs(const Directories& dirs);
 // Reads Control.cfg from the current directory, derives and creates the directories,
 // settles the current program directory and writes Control.cfg back.
 ConfigResult ReadControlConfig(Installation& installation);
 // Writes the five lines of Control.cfg to RootDir.
-bool WriteControlConfig(const Installation& installation);
-// Makes a directory under the program root (or a whole path) the current program directory.
-void SetProgramDir(Installation& installation, const std::string& name);
+[[nodiscard]] bool WriteControlConfig(const Installation& installation);
+// Makes a directory under the program root (or a whole path) the current program directory;
+// false when Control.cfg cannot be written.
+[[nodiscard]] bool SetProgramDir(Installation& installation, const std::string& name);
 // Clears the machine values and reads Machine.dat, Westinghouse.cfg and Profiler.cfg.
 ConfigResult ReadMachineFiles(const Directories& dirs, MachineData& machine);
 // Reads IO.msg, then Logic.msg.

@@ -13,6 +13,9 @@ namespace kirvana {
 // geometry carry its small error throughout.
 inline constexpr double Pi = 3.14159265;
 
+// Millimetres in an inch: length words under G70, and tools and screens shown in inches.
+inline constexpr double Inch = 25.4;
+
 // "Not set" in any record field, P word or coordinate word.
 inline constexpr float NoValue = -999.0f;
 

@@ -60,8 +60,8 @@ bool FileExists(const std::string& path) {
 }
 
 void NoteFile(std::string_view serviceDir, std::string_view fileName) {
-    std::ofstream out(std::string(serviceDir) + "LastFile.txt", std::ios::binary | std::ios::trunc);
-    out << fileName << '\n';
+    // A trace only: a file that cannot be written doesn't stop the reading it announces.
+    (void)WriteLines(std::string(serviceDir) + "LastFile.txt", {std::string(fileName)});
 }
 
 void DeleteProgramFiles(std::string_view directory, std::string_view name) {
@@ -82,13 +82,6 @@ std::optional<std::vector<std::string>> ReadLines(const std::string& path) {
     }
     if (in.bad()) return std::nullopt;
     return lines;
-}
-
-bool WriteLines(const std::string& path, const std::vector<std::string>& lines) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    for (const std::string& line : lines) out << line << '\n';
-    out.close();
-    return static_cast<bool>(out);
 }
 
 std::string ResolveNoCase(const std::string& path) {

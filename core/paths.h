@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/file_writer.h"
+
 namespace kirvana {
 
 bool HasDrive(std::string_view path);
@@ -29,8 +31,6 @@ void DeleteProgramFiles(std::string_view directory, std::string_view name);
 
 // The lines of a text file, LF or CRLF; empty when it cannot be opened.
 std::optional<std::vector<std::string>> ReadLines(const std::string& path);
-// Writes the lines, each ended by LF; false when the file cannot be written.
-bool WriteLines(const std::string& path, const std::vector<std::string>& lines);
 
 // The file's path as it stands, or, when no file has that exact name, the one entry of its
 // directory whose name matches ignoring case (the system came from a case-blind file system).

@@ -1,10 +1,9 @@
 #include "navigation/colours.h"
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
+#include <vector>
 
 #include "core/config.h"
+#include "core/file_writer.h"
 #include "core/number.h"
 #include "core/paths.h"
 #include "core/text.h"
@@ -48,17 +47,12 @@ bool ReadColour(const std::string& line, std::int32_t& value) {
     return true;
 }
 
-// The file with the defaults, written to a temporary name and renamed over.
-void WriteDefaults(const std::string& path) {
-    std::string temporary = path + ".tmp";
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        for (const ColourDefault& d : Defaults) out << d.Label << ", " << d.Value << "\n";
-        out << EndMarker << "\n";
-        if (!out) return;
-    }
-    std::error_code error;
-    std::filesystem::rename(temporary, path, error);
+// The file with the defaults, written whole or not at all.
+bool WriteDefaults(const std::string& path) {
+    std::vector<std::string> lines;
+    for (const ColourDefault& d : Defaults) lines.push_back(std::string(d.Label) + ", " + std::to_string(d.Value));
+    lines.push_back(EndMarker);
+    return WriteLines(path, lines);
 }
 
 }  // namespace
@@ -75,7 +69,7 @@ ColourConfig ReadColourConfig(const std::string& dir) {
     ColourConfig config{DefaultColours(), {}};
     std::string path = dir + "Colour.cfg";
     if (!FileExists(path)) {
-        WriteDefaults(path);
+        if (!WriteDefaults(path)) config.Note = "Colour.cfg cannot be written: default colours in use";
         return config;
     }
     auto lines = ReadLines(path);

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "core/startup.h"
+#include "system/startup.h"
 #include "core/text.h"
 
 namespace kirvana {

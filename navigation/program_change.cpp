@@ -1,6 +1,6 @@
 #include "navigation/program_change.h"
 
-#include "core/startup.h"
+#include "system/startup.h"
 
 namespace kirvana {
 

@@ -1,7 +1,7 @@
 // ChangeProgram, the switch of F10 and F11 and of FrontEnd's program buttons.
 #pragma once
 
-#include "controller/machine_commands.h"
+#include "system/machine_commands.h"
 
 namespace kirvana {
 

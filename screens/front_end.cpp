@@ -6,7 +6,7 @@
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
-#include "core/slots.h"
+#include "system/slots.h"
 #include "screens/panel.h"
 #include "screens/panel_style.h"
 

@@ -5,7 +5,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "controller/poll_cycle.h"
+#include "system/poll_cycle.h"
 #include "navigation/messages.h"
 #include "screens/panel.h"
 #include "screens/panel_style.h"

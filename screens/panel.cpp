@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "controller/poll_cycle.h"
+#include "system/poll_cycle.h"
 #include "navigation/pad_entry.h"
 #include "navigation/program_change.h"
 #include "screens/front_end.h"

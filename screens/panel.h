@@ -11,7 +11,7 @@
 #include <string>
 
 #include "controller/pmac_ethernet_link.h"
-#include "core/startup.h"
+#include "system/startup.h"
 #include "navigation/colours.h"
 #include "navigation/navigation.h"
 #include "navigation/warning.h"

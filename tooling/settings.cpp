@@ -1,5 +1,6 @@
 #include "tooling/settings.h"
 
+#include "core/names.h"
 #include "core/paths.h"
 #include "core/text.h"
 #include "tooling/single.h"
@@ -32,14 +33,10 @@ void ReadFields(const std::vector<std::string>& lines, std::size_t count, Setter
     }
 }
 
-bool SettingNameUsable(const std::string& name) {
-    return !name.empty() && name.find('/') == std::string::npos && name != "." && name != "..";
-}
-
 SaveOutcome SaveAs(const Directories& dirs, const std::string& name, const std::string& extension,
                    const AskOperator& ask, const std::function<bool(const std::string&)>& write) {
     const std::string trimmed(Trim(name));
-    if (!SettingNameUsable(trimmed)) return SaveOutcome::InvalidName;
+    if (!AcceptableName(trimmed)) return SaveOutcome::InvalidName;
     const std::string path = ResolveNoCase(dirs.SettingsDir + trimmed + extension);
     if (FileExists(path)) {
         if (!ask || !ask({"Settings", trimmed, "Already Exist !", "Overwrite Them ?"})) return SaveOutcome::Declined;

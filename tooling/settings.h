@@ -60,12 +60,12 @@ void DefaultPunchSetting(PunchSetting& setting);
 // Line 1 the description, then the six values, then "******". Values that can't be read
 // (or don't fit a 16-bit field) read as 0; values the file doesn't hold keep their defaults.
 SettingsLoad LoadPunchSetting(const std::string& file, std::string& description, PunchSetting& setting);
-bool SavePunchSetting(const std::string& file, const std::string& description, const PunchSetting& setting);
+[[nodiscard]] bool SavePunchSetting(const std::string& file, const std::string& description, const PunchSetting& setting);
 
 void ClearPlasmaSetting(PlasmaSetting& setting);
 // Line 1 the description, then the ten fields in their order, then "******".
 SettingsLoad LoadPlasmaSetting(const std::string& file, std::string& description, PlasmaSetting& setting);
-bool SavePlasmaSetting(const std::string& file, const std::string& description, const PlasmaSetting& setting);
+[[nodiscard]] bool SavePlasmaSetting(const std::string& file, const std::string& description, const PlasmaSetting& setting);
 // False when every field is NoValue: such a set counts as no set.
 bool PlasmaSettingIsSet(const PlasmaSetting& setting);
 

@@ -25,7 +25,7 @@ ToolDefinitionResult Refused(const char* message) {
 
 // The box text in the unit shown: inches to 3 decimals, millimetres as the float stands.
 std::string BoxText(float value, bool inches) {
-    if (inches) return FormatNumber(Number(Round3(static_cast<double>(value) / 25.4)), -1);
+    if (inches) return FormatNumber(Number(Round3(static_cast<double>(value) / Inch)), -1);
     return FormatNumber(Number(value), -1);
 }
 
@@ -128,10 +128,10 @@ ToolDefinitionResult ConfirmToolDefinition(const ToolDefinitionBoxes& boxes, con
 
     // Inches are stored as millimetres, 3 decimals half to even.
     if (inches) {
-        d1 = Round3(d1 * 25.4);
-        d2 = Round3(d2 * 25.4);
-        d3 = Round3(d3 * 25.4);
-        d4 = Round3(d4 * 25.4);
+        d1 = Round3(d1 * Inch);
+        d2 = Round3(d2 * Inch);
+        d3 = Round3(d3 * Inch);
+        d4 = Round3(d4 * Inch);
     }
     ToolDefinitionResult result;
     result.Accepted = true;

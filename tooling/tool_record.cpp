@@ -45,11 +45,11 @@ std::string BehindKey(std::string_view text, std::size_t from) {
 }
 
 // Dimension in the text's unit to millimetres, 3 decimals half to even.
-float InchesToMm(float value) { return ToSingle(RoundHalfEven(Number(static_cast<double>(value) * 25.4), 3)); }
+float InchesToMm(float value) { return ToSingle(RoundHalfEven(Number(static_cast<double>(value) * Inch), 3)); }
 
 // A dimension of a description: millimetres to 2 decimals, or inches to 3.
 std::string DimensionText(float value, bool showInches) {
-    double shown = showInches ? RoundHalfEven(Number(static_cast<double>(value) / 25.4), 3)
+    double shown = showInches ? RoundHalfEven(Number(static_cast<double>(value) / Inch), 3)
                               : RoundHalfEven(Number(value), 2);
     return FormatNumber(Number(shown), -1);
 }

@@ -26,7 +26,7 @@ struct ToolRecord {
     std::int16_t Station = 0;                  // type number of the station (20 and above: autoindex)
     float Angle = 0;                           // degrees
     float Extra1 = 0;                          // index angle asked of an autoindex station
-    std::int32_t Extra2 = 0;                   // 1 on a table's tool and on the plasma tool
+    float Extra2 = 0;                          // 1 on a table's tool and on the plasma tool
 
     bool IsValid() const { return Valid != FalseWord; }
 };

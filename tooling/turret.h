@@ -86,13 +86,13 @@ bool ReadProgramTurret(const std::string& file, StationTable& table, ProgramTurr
                        std::string_view serviceDir = {});
 // Writes the table as a `.trt`: the setting word, a line per station, the active station
 // when given, "******".
-bool WriteProgramTurret(const std::string& file, const StationTable& table, const ProgramTurret& header);
+[[nodiscard]] bool WriteProgramTurret(const std::string& file, const StationTable& table, const ProgramTurret& header);
 // One line of a `.trt`: the tool text (or "") and the six settings, ", " between them.
 std::string TurretLine(const Station& station);
 
 // A program's `.stg`: a line per station, "tool text, type index, feed, accel, pre delay,
 // post delay, in position, ram timer", then "******".
-bool WriteProgramSettings(const std::string& file, const StationTable& table);
+[[nodiscard]] bool WriteProgramSettings(const std::string& file, const StationTable& table);
 // For each station with a tool, takes the settings of the first line holding the same tool
 // in the same type of station, or else the same tool in any station. False when missing.
 bool ReadProgramSettings(const std::string& file, StationTable& table, std::string_view serviceDir = {});

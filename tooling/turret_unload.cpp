@@ -31,12 +31,11 @@ bool RewriteToolNumbers(const std::string& numbersFile, const std::vector<ToolCh
     for (const auto& line : *lines) updated.push_back(RewriteToolLine(line, changes));
     const std::string updateFile = (std::filesystem::path(numbersFile).parent_path() / "Update.tmp").string();
     if (!WriteLines(updateFile, updated)) return false;
+    // The updated text takes the place of the old one in one step; the old file is never removed first.
+    if (MoveFileOver(updateFile, numbersFile)) return true;
     std::error_code error;
-    std::filesystem::remove(numbersFile, error);
-    std::filesystem::copy_file(updateFile, numbersFile, std::filesystem::copy_options::overwrite_existing, error);
-    bool copied = !error;
     std::filesystem::remove(updateFile, error);
-    return copied;
+    return false;
 }
 
 TurretUnloadResult UnloadTurret(const std::string& drawingFile, const std::string& numbersFile,

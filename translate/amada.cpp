@@ -9,6 +9,8 @@
 #include "core/number.h"
 #include "core/text.h"
 #include "translate/amada_steps.h"
+#include "translate/text_search.h"
+#include "translate/translation_run.h"
 
 namespace kirvana {
 
@@ -16,38 +18,6 @@ using namespace convert;
 
 namespace {
 
-constexpr auto npos = std::string::npos;
-
-// Plain searches: blocks are a few characters long, too short for the library's.
-bool Has(std::string_view text, char c) {
-    for (char t : text)
-        if (t == c) return true;
-    return false;
-}
-bool Has(std::string_view text, std::string_view word) {
-    if (word.empty()) return true;
-    if (word.size() > text.size()) return false;
-    for (std::size_t i = 0, last = text.size() - word.size(); i <= last; ++i)
-        if (text[i] == word[0] && text.substr(i, word.size()) == word) return true;
-    return false;
-}
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsNumberChar(char c) { return IsDigit(c) || c == '.'; }
-
-bool ReplaceFirst(std::string& text, std::string_view from, std::string_view to) {
-    std::size_t at = text.find(from);
-    if (at == npos) return false;
-    text.replace(at, from.size(), to);
-    return true;
-}
-
-// The end of the number that stands behind position `letter`: signs, then digits and points.
-std::size_t NumberEnd(std::string_view text, std::size_t letter) {
-    std::size_t end = letter + 1;
-    while (end < text.size() && (text[end] == '+' || text[end] == '-')) ++end;
-    while (end < text.size() && IsNumberChar(text[end])) ++end;
-    return end;
-}
 
 // Removes the first word of the letter (the letter and its number) and gives its number text;
 // false when the letter does not stand in the block.
@@ -120,10 +90,17 @@ std::string LengthText(double value) {
     return text;
 }
 
-// A word of a computed length or angle behind the words: the name, then the length.
+// A word of a computed length or angle behind the words: the name, then the length rounded
+// to 3 decimals (G28's polar values and the shear proof row).
 void AddLength(std::string& words, std::string_view name, double value) {
     words += name;
     words += LengthText(value);
+}
+
+// A word of a computed length as it was computed, in free format (G67, G68, G69).
+void AddValue(std::string& words, std::string_view name, double value) {
+    words += name;
+    words += FormatNumber(value, -1);
 }
 
 double Sign(double value) { return value > 0 ? 1.0 : value < 0 ? -1.0 : 0.0; }
@@ -238,148 +215,6 @@ int MacroNumber(std::string_view block, char letter, ValueReader& reader) {
 }  // namespace
 
 namespace amada {
-
-// ---------------------------------------------------------------------------------------
-// Number scaling
-
-int ScalingCode(std::string_view block, ValueReader& reader) {
-    // One walk over the "G"s finds every code the tests ask for: "G" and one digit d (the
-    // forms "Gd" and "G0d"), and "G" and two digits.
-    bool single[10] = {};
-    bool pair[100] = {};
-    bool anyG = false;
-    for (std::size_t i = 0; i + 1 < block.size(); ++i) {
-        if (block[i] != 'G') continue;
-        anyG = true;
-        const char first = block[i + 1];
-        if (!IsDigit(first)) continue;
-        single[first - '0'] = true;
-        if (i + 2 < block.size() && IsDigit(block[i + 2])) {
-            pair[(first - '0') * 10 + (block[i + 2] - '0')] = true;
-            if (first == '0') single[block[i + 2] - '0'] = true;
-        }
-    }
-    int code = anyG || Has(block, 'G') ? reader.WordInteger(block, 'G') : 0;
-    // "G1" or "G01" to 1, "G2" or "G02" to 2, "G3" or "G03" to 3, "G4" or "G04" to 4.
-    for (int digit = 1; digit <= 4; ++digit)
-        if (single[digit]) code = digit;
-    // Then the codes that keep their own number, in this order.
-    for (int own : {25, 27, 26, 29, 36, 37, 66, 67, 68, 69, 78, 79, 75, 76, 98, 31})
-        if (pair[own]) code = own;
-    return code;
-}
-
-namespace {
-
-bool In(int code, std::initializer_list<int> codes) {
-    for (int c : codes)
-        if (c == code) return true;
-    return false;
-}
-
-// The class of a word: 0 kept, 1 whole number, 2 length, 3 hundredths, 4 dwell.
-int WordClass(char letter, int code) {
-    switch (letter) {
-        case 'A': case 'B': case 'U': case 'V': case 'W': return 1;
-        case 'K':
-            if (In(code, {26, 29, 36, 98})) return 1;
-            if (In(code, {68, 78})) return 3;
-            return 2;
-        case 'P':
-            if (In(code, {31, 36, 98})) return 1;
-            if (code == 29) return 3;
-            return 2;
-        case 'Q': return In(code, {31, 75, 76}) ? 1 : 2;
-        case 'J': return In(code, {26, 29, 66, 68, 69, 78, 79}) ? 3 : 2;
-        case 'X': return code == 4 ? 4 : 2;
-        case 'D': case 'I': case 'Y': return 2;
-        default: return 0;
-    }
-}
-
-}  // namespace
-
-bool ScaledInteger(std::string_view number, int decimals, std::string& out) {
-    // Only a plain "-" or nothing, then up to 12 digits of which one is not 0: every other
-    // form (other signs, a negative zero, long numbers) takes the general path.
-    std::size_t at = 0;
-    bool negative = false;
-    if (at < number.size() && number[at] == '-') {
-        negative = true;
-        ++at;
-    }
-    std::string_view digits = number.substr(at);
-    if (digits.empty() || digits.size() > 12) return false;
-    for (char c : digits)
-        if (!IsDigit(c)) return false;
-    while (digits.size() > 1 && digits.front() == '0') digits.remove_prefix(1);
-    if (digits == "0") {
-        if (negative) return false;
-    }
-    if (negative) out += '-';
-    const std::size_t places = static_cast<std::size_t>(decimals);
-    if (places == 0) {
-        out += digits;
-        return true;
-    }
-    // The number is in units of 10^-places: the point goes `places` digits from the right.
-    if (digits.size() <= places) {
-        out += "0.";
-        out.append(places - digits.size(), '0');
-        out += digits;
-    } else {
-        out += digits.substr(0, digits.size() - places);
-        out += '.';
-        out += digits.substr(digits.size() - places);
-    }
-    return true;
-}
-
-std::string ScaleNumbers(std::string_view block, int code, bool inch) {
-    std::string out;
-    ScaleNumbers(block, code, inch, out);
-    return out;
-}
-
-void ScaleNumbers(std::string_view block, int code, bool inch, std::string& out) {
-    out.clear();
-    out.reserve(block.size() + 16);
-    std::size_t i = 0;
-    while (i < block.size()) {
-        char letter = block[i];
-        int wordClass = letter >= 'A' && letter <= 'Z' ? WordClass(letter, code) : 0;
-        if (wordClass == 0) {
-            out += letter;
-            ++i;
-            continue;
-        }
-        std::size_t end = NumberEnd(block, i);
-        std::string_view number = block.substr(i + 1, end - i - 1);
-        bool digits = false, point = false;
-        for (char c : number) {
-            digits = digits || IsDigit(c);
-            point = point || c == '.';
-        }
-        out += letter;
-        if (!digits) {
-            // No number: the word stays as it stands.
-            out += number;
-            i = end;
-            continue;
-        }
-        if (!point && ScaledInteger(number, wordClass == 1 ? 0 : wordClass == 2 && inch ? 3 : 2, out)) {
-            i = end;
-            continue;
-        }
-        double value = ToNumber(number);
-        switch (wordClass) {
-            case 1: out += FormatNumber(value, 0); break;
-            case 2: out += FormatNumber(point ? value : value / (inch ? 1000 : 100), inch ? 3 : 2); break;
-            default: out += FormatNumber(point ? value : value / 100, 2); break;
-        }
-        i = end;
-    }
-}
 
 // ---------------------------------------------------------------------------------------
 // Profile codes and moves
@@ -540,10 +375,10 @@ void Rectangle(std::string& block, const AmadaState& amada, ValueReader& reader,
     double sideX = i - reachX;
     double sideY = j - reachY;
     double pitch = std::max(SidePitch(sideX, tool), SidePitch(sideY, tool));
-    AddLength(words, "X", lastX + reachX / 2);
-    AddLength(words, "Y", lastY + reachY / 2);
-    AddLength(words, "I", sideX);
-    AddLength(words, "J", sideY);
+    AddValue(words, "X", lastX + reachX / 2);
+    AddValue(words, "Y", lastY + reachY / 2);
+    AddValue(words, "I", sideX);
+    AddValue(words, "J", sideY);
     words += "P8=";
     words += FormatNumber(pitch, 0);
 }
@@ -561,8 +396,8 @@ void NibbleLine(std::string& block, const AmadaState& amada, ValueReader& reader
     PolarToXY(std::fabs(tool / 2), tool >= 0 ? angle + 90 : angle - 90, shiftX, shiftY);
     double lastX, lastY;
     LastPosition(amada, reader, lastX, lastY);
-    AddLength(words, "X", lastX + shiftX);
-    AddLength(words, "Y", lastY + shiftY);
+    AddValue(words, "X", lastX + shiftX);
+    AddValue(words, "Y", lastY + shiftY);
     if (hasLength) {
         words += "P1=";
         words += length;
@@ -573,8 +408,8 @@ void NibbleLine(std::string& block, const AmadaState& amada, ValueReader& reader
     }
     words += "P8=";
     words += FormatNumber(step, 0);
-    AddLength(words, "P10=", shiftX - 2);
-    AddLength(words, "P11=", shiftY - 2);
+    AddValue(words, "P10=", shiftX - 2);
+    AddValue(words, "P11=", shiftY - 2);
 }
 
 // G75 and G76: the subroutine over the stored grid, from the corner Q. The table knows the
@@ -627,10 +462,16 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
     std::string_view source;
     const Row row = FindRow(block, source, codes);
     if (row == Row::None) return false;
-    // The tail: from the first "T", else the first "M" (for a call from the first "M"). It is
-    // cut off, and the rest of the block is worked on in place.
-    std::size_t tailAt = row == Row::W ? npos : block.find('T');
-    if (tailAt == npos) tailAt = block.find('M');
+    // The tail: from the first "T", else the first "M"; for a call from the first "M" behind
+    // its "W", so that the call is made whatever stands in front of it. It is cut off, and the
+    // rest of the block is worked on in place.
+    std::size_t tailAt = npos;
+    if (row == Row::W) {
+        tailAt = block.find('M', block.find('W'));
+    } else {
+        tailAt = block.find('T');
+        if (tailAt == npos) tailAt = block.find('M');
+    }
     std::string tail;
     if (tailAt != npos) {
         tail.assign(block, tailAt);
@@ -703,7 +544,7 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
             double tool = TakeValue(rest, 'P');
             bool hasStep = TakeWord(rest, 'Q', step);
             words = "G37";
-            if (hasRadius) AddLength(words, "R", ToNumber(radius) + tool / 2);
+            if (hasRadius) AddValue(words, "R", ToNumber(radius) + tool / 2);
             if (hasAngle) {
                 words += "P5=";
                 words += angle;
@@ -745,7 +586,6 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
         case Row::W: {
             // A call as in the bracket dialect: what stands before the "W", the modal codes
             // behind it, then the call; the name goes to the comment.
-            // A "W" behind the first "M" is part of the tail: the call then has no name.
             std::size_t w = rest.find('W');
             std::string behind, name;
             if (w != npos) {
@@ -803,12 +643,10 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
         }
     }
     StripBlanksInPlace(block);
-    // 3. "A" stores the block (without its A word) as a macro, "B" replays one.
+    // 3. "A" leaves the block and stores what remains as a macro; "B" replays one.
     if (int store = MacroNumber(block, 'A', reader)) {
-        std::string stored = block;
-        std::size_t at = stored.find('A');
-        stored.erase(at, NumberEnd(stored, at) - at);
-        amada.MacroTable[static_cast<std::size_t>(store)] = stored;
+        DropWord(block, 'A');
+        amada.MacroTable[static_cast<std::size_t>(store)] = block;
     }
     if (int replay = MacroNumber(block, 'B', reader)) block = amada.MacroTable[static_cast<std::size_t>(replay)];
     // (The code index answers the searches for "G" and "M" codes; it is rebuilt after every
@@ -886,6 +724,34 @@ std::string AmadaToolDescription(std::string_view comment) {
         return out + size('Z') + "x" + size('X') + " a" + size('A');
     }
     return {};
+}
+
+ConvertResult AmadaProgram(std::string_view stem, std::int16_t& dialect, const ConvertSettings& settings) {
+    TranslationRun run(settings);
+    amada::AmadaState amadaState;
+    run.State.ConvertStem = std::string(Trim(stem));
+    // 1. The dialect is the AMADA one.
+    dialect = AmadaDialect;
+    // 2. Main text, subroutine text and the table, split at the "S" words.
+    if (!run.Split(true)) return run.Result;
+    SubroutineTable table;
+    if (!run.ReadTable(table)) return run.Result;
+    // 3. Metric, and the default nibbling step.
+    amadaState.AmadaInch = false;
+    run.State.NibbleStep = 2.5;
+    auto block = [&amadaState](ConvertState& state, const BlockContext& context, std::string_view line) {
+        return amada::AmadaBlock(state, amadaState, context, line);
+    };
+    // 4, 5. The block pass over the main text, then over the subroutines.
+    if (!run.BlockPassFile("A1", "M1", BlockPass::Main, BlockContext{settings, dialect, BlockPass::Main, table}, block))
+        return run.Result;
+    if (!run.BlockPassFile("A2", "M2", BlockPass::Subroutines,
+                           BlockContext{settings, dialect, BlockPass::Subroutines, table}, block))
+        return run.Result;
+    // 6. Calls inside the subroutines are G69.
+    if (!run.CallFix()) return run.Result;
+    run.Result.NibbleStep = run.State.NibbleStep;
+    return run.Result;
 }
 
 }  // namespace kirvana

@@ -13,7 +13,7 @@
 namespace kirvana {
 
 // The entry: `dialect` becomes 5. No dialect detection runs.
-ConvertResult AmadaProgram(std::string_view stem, std::int16_t& dialect, const ConvertSettings& settings);
+[[nodiscard]] ConvertResult AmadaProgram(std::string_view stem, std::int16_t& dialect, const ConvertSettings& settings);
 
 // The tool description an AMADA tool comment gives, such as "RE20X5A90" -> "Rectangle 20x5 a90";
 // "" when the comment does not start with a known two-letter code.

@@ -2,7 +2,9 @@
 
 #include <cmath>
 #include <filesystem>
+#include <sstream>
 
+#include "core/file_writer.h"
 #include "core/geometry.h"
 #include "core/number.h"
 #include "core/paths.h"
@@ -13,7 +15,6 @@ namespace kirvana {
 
 namespace {
 
-constexpr double Inch = 25.4;
 constexpr double Missing = -999;
 
 double Round(float value, int places) { return RoundHalfEven(Number(value), places); }
@@ -357,7 +358,8 @@ void BlendPass::ProfileArc(const std::string& block, bool g103) {
         // 5, 6. Tangency with the arc's start direction, and the radius.
         double direction = sweep >= 0 ? NormaliseAngle(startAngle + 90) : NormaliseAngle(startAngle - 90);
         std::string mark = Tangent(direction) ? " B1 E" : " B0 E";
-        mark += FormatNumber(RoundHalfEven(Number(ToSingle(radius)), 3), -1);
+        // The radius as computed, rounded only as it is written.
+        mark += FormatNumber(RoundHalfEven(Number(radius), 3), -1);
         InsertMark(g103 ? "G103" : "G102", mark);
         // 7. This arc becomes the last move.
         ClearLastMove();
@@ -529,45 +531,50 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
 }
 
 std::int16_t BlendProgram(std::string_view directory, std::string_view name, std::string_view stem,
-                          const BlendSettings& settings) {
-    namespace fs = std::filesystem;
-    // 1. The report anew with its header; the motion text; the new text.
-    std::ofstream report(settings.ServiceDir + "Blend.txt", std::ios::binary | std::ios::trunc);
+                          const BlendSettings& settings, std::string* fileFault) {
+    // 1. The report with its header, written whole at the end; the motion text; the new text.
+    std::ostringstream report;
     report << "PROGRAM   :  " << Trim(name) << '\n'
            << "DIRECTORY :  " << Trim(directory) << '\n'
            << "TIME      :  " << (settings.Now ? settings.Now() : ReportTime()) << '\n';
     const std::string motion = std::string(stem) + "M1";
+    const std::string temporary = settings.RootDir + "Blend.tmp";
+    const std::string reportPath = settings.ServiceDir + "Blend.txt";
+    // A file that cannot be read or written ends the pass with M1 as it was and no new text left.
+    auto fault = [&](const std::string& file) {
+        std::error_code error;
+        std::filesystem::remove(temporary, error);
+        if (fileFault) *fileFault = file;
+        return std::int16_t{-1};
+    };
     NoteFile(settings.ServiceDir, motion);
     std::ifstream in(motion, std::ios::binary);
     if (!in) {
         report << EndMarker << '\n';
-        return -1;
+        (void)WriteFileText(reportPath, report.str());
+        return fault(motion);
     }
-    const std::string temporary = settings.RootDir + "Blend.tmp";
-    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+    FileWriter out(temporary);
     // 2. Start values; 3. every line.
     BlendPass pass(settings);
     pass.OpenReport(&report);
     std::string line;
     while (std::getline(in, line)) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
-        out << pass.BlendBlock(line) << '\n';
+        out.Write(pass.BlendBlock(line));
     }
     // 4. Close; the report's end.
+    const bool readFault = in.bad();
     in.close();
-    out.close();
+    const bool written = out.Close();
     report << EndMarker << '\n';
-    // 5. Only a text without critical errors replaces M1.
+    const bool reported = WriteFileText(reportPath, report.str());
+    if (readFault) return fault(motion);
+    if (!written) return fault(temporary);
+    if (!reported) return fault(reportPath);
+    // 5. Only a text without critical errors replaces M1, in one step.
     std::int16_t critical = pass.State.BlendCritical;
-    if (critical == 0) {
-        std::error_code error;
-        fs::remove(motion, error);
-        fs::rename(temporary, motion, error);
-        if (error) {
-            fs::copy_file(temporary, motion, fs::copy_options::overwrite_existing, error);
-            fs::remove(temporary, error);
-        }
-    }
+    if (critical == 0 && !MoveFileOver(temporary, motion)) return fault(motion);
     return critical;
 }
 

@@ -129,8 +129,10 @@ private:
 
 // The entry: blends stem + "M1", reporting to ServiceDir + "Blend.txt". Gives the count of
 // critical errors: 0 replaces M1 by the blended text; otherwise M1 stays and "Blend.tmp" is
-// left in RootDir. -1 when the motion file cannot be read.
-std::int16_t BlendProgram(std::string_view directory, std::string_view name, std::string_view stem,
-                          const BlendSettings& settings);
+// left in RootDir. -1 when the motion file cannot be read or "Blend.tmp", the report or the new
+// M1 cannot be written: M1 then stays as it was, no "Blend.tmp" is left, and `fileFault` (when
+// given) names the file.
+[[nodiscard]] std::int16_t BlendProgram(std::string_view directory, std::string_view name, std::string_view stem,
+                                        const BlendSettings& settings, std::string* fileFault = nullptr);
 
 }  // namespace kirvana

@@ -12,7 +12,6 @@ namespace kirvana {
 
 namespace {
 
-constexpr double Inch = 25.4;
 constexpr double Missing = -999;
 
 double Fix(double x) { return std::trunc(x); }

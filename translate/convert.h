@@ -44,7 +44,7 @@ struct ConvertResult {
 
 // The entry: `dialect` receives the detected dialect; an AMADA machine runs the AMADA
 // dialect pass (translate/amada.h) and gets 5.
-ConvertResult ConvertProgram(std::string_view stem, std::int16_t& dialect, const ConvertSettings& settings);
+[[nodiscard]] ConvertResult ConvertProgram(std::string_view stem, std::int16_t& dialect, const ConvertSettings& settings);
 
 // The text of a status for the operator.
 const char* ConvertStatusText(ConvertStatus status);

@@ -122,6 +122,13 @@ struct CompletionContext {
 // moves, the fills of every code and the flag UnknownBlock. The code index of the state must
 // describe the block on entry.
 void CompletionSteps(ConvertState& state, std::string& block, const CompletionContext& context);
+// The codes of the modal motion and arc modes 1 to 3.
+inline const char* MotionCode(int code) { return code == 1 ? "G01" : code == 2 ? "G02" : "G03"; }
+inline const char* ArcCode(int code) { return code == 1 ? "G101" : code == 2 ? "G102" : "G103"; }
+// Every run of blanks becomes one blank, in place.
+void CollapseBlanksInPlace(std::string& text);
+// Splits the comment off the block: the dialect's mark, else ";".
+void SplitComment(std::string& block, std::string& comment, std::int16_t dialect);
 // A leading "//" or "\\" becomes " M875=2" at the end, a leading "/" or "\" " M875=1".
 void BlockSkipMarks(std::string& block);
 

@@ -46,29 +46,4 @@ bool LineReader::Next(std::string_view& line) {
     }
 }
 
-LineWriter::LineWriter(const std::string& path) : file_(std::fopen(path.c_str(), "wb")) {}
-
-LineWriter::~LineWriter() { Close(); }
-
-void LineWriter::Write(std::string_view line) {
-    if (!file_) return;
-    // Lines gather in the writer's own buffer, which goes to the file in large blocks.
-    pending_.append(line);
-    pending_ += '\n';
-    if (pending_.size() >= (1 << 16)) Flush();
-}
-
-void LineWriter::Flush() {
-    if (std::fwrite(pending_.data(), 1, pending_.size(), file_) != pending_.size()) failed_ = true;
-    pending_.clear();
-}
-
-bool LineWriter::Close() {
-    if (!file_) return !failed_;
-    Flush();
-    if (std::fclose(file_) != 0) failed_ = true;
-    file_ = nullptr;
-    return !failed_;
-}
-
 }  // namespace kirvana

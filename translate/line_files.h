@@ -1,5 +1,5 @@
 // Streaming text files for the passes: one line at a time, so that memory does not grow with
-// the program. Reads LF or CRLF, writes LF.
+// the program. Reads LF or CRLF; the passes write through FileWriter (core/file_writer.h).
 #pragma once
 
 #include <cstdio>
@@ -25,27 +25,6 @@ private:
     std::string buffer_;     // text read from the file; what is not handed out yet starts at start_
     std::size_t start_ = 0;
     bool end_ = false;       // the file has nothing more to read
-};
-
-class LineWriter {
-public:
-    explicit LineWriter(const std::string& path);
-    ~LineWriter();
-    LineWriter(const LineWriter&) = delete;
-    LineWriter& operator=(const LineWriter&) = delete;
-
-    bool IsOpen() const { return file_ != nullptr; }
-    // Writes the line and an LF.
-    void Write(std::string_view line);
-    // Closes the file; false when anything could not be written.
-    bool Close();
-
-private:
-    void Flush();
-
-    std::FILE* file_ = nullptr;
-    std::string pending_;  // lines not yet handed to the file
-    bool failed_ = false;
 };
 
 }  // namespace kirvana

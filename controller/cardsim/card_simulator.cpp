@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cmath>
 #include <sstream>
+#include <utility>
 
 #include "core/number.h"
 #include "core/text.h"
@@ -145,6 +146,7 @@ std::string CardSimulator::ExecuteLocked(const std::string& line) {
     AdvanceLocked();
     std::string text = UpperCase(Trim(line));
     std::string answer;
+    if (!reject_.empty() && text.find(reject_) != std::string::npos) return Error003;
     if (text.starts_with("OPEN PROG")) {
         received_.push_back(text);
         double number = ToNumber(text.substr(9));
@@ -186,7 +188,8 @@ pmac::WriteStatus CardSimulator::WriteBuffer(const std::string& data) {
         bool program = openProgram_ != 0 && text != "CLOSE" && text != "CLEAR" && !text.starts_with("OPEN PROG");
         if (program) {
             // A motion program line: letters, digits and the card's operators only.
-            if (text.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789.+-=*/|&()#:% ") != std::string::npos) {
+            if (text.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789.+-=*/|&()#:% ") != std::string::npos ||
+                (!reject_.empty() && text.find(reject_) != std::string::npos)) {
                 status = {true, 3, number};
                 return status;
             }
@@ -231,6 +234,21 @@ void CardSimulator::StepHits(int hits) {
 void CardSimulator::HoldNextAnswer(int ms) {
     std::lock_guard lock(mutex_);
     holdMs_ = ms;
+}
+
+void CardSimulator::HoldEveryAnswer(int ms) {
+    std::lock_guard lock(mutex_);
+    slowMs_ = std::max(ms, 0);
+}
+
+void CardSimulator::DropNextDownload() {
+    std::lock_guard lock(mutex_);
+    dropNext_ = true;
+}
+
+void CardSimulator::Reject(const std::string& text) {
+    std::lock_guard lock(mutex_);
+    reject_ = UpperCase(Trim(text));
 }
 
 void CardSimulator::SetMotor(int motor, double position, double followingError) {
@@ -295,6 +313,18 @@ std::string CardSimulator::Command(const std::string& line) {
         HoldNextAnswer(whole(a));
         return "next answer held " + a + " ms";
     }
+    if (verb == "SLOW" && !a.empty()) {
+        HoldEveryAnswer(whole(a));
+        return "every answer held " + a + " ms";
+    }
+    if (verb == "DROP") {
+        DropNextDownload();
+        return "the next download buffer closes the connection";
+    }
+    if (verb == "REJECT") {
+        Reject(a);
+        return a.empty() ? "nothing rejected" : "ERR003 to every line holding " + UpperCase(a);
+    }
     if (verb == "MOTOR" && !a.empty() && !b.empty()) {
         SetMotor(whole(a), number(b), number(c));
         return "motor " + a + " at " + b;
@@ -346,8 +376,8 @@ std::string CardSimulator::Command(const std::string& line) {
         for (const auto& l : Received()) out += l + "\n";
         return out + "(" + std::to_string(Received().size()) + " commands)";
     }
-    return "commands: set NAME VALUE | get NAME | raise BITS | station N | hit [N] | hold MS | "
-           "motor N POSITION [FOLLOWING] | axis N DEFINITION | pc PROGRAM WORD | program N | start | feedhold | "
+    return "commands: set NAME VALUE | get NAME | raise BITS | station N | hit [N] | hold MS | slow MS | drop | "
+           "reject [TEXT] | motor N POSITION [FOLLOWING] | axis N DEFINITION | pc PROGRAM WORD | program N | start | feedhold | "
            "abort | speed BLOCKS_PER_S | walk STEPS | optional on|off | run | log | quit";
 }
 
@@ -567,6 +597,13 @@ void CardSimulator::ServeClient(int client) {
         if (!readExactly(header, pmac::HeaderSize)) return;
         pmac::Header h = pmac::DecodeHeader(reinterpret_cast<const std::uint8_t*>(header.data()));
         if (!readExactly(data, h.Length)) return;
+        int slow;
+        {
+            std::lock_guard lock(mutex_);
+            if (h.Request == pmac::VrPmacWriteBuffer && std::exchange(dropNext_, false)) return;
+            slow = slowMs_;
+        }
+        if (slow > 0) std::this_thread::sleep_for(std::chrono::milliseconds(slow));
         bool ok = true;
         switch (h.Request) {
             case pmac::VrPmacFlush: ok = sendAll(std::string(1, '@')); break;

@@ -44,6 +44,9 @@ public:
     void SetStation(int station);                             // M802 and the new-station bit
     void StepHits(int hits);                                  // M869 += hits
     void HoldNextAnswer(int ms);                              // delays the next answer
+    void HoldEveryAnswer(int ms);                             // a slow card: every answer late (0: none)
+    void DropNextDownload();                                  // closes the connection at the next download buffer
+    void Reject(const std::string& text);                     // ERR003 to every line holding it ("": none)
     void SetMotor(int motor, double position, double followingError);
     void SetAxisDefinition(int motor, const std::string& definition);
     void SetProgramCounter(int program, int word);
@@ -65,9 +68,9 @@ public:
     ProgramRun::State RunState();
 
     // The text command channel: "set NAME VALUE", "get NAME", "raise BITS", "station N",
-    // "hit [N]", "hold MS", "motor N POSITION [FOLLOWING]", "axis N DEFINITION",
-    // "pc PROGRAM WORD", "program N", "start", "feedhold", "abort", "speed N",
-    // "walk STEPS", "optional on|off", "run", "log", "help". Gives the reply text.
+    // "hit [N]", "hold MS", "slow MS", "drop", "reject [TEXT]", "motor N POSITION [FOLLOWING]",
+    // "axis N DEFINITION", "pc PROGRAM WORD", "program N", "start", "feedhold", "abort",
+    // "speed N", "walk STEPS", "optional on|off", "run", "log", "help". Gives the reply text.
     std::string Command(const std::string& line);
 
 private:
@@ -95,6 +98,9 @@ private:
     int openProgram_ = 0;
     std::vector<std::string> received_;
     int holdMs_ = 0;
+    int slowMs_ = 0;
+    bool dropNext_ = false;
+    std::string reject_;
     ProgramRun run_;
     RunPlanSource planSource_;
     int pointedProgram_ = 1;                      // the program "B" points at

@@ -102,7 +102,7 @@ std::vector<Field> LayoutTable() {
     AddI16(f, "Tool.Station", 1146, [](EntityRec& r) -> std::int16_t& { return r.Tool.Station; });
     AddF32(f, "Tool.Angle", 1148, [](EntityRec& r) -> float& { return r.Tool.Angle; });
     AddF32(f, "Tool.Extra1", 1152, [](EntityRec& r) -> float& { return r.Tool.Extra1; });
-    f.push_back({"Tool.Extra2", 1156, 4, Type::I32, [](EntityRec& r) { r.Tool.Extra2 = MarkI32; }});
+    AddF32(f, "Tool.Extra2", 1156, [](EntityRec& r) -> float& { return r.Tool.Extra2; });
     f.push_back({"RecordNo", 1160, 4, Type::I32, [](EntityRec& r) { r.RecordNo = MarkI32; }});
     AddI16(f, "StationNo", 1164, [](EntityRec& r) -> std::int16_t& { return r.StationNo; });
     for (std::size_t i = 1; i <= 24; ++i)
@@ -157,6 +157,19 @@ TEST(EntityLayout, EveryFieldAtItsOffsetWithItsWidth) {
         EncodeEntity(back, again);
         EXPECT_EQ(again, bytes);
     }
+}
+
+TEST(EntityLayout, ToolExtra2IsASingle) {
+    // A table's tool carries Extra2 1: in the record the 32-bit float 1.0, not the integer 1.
+    EntityRec rec;
+    ClearEntity(rec);
+    rec.Tool.Extra2 = 1;
+    RecordBytes bytes;
+    EncodeEntity(rec, bytes);
+    EXPECT_EQ(LittleEndian(bytes, 1156, 4), 0x3F800000u);
+    EntityRec back;
+    DecodeEntity(bytes, back);
+    EXPECT_EQ(back.Tool.Extra2, 1);
 }
 
 TEST(EntityLayout, ClearedRecordBytes) {

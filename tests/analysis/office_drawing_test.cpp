@@ -61,7 +61,7 @@ TEST(OfficeDrawing, ExpandPrintsTheHitsAndDrawingListsTheRecords) {
     WriteDrawing(stem + "drw");
     OfficeRun expand = Office("expand " + stem);
     EXPECT_EQ(expand.Code, 0);
-    EXPECT_EQ(expand.Output, "4\n");
+    EXPECT_EQ(expand.Output, "hits: 4\n");
 
     DrawingFile expanded;
     ASSERT_TRUE(expanded.Open(stem + "dr1", true));

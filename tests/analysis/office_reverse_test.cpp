@@ -52,9 +52,9 @@ TEST(OfficeReverse, DrawsTheProgramAndPrintsCountAndRecords) {
     const std::string root = Installation(dir);
     dir.Write("Slot.M1", "N0001 ;SHEET SIZE : 2500 x 1250\nN0002 G90 T1\nN0003 G80 X100 Y100\nN0004 G81 X200 Y100\n");
     dir.Write("Slot.M2", "");
-    OfficeRun reverse = Office("reverse " + dir.Path() + "Slot. --root " + root + " --program PART --directory DEMO");
+    OfficeRun reverse = Office("reverse " + dir.Path() + "Slot. --root " + root + " --program PART --dir DEMO");
     EXPECT_EQ(reverse.Code, 0);
-    EXPECT_EQ(reverse.Output, "0 3\n");
+    EXPECT_EQ(reverse.Output, "critical errors: 0\nrecords: 3\n");
     DrawingFile drawing;
     ASSERT_TRUE(drawing.Open(dir.Path() + "Slot.drw", true));
     EXPECT_EQ(drawing.Count(), 3);
@@ -68,9 +68,9 @@ TEST(OfficeReverse, CriticalErrorsGiveExitCodeOne) {
     TempDir dir;
     const std::string root = Installation(dir);
     dir.Write("Slot.M1", "N0001 G90 T1\nN0002 G64 X100 Y100 J20 B1\n");
-    OfficeRun reverse = Office("reverse " + dir.Path() + "Slot. --root " + root + " --program PART --directory DEMO");
+    OfficeRun reverse = Office("reverse " + dir.Path() + "Slot. --root " + root + " --program PART --dir DEMO");
     EXPECT_EQ(reverse.Code, 1);
-    EXPECT_EQ(reverse.Output, "1 1\n");
+    EXPECT_EQ(reverse.Output, "critical errors: 1\nrecords: 1\n");
     EXPECT_NE(ReadText(root + "/Service/Reverse.txt").find("****** CRITICAL ERROR ******\nInvalid number of Hits (P1)\n"),
               std::string::npos);
 }
@@ -80,7 +80,7 @@ TEST(OfficeReverse, BadUsageAndMissingFiles) {
     const std::string root = Installation(dir);
     EXPECT_EQ(Office("reverse").Code, 2);
     EXPECT_EQ(Office("reverse " + dir.Path() + "Slot. --root " + root).Code, 2);
-    EXPECT_EQ(Office("reverse " + dir.Path() + "None. --root " + root + " --program P --directory D").Code, 1);
+    EXPECT_EQ(Office("reverse " + dir.Path() + "None. --root " + root + " --program P --dir D").Code, 1);
 }
 
 }  // namespace

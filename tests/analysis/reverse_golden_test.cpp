@@ -50,7 +50,7 @@ TEST_P(ReverseGolden, DrawingAndReportAsWorkedOut) {
         blend.ProfilerValue = 2;
         blend.RootDir = dir.Path();
         blend.ServiceDir = dir.Path();
-        BlendProgram("GOLDEN", GetParam(), dir.Path() + "Slot.", blend);
+        EXPECT_GE(BlendProgram("GOLDEN", GetParam(), dir.Path() + "Slot.", blend), 0);
         if (std::getenv("KIRVANA_DRAFT_GOLDEN")) {
             std::ofstream(data + "draft.M1", std::ios::binary) << ReadText(dir.Path() + "Slot.M1");
             std::ofstream(data + "draft.M2", std::ios::binary) << ReadText(dir.Path() + "Slot.M2");

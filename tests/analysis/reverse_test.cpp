@@ -10,7 +10,9 @@
 #include "analysis/drawing_file.h"
 #include "analysis/expand.h"
 #include "analysis/reverse.h"
+#include "core/paths.h"
 #include "tests/analysis/reverse_settings.h"
+#include "tests/core/temp_dir.h"
 #include "translate/blend.h"
 
 namespace kirvana {
@@ -290,10 +292,62 @@ TEST(ReversePass, NibbledArcByCentreAndByRadius) {
     EXPECT_EQ(ccw.Counts[1], 33);
     const EntityRec& cw = run.Records[3];
     EXPECT_FLOAT_EQ(cw.Values[11], -180);
-    EXPECT_EQ(cw.Counts[1], 32);  // without P10 the last hit isn't drawn
+    EXPECT_EQ(cw.Counts[1], 33);  // without P10 as well: only G37 leaves its last hit to P10
     EXPECT_NE(run.Report.find("Non-Interpolated Arc (Invalid R)\nN0004"), std::string::npos);
 }
 
+
+TEST(ReversePass, NibbledArcWithoutP10KeepsItsLastHit) {
+    // A quarter circle of radius 10 at 5: 15.7 mm, 3.14 steps, 5 hits.
+    PassRun run = Reverse("N0001 G90 T1 G80 X100 Y100\nN0002 P8=5 G03 X90 Y110 I-10 J0\n");
+    ASSERT_EQ(run.Records.size(), 3u);
+    EXPECT_EQ(run.Records[2].Counts[1], 5);
+    EXPECT_EQ(run.Hits.size(), 5u);
+    EXPECT_NEAR(run.Hits.back().Points.Position.X, 90, Near);
+    EXPECT_NEAR(run.Hits.back().Points.Position.Y, 110, Near);
+}
+
+TEST(ReversePass, ArcPatternToolTurnsUnlessP10IsAboveZero) {
+    PassRun run = Reverse("N0001 G90 T1 G80 X500 Y400\n"
+                          "N0002 G37 R30 P1=90 P5=45 P8=3 P10=-999\n"
+                          "N0003 G37 R30 P1=90 P5=45 P8=3 P10=1\n"
+                          "N0004 G37 R30 P1=90 P5=45 P8=3 P10=0\n"
+                          "N0005 G64 J60 A15 B6\n"
+                          "N0006 G80 X500 Y400\nN0007 P8=5 G02 X520 Y400 I10 J0\n"
+                          "N0008 P8=5 P10=1 G03 X500 Y400 I-10 J0\n"
+                          "N0009 G28 R50 P1=5 P2=20 P3=10 P10=-999\n");
+    ASSERT_EQ(run.Records.size(), 10u);
+    // P10 -999 (not set), 1, 0; G64 without P10; G02 without, G03 with 1; G28 with -999.
+    std::vector<int> turns;
+    for (const EntityRec& rec : run.Records)
+        if (Kind(rec) == "Arc Pattern") turns.push_back(rec.Counts[2]);
+    EXPECT_EQ(turns, (std::vector<int>{-1, 0, -1, -1, -1, 0, -1}));
+}
+
+TEST(ReversePass, RepositionChecksTheLimitsAtItsBlockAndKeepsKUnset) {
+    // At X 2000 the sheet moves by 1000: the X limits become -1025 to 1540.
+    PassRun run = Reverse("N0001 G90 T1 G80 X2000 Y60\nN0002 G95 I1000 J2 K-999\nN0003 G95 I0 J2\n"
+                          "N0004 G95 I0 J2 K3\n");
+    ASSERT_EQ(run.Records.size(), 5u);
+    EXPECT_NE(run.Report.find("Out of limits in X\nN0002 G95"), std::string::npos);
+    EXPECT_FLOAT_EQ(run.Records[2].Values[6], -999);
+    EXPECT_FLOAT_EQ(run.Records[3].Values[6], -999);
+    EXPECT_FLOAT_EQ(run.Records[4].Values[6], 3);
+    EXPECT_EQ(run.Report.find("Excessive Return"), std::string::npos);
+}
+
+TEST(ReversePass, BlocksAreReadWithTheirBlanks) {
+    // "M10 0" is M10 and a lone 0, not M100: no profiling, the G81 punches.
+    PassRun run = Reverse("N0001 G90 T1\nN0002 M10 0\nN0003 G81 X10 Y10\n");
+    ASSERT_EQ(run.Records.size(), 2u);
+    EXPECT_EQ(Kind(run.Records[1]), "Punch");
+    // Conditions and jumps read as before with their blanks.
+    PassRun jump = Reverse("N0001 G90 T1\nN0002 P12=0\nN0003 IF ( P12 = 0 ) GOTO 5\nN0004 G81 X1 Y1\n"
+                           "N0005 G81 X2 Y2\nN0006 GOTO  N8\nN0007 G81 X3 Y3\nN0008 G81 X4 Y4\n");
+    ASSERT_EQ(jump.Records.size(), 3u);
+    EXPECT_NEAR(jump.Records[1].Points.Position.X, 2, Near);
+    EXPECT_NEAR(jump.Records[2].Points.Position.X, 4, Near);
+}
 
 TEST(ReversePass, RecordsBeyond32767AreReportedOnce) {
     PassRun run = Reverse("N0001 G90 T1\nN0002 G68 X0 Y0 S1 Q16400\n", "N1000 G91\nG81 X0.01\nG81 X0.01\nRETURN\n");
@@ -381,6 +435,58 @@ TEST(ReversePass, EndlessLoopIsStoppedAtTheBlockBound) {
     EXPECT_TRUE(missing.Result.Stopped);
 }
 
+// Hostile programs end at the bounds on the walk's work, well before the lines read reach
+// the block bound: the refusal is the pass's critical error.
+std::string GotoLine(int gotos) {
+    std::string line = "N0002";
+    for (int k = 0; k < gotos; ++k) line += " GOTO 2";
+    return line;
+}
+
+void ExpectStoppedEarly(const PassRun& run, std::int64_t atMostBlocks) {
+    EXPECT_TRUE(run.Result.Stopped);
+    EXPECT_GE(run.Result.Result, 1);
+    EXPECT_NE(run.Report.find("****** CRITICAL ERROR ******\nProgram does not end: block limit reached\n"),
+              std::string::npos);
+    EXPECT_LE(run.Result.Blocks, atMostBlocks);
+}
+
+TEST(ReversePass, GotoLoopEndsAtTheJumpBound) {
+    PassRun run = Reverse("N0001 G90 T1\nN0002 G00 X10 Y10\nN0003 GOTO 2\n");
+    // 100,000 jumps, each reading three lines (the first passed over to the label).
+    ExpectStoppedEarly(run, 300'010);
+}
+
+TEST(ReversePass, LinesOfManyGotosEndAtTheCharacterBound) {
+    // A line of 250 GOTOs is 1,755 characters, 1,787 of work: 16,000,000 of them are some
+    // 9,000 loops; a line of 1,000 GOTOs ends after some 2,300.
+    PassRun line250 = Reverse("N0001 G90 T1\n" + GotoLine(250) + "\n");
+    ExpectStoppedEarly(line250, 20'000);
+    PassRun line1000 = Reverse("N0001 G90 T1\n" + GotoLine(1000) + "\n");
+    ExpectStoppedEarly(line1000, 5'000);
+}
+
+TEST(ReversePass, EachWorkBoundStopsTheWalk) {
+    ReverseSettings jumps = Settings();
+    jumps.MaxJumps = 50;
+    ExpectStoppedEarly(Reverse("N0001 G90 T1\nN0002 G00 X10 Y10\nN0003 GOTO 2\n", "", jumps), 200);
+    ReverseSettings characters = Settings();
+    characters.MaxCharacters = 10'000;
+    ExpectStoppedEarly(Reverse("N0001 G90 T1\n" + GotoLine(100) + "\n", "", characters), 30);
+    // A grid of a million calls of a label that M2 doesn't hold: each repetition is a jump.
+    ExpectStoppedEarly(Reverse("N0001 G90 T1\nN0002 G98 S7 P1=1000 P3=1000\n", "N1000 G81 X1\nRETURN\n"), 300'000);
+    // Lines passed over to a label are read, and counted, without being worked on.
+    std::string longText = "N0001 G90 T1\nN0002 GOTO 9\n";
+    for (int k = 0; k < 1000; ++k) longText += "G00 X1 Y1\n";
+    longText += "N0009 G81 X5 Y5\n";
+    PassRun passed = Reverse(longText);
+    EXPECT_FALSE(passed.Result.Stopped);
+    // The first two lines, then after the jump the 1,003 of the text.
+    EXPECT_EQ(passed.Result.Blocks, 1005);
+    ASSERT_EQ(passed.Records.size(), 2u);
+    EXPECT_EQ(passed.Records[1].MainBlock, 1003);
+}
+
 TEST(ReversePass, SubroutineDeeperThan64IsStopped) {
     PassRun run = Reverse("N0001 G90 T1\nN0002 G68 S1 Q1\n", "N1000 G69 S1 Q1\nRETURN\n");
     EXPECT_TRUE(run.Result.Stopped);
@@ -396,6 +502,36 @@ TEST(ReversePass, UnknownWordsRejectTheProgram) {
     EXPECT_TRUE(run.Result.WordsRejected);
     EXPECT_EQ(run.Result.Result, 1);
     EXPECT_TRUE(run.Report.empty());
+}
+
+TEST(ReversePass, WordCheckRejectionEndsBeforeTheDrawingExists) {
+    TempDir dir;
+    ReverseSettings settings = Settings();
+    settings.ServiceDir = dir.Path();
+    const std::string stem = dir.Path() + "Actvprg1.";
+    const std::string older = "an older drawing";
+    dir.Write("Actvprg1.drw", older);
+    dir.Write("Actvprg1.M1", "N0001 G90 T1\nN0002 G81 X10 Y10 QQ\n");
+    std::int16_t toolChanges = 0;
+    ReverseResult result = ReversePass(stem, "P", "D", toolChanges, settings);
+    EXPECT_TRUE(result.WordsRejected);
+    EXPECT_EQ(result.Result, 1);
+    EXPECT_FALSE(result.FileFault);
+    EXPECT_EQ(ReadFileText(stem + "drw"), older);
+    EXPECT_EQ(ListDirectory(dir.Path(), false), (std::vector<std::string>{"Actvprg1.drw", "Actvprg1.M1", "LastFile.txt", "Reverse.txt"}));
+}
+
+TEST(ReversePass, AReportThatCannotBeWrittenIsAFileFaultNamingIt) {
+    TempDir dir;
+    ReverseSettings settings = Settings();
+    settings.ServiceDir = dir.Path() + "Service/";
+    dir.Write("Service/Reverse.txt/inside", "a directory stands in the way");
+    dir.Write("P.M1", "N0001 G90\nN0002 G81 X10 Y10\n");
+    std::int16_t toolChanges = 0;
+    ReverseResult result = ReversePass(dir.Path() + "P.", "P", "D", toolChanges, settings);
+    EXPECT_TRUE(result.FileFault);
+    EXPECT_EQ(result.FaultFile, dir.Path() + "Service/Reverse.txt");
+    EXPECT_NE(result.Result, 0);
 }
 
 TEST(ReversePass, HeaderForms) {

@@ -41,6 +41,11 @@ check_code usage-eval 2 "$office" eval
 check_code usage-word 2 "$office" word "X1" XY
 check_code usage-format 2 "$office" format 1 2 --double
 check_code usage-start 2 "$office" start
+check_code help-tool 0 "$office" --help
+check_code help-unknown 2 "$office" nonsense
+check help-command "usage: kirvana-office eval \"EXPR\"                     evaluate an expression" "$office" eval --help
+check_code help-blend 0 "$office" blend --help
+case "$("$office" --help 2>/dev/null)" in *"select --root ROOT --dir DIR --program NAME"*) passed=$((passed + 1)) ;; *) failed=$((failed + 1)); echo "FAILED help on stdout" ;; esac
 
 work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
@@ -59,12 +64,47 @@ check_code start-no-root 3 "$office" start --root "$work/none"
 # The blend command on a motion text of the demo installation.
 mkdir -p "$work/demo2" && cp -r "$demo/." "$work/demo2/" && mkdir -p "$work/demo2/Service"
 printf 'N0001 M100\nN0002 M03\nN0003 G00 X100 Y100\nN0004 G101 X200 Y100\nN0005 G101 X300 Y100\n' > "$work/demo2/P.M1"
-check blend-clean "0" "$office" blend "$work/demo2/P." --root "$work/demo2" --program P --directory Dorvenis
+check blend-clean "critical errors: 0" "$office" blend "$work/demo2/P." --root "$work/demo2" --program P --dir Dorvenis
 check blend-marks "N0005 G101 B1 X300 Y100" tail -n 1 "$work/demo2/P.M1"
 printf 'N0001 M100\nN0002 G00 X0 Y0\nN0003 G102 X100 Y0 R40\n' > "$work/demo2/Q.M1"
-check_code blend-critical 1 "$office" blend "$work/demo2/Q." --root "$work/demo2" --program Q --directory Dorvenis
+check_code blend-critical 1 "$office" blend "$work/demo2/Q." --root "$work/demo2" --program Q --dir Dorvenis
 check blend-report "Non-Interpolated Arc (Invalid R)" sed -n 6p "$work/demo2/Service/Blend.txt"
 check_code blend-usage 2 "$office" blend "$work/demo2/Q." --root "$work/demo2"
+check_code blend-one-spelling 2 "$office" blend "$work/demo2/Q." --root "$work/demo2" --program Q --directory Dorvenis
+refusal="$("$office" blend "$work/demo2/Q." --root "$work/demo2" --program Q --dir Dorvenis 2>&1 >/dev/null)"
+case "$refusal" in *"Service/Blend.txt"*) passed=$((passed + 1)) ;; *) failed=$((failed + 1)); echo "FAILED blend refusal: $refusal" ;; esac
+
+# Convert, reverse and expand on a demo program, as the README shows them.
+cp "$work/demo2/Programs/Dorvenis/PLATE01.prg" "$work/demo2/PLATE01.org"
+check convert-label "dialect: 1" "$office" convert "$work/demo2/PLATE01." --root "$work/demo2"
+check blend-label "critical errors: 0" "$office" blend "$work/demo2/PLATE01." --root "$work/demo2" --program PLATE01 --dir Dorvenis
+check reverse-label $'critical errors: 0\nrecords: 6' "$office" reverse "$work/demo2/PLATE01." --root "$work/demo2" --program PLATE01 --dir Dorvenis
+cp "$work/demo2/PLATE01.drw" "$work/demo2/Slot.drw"
+check expand-root "hits: 5" "$office" expand Slot. --root "$work/demo2"
+check_code expand-usage 2 "$office" expand Slot. --root
+
+# An installation without Service/ and the other directories: the commands make them as the
+# start-up does, and a report that cannot be written fails the command naming it.
+mkdir -p "$work/bare/Data" && cp "$demo/Data/"* "$work/bare/Data/"
+printf 'N0001 M100\nN0002 M03\nN0003 G00 X100 Y100\nN0004 G101 X200 Y100\n' > "$work/bare/P.M1"
+check blend-bare "critical errors: 0" "$office" blend "$work/bare/P." --root "$work/bare" --program P --dir Dorvenis
+check blend-bare-report "PROGRAM   :  P" sed -n 1p "$work/bare/Service/Blend.txt"
+if [ -d "$work/bare/Dialogue/Reverse" ] && [ -d "$work/bare/PMAC" ]; then passed=$((passed + 1)); else failed=$((failed + 1)); echo "FAILED bare directories"; fi
+check reverse-bare $'critical errors: 0\nrecords: 2' "$office" reverse "$work/bare/P." --root "$work/bare" --program P --dir Dorvenis
+check reverse-bare-report "PROGRAM   :  P" sed -n 1p "$work/bare/Service/Reverse.txt"
+rm "$work/bare/Service/Blend.txt" "$work/bare/Service/Reverse.txt"
+mkdir -p "$work/bare/Service/Blend.txt/in-the-way" "$work/bare/Service/Reverse.txt/in-the-way"
+check blend-report-fault "file fault: $work/bare/Service/Blend.txt" \
+    "$office" blend "$work/bare/P." --root "$work/bare" --program P --dir Dorvenis
+check_code blend-report-fault-code 1 "$office" blend "$work/bare/P." --root "$work/bare" --program P --dir Dorvenis
+check reverse-report-fault "file fault: $work/bare/Service/Reverse.txt" \
+    "$office" reverse "$work/bare/P." --root "$work/bare" --program P --dir Dorvenis
+
+# A Control.cfg line of garbage is refused naming the file and the line; no folder is made.
+mkdir -p "$work/garbage" && cp -r "$demo/." "$work/garbage/"
+printf './\001\033[2J\n./Programs/\nDorvenis\n1\n******\n' > "$work/garbage/Control.cfg"
+check start-garbage "Kirvana 32 cannot start: Control.cfg: line 1 holds a control character" "$office" start --root "$work/garbage"
+check start-garbage-folders "" find "$work/garbage" -mindepth 1 -maxdepth 1 -type d -name '*[[:cntrl:]]*'
 
 # Selection into the slots, and the slots as a new start finds them.
 mkdir -p "$work/sel" && cp -r "$demo/." "$work/sel/"
@@ -118,6 +158,10 @@ echo "set P1020 5" >&8
 sleep 0.1
 check watch-messages $'tick 1: X 350.0 Y 250.0 C 0.00 | at rest | hits: 5 | feed 100\n  message: Program finished\n  message: Punch in clamp zone' \
     "$office" watch --root "$work/watch" --ticks 1
+printf 'Card in use: FALSE\n******\n' > "$work/watch/Control.cnc"
+check watch-office $'(card not in use: office seat, the machine stands still)\ntick 1: X  Y  C  | at rest | hits: 0 | feed \ntick 2: X  Y  C  | at rest | hits: 0 | feed ' \
+    "$office" watch --root "$work/watch" --ticks 2 --interval 0
+check_code watch-office-idle 1 "$office" watch --root "$work/watch" --ticks 3 --interval 0 --until-idle
 check_code watch-usage 2 "$office" watch --root "$work/watch" --ticks 0
 check_code watch-unknown 2 "$office" watch --root "$work/watch" --fast
 exec 8>&-

@@ -1,11 +1,11 @@
-#include "controller/machine_commands.h"
+#include "system/machine_commands.h"
 
 #include <filesystem>
 
 #include <gtest/gtest.h>
 
 #include "core/number.h"
-#include "core/startup.h"
+#include "system/startup.h"
 #include "tests/controller/poll_card.h"
 #include "tests/core/temp_dir.h"
 
@@ -20,7 +20,8 @@ struct QuietPlatform : StartupPlatform {
     void ProcessEvents() override {}
     void ShowMessageBox(const std::string&, const std::string&) override {}
     bool AskOperator(const std::string&) override { return false; }
-    void ShowWarning(const std::string&) override {}
+    std::vector<std::string> Warnings;
+    void ShowWarning(const std::string& text) override { Warnings.push_back(text); }
     void ShowFrontEnd() override {}
     bool FrontEndVisible() override { return false; }
     void UnloadFrontEnd() override {}
@@ -228,10 +229,10 @@ TEST_F(CommandTest, BlockSkipAndBatch) {
     EXPECT_EQ(ReadBlockSkips(talk), (std::array<bool, 2>{true, true}));
     p.Config.Dirs.RootDir = dir.Path();
     p.Config.ActiveSlot = 2;
-    SetBatch(p, talk, {5, 10, 2, 1, 1});
+    EXPECT_TRUE(SetBatch(p, talk, {5, 10, 2, 1, 1}));
     EXPECT_EQ(p.Slots[1].Batch, (SlotBatch{5, 10, 2, 1, 1}));
     EXPECT_EQ(ReadSlotBatch(p.Config.Dirs, 2), (SlotBatch{5, 10, 2, 1, 1}));
-    ClearBatch(p, talk);
+    EXPECT_TRUE(ClearBatch(p, talk));
     EXPECT_EQ(ReadSlotBatch(p.Config.Dirs, 2), SlotBatch{});
     EXPECT_EQ(card.Commands, (std::vector<std::string>{"M873=1", "M874=0", "M863=5", "M864=10", "M865=2", "M866=1",
                                                        "M863=0", "M864=0", "M865=0", "M866=0"}));
@@ -265,4 +266,15 @@ TEST_F(CommandTest, LoadYIsOverwrittenAtTheNextSelectionByTheSlots) {
     ASSERT_TRUE(selected.Selected) << selected.Warning;
     EXPECT_EQ(card.Values["Q11"], FormatNumber(demo.Slots[0].SlotLoadY, 2));
     EXPECT_NE(card.Values["Q11"], "999.25");
+}
+
+TEST_F(CommandTest, FilesThatCannotBeWrittenAreSaid) {
+    p.Config.Dirs.RootDir = dir.Path() + "missing/";
+    EXPECT_FALSE(SetBatch(p, talk, {1, 2, 3, 4, 0}));
+    EXPECT_EQ(p.Slots[0].Batch, (SlotBatch{1, 2, 3, 4, 0}));
+    EXPECT_FALSE(ChangeActiveSlot(p, platform, &card, 2));
+    EXPECT_EQ(platform.Warnings, std::vector<std::string>{"File Fault : " + dir.Path() + "missing/Control.cfg"});
+    EXPECT_EQ(p.Config.ActiveSlot, 2);
+    EXPECT_EQ(card.Commands.front(), "M863=1");
+    EXPECT_NE(std::find(card.Commands.begin(), card.Commands.end(), "M811=2"), card.Commands.end());
 }

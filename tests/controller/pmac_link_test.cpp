@@ -73,6 +73,20 @@ TEST(PmacProtocol, DownloadBuffersHoldWholeLines) {
     EXPECT_EQ(back.Line, 258);
 }
 
+TEST(PmacProtocol, WriteBufferLineNumberLowByteFirst) {
+    // The card's answer to a WRITEBUFFER: line number low byte, high byte, error, 0x80 flag.
+    const std::uint8_t line5[4] = {0x05, 0x00, 0x03, 0x80};
+    auto status = pmac::DecodeWriteStatus(line5);
+    EXPECT_TRUE(status.Error);
+    EXPECT_EQ(status.ErrorNumber, 3);
+    EXPECT_EQ(status.Line, 5);
+    const std::uint8_t line258[4] = {0x02, 0x01, 0x1F, 0x80};
+    EXPECT_EQ(pmac::DecodeWriteStatus(line258).Line, 258);
+    const std::uint8_t fine[4] = {0x00, 0x00, 0x00, 0x00};
+    EXPECT_FALSE(pmac::DecodeWriteStatus(fine).Error);
+    EXPECT_EQ(pmac::EncodeWriteStatus({true, 3, 5}), std::string("\x05\x00\x03\x80", 4));
+}
+
 TEST(CardAddress, FromPmacCfgLine) {
     EXPECT_EQ(ParseCardAddress("").Host, "127.0.0.1");
     EXPECT_EQ(ParseCardAddress("").Port, 1025);
@@ -231,6 +245,65 @@ TEST_F(LinkTest, CompileErrorOfADownloadRaisesTheFault) {
     EXPECT_NE(faults[0].second.find("line 4"), std::string::npos);
 }
 
+TEST_F(LinkTest, DownloadErrorNamesTheLineOfTheWorkFile) {
+    Conversation talk = Talk();
+    // DownPrg.tmp: CLOSE, OPEN PROG 1, CLEAR, then the blocks: the second block is line 5.
+    dir.Write("Actvprg1.M1", "N0001 G90\nN0002 X100 Y50\nN0003 X200\n");
+    dir.Write("Actvprg1.M2", "");
+    sim.Reject("X100");
+    DownProgram(talk, dir.Path(), dir.Path(), 1);
+    ASSERT_EQ(faults.size(), 1u);
+    EXPECT_EQ(faults[0].first, 3);
+    EXPECT_EQ(faults[0].second, "ERR003 in line 5 of DownPrg.tmp");
+    EXPECT_EQ(link->FaultCount(), 1);
+    EXPECT_EQ(link->LastFault().Description, "ERR003 in line 5 of DownPrg.tmp");
+}
+
+TEST_F(LinkTest, DroppedConnectionFailsTheDownload) {
+    Conversation talk = Talk();
+    dir.Write("DownPrg.tmp", "CLOSE\nOPEN PROG 1\nCLEAR\nX1\nCLOSE\n");
+    ASSERT_EQ(talk.GetRspnsInt("P1"), 0);  // connected
+    sim.DropNextDownload();
+    EXPECT_FALSE(link->DownloadFile(dir.Path() + "DownPrg.tmp"));
+    ASSERT_EQ(faults.size(), 1u);
+    EXPECT_EQ(faults[0].first, LinkFaultClosed);
+}
+
+TEST_F(LinkTest, OperationEndsByItsDeadline) {
+    Conversation talk = Talk();
+    sim.SetVariable("P7", 5);
+    sim.HoldEveryAnswer(120);  // each answer within the time-out of 300 ms, but slow
+    auto start = std::chrono::steady_clock::now();
+    {
+        CardOperation operation(link.get(), 400);
+        for (int i = 0; i < 20; ++i) talk.GetRspnsInt("P7");
+        EXPECT_TRUE(link->OperationExpired());
+    }
+    // Twenty slow answers would take 2.4 s: the deadline ends the run after some 0.4 s, with
+    // one fault, and the exchanges after it fail at once.
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1500));
+    ASSERT_EQ(faults.size(), 1u);
+    EXPECT_EQ(faults[0].first, LinkFaultDeadline);
+    EXPECT_EQ(faults[0].second, "The card did not finish the operation within 400 ms");
+    // Outside an operation the slow card answers again.
+    EXPECT_FALSE(link->OperationExpired());
+    EXPECT_EQ(talk.GetRspnsInt("P7"), 5);
+    EXPECT_EQ(faults.size(), 1u);
+}
+
+TEST_F(LinkTest, InnerOperationKeepsTheOuterDeadline) {
+    Conversation talk = Talk();
+    sim.SetVariable("P7", 5);
+    CardOperation outer(link.get(), 10000);
+    {
+        CardOperation inner(link.get(), 1);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        EXPECT_EQ(talk.GetRspnsInt("P7"), 5);
+    }
+    EXPECT_EQ(talk.GetRspnsInt("P7"), 5);
+    EXPECT_TRUE(faults.empty());
+}
+
 TEST_F(LinkTest, SystemFileSetsVariables) {
     dir.Write("axes.prm", "I100=1\nI200=1\n");
     EXPECT_TRUE(link->DownloadFile(dir.Path() + "axes.prm"));
@@ -344,4 +417,12 @@ TEST(CardSimulatorCommands, TextChannel) {
     EXPECT_EQ(sim.Execute("Q1=1+"), "\x07" "ERR003\r");
     EXPECT_EQ(sim.Execute("HELLO"), "\x07" "ERR003\r");
     EXPECT_NE(sim.Command("help").find("commands:"), std::string::npos);
+    EXPECT_EQ(sim.Command("reject m50"), "ERR003 to every line holding M50");
+    EXPECT_EQ(sim.Execute("M50=1"), "\x07" "ERR003\r");
+    EXPECT_TRUE(sim.WriteBuffer("OPEN PROG 1\nCLEAR\nX1\nX2M50\n").Error);
+    EXPECT_EQ(sim.WriteBuffer("OPEN PROG 1\nCLEAR\nX1\nX2M50\n").Line, 4);
+    EXPECT_EQ(sim.Command("reject"), "nothing rejected");
+    EXPECT_EQ(sim.Execute("M50=1"), "\x06");
+    EXPECT_EQ(sim.Command("slow 20"), "every answer held 20 ms");
+    EXPECT_EQ(sim.Command("drop"), "the next download buffer closes the connection");
 }

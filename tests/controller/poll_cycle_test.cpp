@@ -1,10 +1,10 @@
-#include "controller/poll_cycle.h"
+#include "system/poll_cycle.h"
 
 #include <gtest/gtest.h>
 
 #include "analysis/drawing_file.h"
 #include "core/paths.h"
-#include "core/startup.h"
+#include "system/startup.h"
 #include "tests/controller/poll_card.h"
 #include "tests/core/temp_dir.h"
 
@@ -228,6 +228,12 @@ TEST_F(PollTest, MessageNumberOf65OrMoreIsNotShown) {
         Tick();
         EXPECT_EQ(p.Display.Messages.LineCount, 0) << number;
     }
+    card.Values["M830"] = "65";
+    Tick();
+    ASSERT_EQ(p.Display.Notices.size(), 1u);
+    EXPECT_EQ(p.Display.Notices[0], "The card reports I/O message 65: IO.msg holds 1 to 64");
+    Tick();
+    EXPECT_TRUE(p.Display.Notices.empty());
 }
 
 TEST_F(PollTest, HoldBitGivesTheHoldColours) {
@@ -261,6 +267,11 @@ TEST_F(PollTest, RestartDelayAppliesToTheFirstWaitOnly) {
     PollTick(p, platform, &card);
     EXPECT_EQ(platform.TimerCalls.back(), std::make_pair(true, 50));
     std::size_t calls = platform.TimerCalls.size();
+    PollTick(p, platform, &card);
+    EXPECT_EQ(platform.TimerCalls.size(), calls);
+    // A poll stopped for good is not started again by a late tick.
+    talk.StopPollTimer(true);
+    calls = platform.TimerCalls.size();
     PollTick(p, platform, &card);
     EXPECT_EQ(platform.TimerCalls.size(), calls);
 }
@@ -492,4 +503,32 @@ TEST_F(PollTest, TooMuchOrGarbageForTheCounterMessagesAndStatus) {
     Tick();
     EXPECT_EQ(p.Poll.StatusWord, 0);
     EXPECT_FALSE(p.Running);
+}
+
+TEST_F(PollTest, ClampPanelShowsActualBesideDemandAsFarAsTheClampsGo) {
+    p.Slots[0].Present = true;
+    p.Slots[0].Clamps = {150, 600, 1050, 1500};
+    p.Poll.ClampActual = {149.995f, 600.5f, 1050, 1700};
+    UpdateClampPanel(p);
+    EXPECT_EQ(p.Display.Clamps.ActualTexts, (std::array<std::string, 4>{"150.00", "600.50", "1050.00", ""}));
+    EXPECT_EQ(p.Display.Clamps.DemandTexts, (std::array<std::string, 4>{"150.00", "600.00", "1050.00", ""}));
+    // With no valid station the status rows show the clamps as they are.
+    p.Poll.CurrentStation = 0;
+    UpdateMachineStatus(p);
+    EXPECT_EQ(p.Display.MachineStatus.StationText, "0");
+    EXPECT_EQ(p.Display.MachineStatus.ClampTexts[1], "600.5");
+    EXPECT_EQ(p.Display.MachineStatus.OffsetTexts[0], "0.0");
+}
+
+TEST_F(PollTest, AHugeCounterIsCaughtUpOverSeveralTicks) {
+    PresentSlot(std::vector<std::int16_t>(12000, 0));
+    card.Values["P1022"] = "16384";
+    card.Values["M869"] = "2000000000";
+    Tick();
+    EXPECT_EQ(p.Display.Plot.DoneHits.size(), 9999u);  // the Sheet is the first record walked
+    EXPECT_TRUE(p.Display.Notices.empty());
+    Tick();
+    EXPECT_EQ(p.Display.Plot.DoneHits.size(), 2001u);
+    EXPECT_EQ(p.Display.Plot.DoneHits.back(), 12001);
+    ASSERT_EQ(p.Display.Notices.size(), 1u);
 }

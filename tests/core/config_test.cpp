@@ -123,6 +123,58 @@ TEST_F(ConfigTest, ShortControlCfgIsAFault) {
     EXPECT_TRUE(ReadControlConfig(inst));
 }
 
+TEST_F(ConfigTest, ControlCfgThatCannotBeWrittenStaysWholeAndEndsTheStart) {
+    // In a child process whose files may not grow beyond 20 bytes, as on a full disk: the
+    // rewrite of Control.cfg fails, the start ends naming the file, and the old file is whole.
+    const std::string text = dir_.Path() + "\n" + dir_.Path() + "Programs\nJobs\n2\n******\n";
+    dir_.Write("Control.cfg", text);
+    std::filesystem::create_directories(dir_.Path() + "Programs/Jobs");
+    EXPECT_EXIT(
+        {
+            LimitFileSize(20);
+            Installation inst;
+            auto fault = ReadControlConfig(inst);
+            bool named = fault && fault->File.ends_with("Control.cfg");
+            std::_Exit(named && ReadFileText("Control.cfg") == text ? 0 : 1);
+        },
+        ::testing::ExitedWithCode(0), "");
+    EXPECT_EQ(ReadFileText(dir_.Path() + "Control.cfg"), text);
+}
+
+TEST_F(ConfigTest, ControlCfgLineOfTenMegabytesIsRefusedNamingTheFileAndTheLine) {
+    dir_.Write("Control.cfg", "./" + std::string(10 * 1024 * 1024, 'x') + "\n./Programs\nJobs\n1\n******\n");
+    auto before = ListDirectory(dir_.Path(), true);
+    Installation inst;
+    auto fault = ReadControlConfig(inst);
+    ASSERT_TRUE(fault);
+    EXPECT_EQ(fault->File, "Control.cfg");
+    EXPECT_NE(fault->Message().find("line 1"), std::string::npos) << fault->Message();
+    EXPECT_LT(fault->Message().size(), 200u);
+    EXPECT_EQ(ListDirectory(dir_.Path(), true), before);
+}
+
+TEST_F(ConfigTest, ControlCfgGarbageLineIsRefusedAndNoFolderIsMade) {
+    auto before = ListDirectory(dir_.Path(), true);
+    for (const char* garbage : {"./\x01\x02\x7f/", "./ab\x1b[2Jcd"}) {
+        dir_.Write("Control.cfg", std::string(garbage) + "\n./Programs\nJobs\n******\n");
+        Installation inst;
+        auto fault = ReadControlConfig(inst);
+        ASSERT_TRUE(fault);
+        EXPECT_EQ(fault->Message(), "Control.cfg: line 1 holds a control character");
+        EXPECT_EQ(ListDirectory(dir_.Path(), true), before);
+    }
+    dir_.Write("Control.cfg", "./\n./Programs\nJo\x07" "bs\n******\n");
+    Installation inst;
+    auto fault = ReadControlConfig(inst);
+    ASSERT_TRUE(fault);
+    EXPECT_EQ(fault->Message(), "Control.cfg: line 3 holds a control character");
+    // Ordinary 8-bit names stay names.
+    std::filesystem::create_directories(dir_.Path() + "Programs/J\xf6" "bs");
+    dir_.Write("Control.cfg", "./\n./Programs\nJ\xf6" "bs\n******\n");
+    ASSERT_FALSE(ReadControlConfig(inst));
+    EXPECT_EQ(inst.Dirs.ProgramDirName, "J\xf6" "bs");
+}
+
 TEST_F(ConfigTest, SetProgramDirSkipsSystemSubroutinesAndMissingNames) {
     dir_.Write("Control.cfg", "./\n./Programs\nJobs\n1\n******\n");
     std::filesystem::create_directories("Programs/EXSUBS");
@@ -130,15 +182,15 @@ TEST_F(ConfigTest, SetProgramDirSkipsSystemSubroutinesAndMissingNames) {
     std::filesystem::create_directories("Programs/Parts");
     Installation inst;
     ASSERT_FALSE(ReadControlConfig(inst));
-    SetProgramDir(inst, " parts ");
+    EXPECT_TRUE(SetProgramDir(inst, " parts "));
     EXPECT_EQ(inst.Dirs.ProgramDirName, "Parts");
-    SetProgramDir(inst, "exsubs");
+    EXPECT_TRUE(SetProgramDir(inst, "exsubs"));
     EXPECT_EQ(inst.Dirs.ProgramDirName, "Jobs");
-    SetProgramDir(inst, "Nowhere");
+    EXPECT_TRUE(SetProgramDir(inst, "Nowhere"));
     EXPECT_EQ(inst.Dirs.ProgramDirName, "Jobs");
-    SetProgramDir(inst, "..");
+    EXPECT_TRUE(SetProgramDir(inst, ".."));
     EXPECT_EQ(inst.Dirs.ProgramDirName, "Jobs");
-    SetProgramDir(inst, "/proc/sys");
+    EXPECT_TRUE(SetProgramDir(inst, "/proc/sys"));
     EXPECT_EQ(inst.Dirs.ProgramDirName, "/proc/sys");
     EXPECT_EQ(inst.Dirs.ProgramDirPath, "/proc/");
     auto lines = ReadLines("Control.cfg");
@@ -285,6 +337,23 @@ TEST_F(ConfigTest, PmacCfgDefaultsAndCorrections) {
     dir_.Write("PMAC.cfg", "N\n0\n60\n250\nCard address: 192.168.0.20:1025 \n******\n");
     ReadCardSetup(Dirs(), c);
     EXPECT_EQ(c.CardAddressLine, "Card address: 192.168.0.20:1025");
+    EXPECT_EQ(c.OperationDeadlineMs, DefaultOperationDeadlineMs);
+}
+
+TEST_F(ConfigTest, PmacCfgOperationDeadline) {
+    CardSetup c;
+    dir_.Write("PMAC.cfg", "N\n0\n60\n250\nCard: 127.0.0.1\nDeadline: 5000\n******\n");
+    ASSERT_FALSE(ReadCardSetup(Dirs(), c));
+    EXPECT_EQ(c.OperationDeadlineMs, 5000);
+    // 0 or less is the default; a value that is no whole number of 32 bits names the line.
+    dir_.Write("PMAC.cfg", "N\n0\n60\n250\nCard: 127.0.0.1\nDeadline: 0\n");
+    ASSERT_FALSE(ReadCardSetup(Dirs(), c));
+    EXPECT_EQ(c.OperationDeadlineMs, DefaultOperationDeadlineMs);
+    dir_.Write("PMAC.cfg", "N\n0\n60\n250\nCard: 127.0.0.1\nDeadline: 1e12\n");
+    auto fault = ReadCardSetup(Dirs(), c);
+    ASSERT_TRUE(fault);
+    EXPECT_NE(fault->Message().find("PMAC.cfg"), std::string::npos);
+    EXPECT_NE(fault->Message().find("line 6"), std::string::npos);
 }
 
 TEST_F(ConfigTest, MessageTablesStopRules) {

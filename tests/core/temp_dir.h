@@ -1,7 +1,9 @@
 // A fresh directory for one test, removed afterwards.
 #pragma once
 
+#include <csignal>
 #include <cstdlib>
+#include <sys/resource.h>
 #include <filesystem>
 #include <algorithm>
 #include <fstream>
@@ -32,6 +34,14 @@ public:
 private:
     std::string path_;
 };
+
+// Files of this process may grow to `bytes` at most from now on: a longer write fails as on a
+// full disk. For a child process of a death test.
+inline void LimitFileSize(rlim_t bytes) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{bytes, bytes};
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
 
 // The whole text of a file, as bytes; "" when it can't be read.
 inline std::string ReadFileText(const std::string& path) {

@@ -10,8 +10,8 @@
 #include "controller/cardsim/card_simulator.h"
 #include "controller/pmac_ethernet_link.h"
 #include "core/paths.h"
-#include "core/slot_run_plan.h"
-#include "core/startup.h"
+#include "system/slot_run_plan.h"
+#include "system/startup.h"
 #include "core/text.h"
 #include "tests/core/temp_dir.h"
 

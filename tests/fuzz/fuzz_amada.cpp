@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::ofstream(WorkDir() + "prog.org", std::ios::binary | std::ios::trunc)
         .write(reinterpret_cast<const char*>(program), static_cast<std::streamsize>(length));
     std::int16_t dialect = 0;
-    if (options & 4) kirvana::ConvertProgram(WorkDir() + "prog.", dialect, settings);
-    else kirvana::AmadaProgram(WorkDir() + "prog.", dialect, settings);
+    if (options & 4) (void)kirvana::ConvertProgram(WorkDir() + "prog.", dialect, settings);
+    else (void)kirvana::AmadaProgram(WorkDir() + "prog.", dialect, settings);
     return 0;
 }

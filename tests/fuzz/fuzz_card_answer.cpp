@@ -2,6 +2,7 @@
 // parsing must end without a fault and never claim more than it received.
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "controller/cardsim/card_simulator.h"
@@ -17,9 +18,23 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         kirvana::pmac::DecodeHeader(data);
         kirvana::pmac::DecodeWriteStatus(data);
     }
+    // A card that can run programs 1 and 2 (once downloaded), walked by hand.
     static kirvana::CardSimulator sim;
+    static const bool ready = [] {
+        sim.SetRunSpeed(0);
+        sim.SetRunPlanSource([](int program) -> std::optional<kirvana::RunPlan> {
+            if (program != 1 && program != 2) return std::nullopt;
+            kirvana::RunPlan plan(3);
+            plan[1].Stop = kirvana::RunStep::StopKind::Program;
+            plan[2].Station = 99;
+            return plan;
+        });
+        return true;
+    }();
+    (void)ready;
     sim.Execute(bytes);
     sim.WriteBuffer(bytes);
+    sim.WalkRun(static_cast<double>(size % 7) / 2);
     sim.ClearReceived();
     return 0;
 }

@@ -41,6 +41,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Write(WorkDir() + "prog.org", program, length);
     Write(WorkDir() + "SUB.GSB", program, length);
     std::int16_t dialect = 0;
-    kirvana::ConvertProgram(WorkDir() + "prog.", dialect, settings);
+    (void)kirvana::ConvertProgram(WorkDir() + "prog.", dialect, settings);
     return 0;
 }

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "controller/card_link.h"
-#include "controller/poll_cycle.h"
-#include "core/startup.h"
+#include "system/poll_cycle.h"
+#include "system/startup.h"
 
 namespace {
 

@@ -31,6 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             st.Autoindex = n > 15 ? kirvana::TrueWord : kirvana::FalseWord;
         }
         s.MaxBlocks = 5'000;
+        s.MaxJumps = 1'000;
+        s.MaxCharacters = 1'000'000;
         s.MaxHitWork = 5'000'000;
         return s;
     }();

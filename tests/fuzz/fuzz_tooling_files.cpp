@@ -53,8 +53,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ProgramTurret header;
     ReadProgramTurret(root + "Program/P.trt", table, header, dirs.ServiceDir);
     ReadProgramSettings(root + "Program/P.stg", table, dirs.ServiceDir);
-    WriteProgramTurret(root + "Program/Out.trt", table, header);
-    WriteProgramSettings(root + "Program/Out.stg", table);
+    if (!WriteProgramTurret(root + "Program/Out.trt", table, header)) return 0;
+    if (!WriteProgramSettings(root + "Program/Out.stg", table)) return 0;
     // What was written reads back to the same tools.
     StationTable again = tooling.MachineTable;
     ProgramTurret againHeader;

@@ -1,8 +1,12 @@
-// Any bytes as a block: every word reader and the evaluator must end without a fault.
+// Any bytes as a block: every word reader and the evaluator must end without a fault. The same
+// bytes as a name: one that the name rule accepts stays inside the folder it is looked up in.
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
+#include <string>
 #include <string_view>
 
+#include "core/names.h"
 #include "core/number.h"
 #include "core/text.h"
 #include "core/words.h"
@@ -25,5 +29,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     kirvana::CountBlockWords(block);
     kirvana::TextBetween(block, "(", ")");
     kirvana::CutSection(block, "(", ")");
+    if (kirvana::AcceptableName(block)) {
+        auto path = (std::filesystem::path("/store/dir") / std::string(block)).lexically_normal();
+        if (path.parent_path() != "/store/dir" || block.size() > kirvana::NameLengthLimit) __builtin_trap();
+    }
     return 0;
 }

@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "core/paths.h"
-#include "core/startup.h"
+#include "system/startup.h"
 #include "navigation/colours.h"
 #include "navigation/keypad.h"
 #include "navigation/messages.h"

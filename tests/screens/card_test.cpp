@@ -2,7 +2,7 @@
 
 #include "controller/cardsim/card_simulator.h"
 #include "core/number.h"
-#include "core/slot_run_plan.h"
+#include "system/slot_run_plan.h"
 #include "navigation/navigation.h"
 #include "screens/shutdown_form.h"
 #include "screens/warning_form.h"

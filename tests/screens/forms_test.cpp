@@ -2,7 +2,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
-#include "controller/poll_cycle.h"
+#include "system/poll_cycle.h"
 #include "navigation/navigation.h"
 #include "screens/message_form.h"
 #include "screens/pad_forms.h"

@@ -14,7 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "core/paths.h"
-#include "core/slots.h"
+#include "system/slots.h"
 #include "screens/front_end.h"
 #include "screens/panel.h"
 #include "tests/core/temp_dir.h"

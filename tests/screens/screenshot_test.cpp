@@ -3,7 +3,7 @@
 #include <QDir>
 
 #include "controller/cardsim/card_simulator.h"
-#include "controller/poll_cycle.h"
+#include "system/poll_cycle.h"
 #include "screens/panel_capture.h"
 #include "screens/splash_form.h"
 #include "tests/screens/panel_fixture.h"

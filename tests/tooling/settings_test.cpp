@@ -274,6 +274,9 @@ TEST(SaveSettings, AnExistingNameAnsweredNoLeavesTheFileAsItWas) {
     EXPECT_FALSE(questioned);
     EXPECT_EQ(SettingNames(dirs, ".pls"), (std::vector<std::string>{"Fresh"}));
     EXPECT_EQ(SavePunchSettingAs(dirs, "  ", "x", s, nullptr), SaveOutcome::InvalidName);
+    // The names of every file the operator names: nothing that leads out of the folder.
+    for (const char* name : {"../Outside", "..\\Outside", "/tmp/x", "A\tB"})
+        EXPECT_EQ(SavePunchSettingAs(dirs, name, "x", s, nullptr), SaveOutcome::InvalidName) << name;
 }
 
 TEST(SettingsScreens, LabelsAndChoicesFollowPunchDat) {

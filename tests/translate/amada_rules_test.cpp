@@ -199,11 +199,13 @@ TEST(AmadaBlock, G36IsAGridAndG69IsTheNibbleLine) {
     Pass pass;
     EXPECT_EQ(pass.Block("G36 I1000 J2000 P3 K2"),
               "N0001 P2=10.00 P4=20.00 P1=3 P3=2 P5=0 P9=1 P6=-999 P7=-999 P8=-999 P10=0 P11=0 G26");
-    // From X100 Y50: shift PolarToXY(5, 0 + 90) = (0, 5); P10, P11 the shift less 2.
+    // From X100 Y50: shift PolarToXY(5, 0 + 90), (0, 5) but for the cosine of 90 degrees with
+    // the system's Pi, 9E-9; P10, P11 the shift less 2. The computed lengths are written as
+    // computed, not rounded.
     pass.Block("X10000 Y5000");
     EXPECT_EQ(pass.Block("G69 I5000 J0 P1000 Q300"),
-              "N0003 P1=50.00 P5=0.00 P8=3 P10=-2 P11=3 P2=-999 P3=-999 P4=-999 P6=-999 P7=-999 P9=-999 G36 X100 "
-              "Y55");
+              "N0003 P1=50.00 P5=0.00 P8=3 P10=-1.99999999102552 P11=3 P2=-999 P3=-999 P4=-999 P6=-999 P7=-999 "
+              "P9=-999 G36 X100.000000008974 Y55");
 }
 
 TEST(AmadaBlock, G93StaysG93) {
@@ -243,14 +245,22 @@ TEST(AmadaBlock, CommentsInParenthesesOrAfterSemicolon) {
 
 TEST(AmadaBlock, MacroStoreAndReplay) {
     Pass pass;
-    // A1 stores the block without its A word; the block itself goes on with it.
-    EXPECT_EQ(pass.Block("X1000 Y500 A1"), "N0001 G81 X10.00 Y5.00 A1");
+    // A1 stores the block without its A word, and the block goes on without it too.
+    EXPECT_EQ(pass.Block("X1000 Y500 A1"), "N0001 G81 X10.00 Y5.00");
     EXPECT_EQ(pass.Amada.MacroTable[1], "N0001X1000Y500");
     // B1 replays the stored text, with its sequence word.
     EXPECT_EQ(pass.Block("B1"), "N0001 G81 X10.00 Y5.00");
     // A number outside 1 to 99 is no macro word.
     EXPECT_EQ(pass.Block("X100 A100"), "N0003 G81 X1.00 A100");
     EXPECT_EQ(pass.Amada.MacroTable[1], "N0001X1000Y500");
+}
+
+TEST(AmadaBlock, TheMacroWordIsNoAngleOfTheCycle) {
+    Pass pass;
+    // G26's A is its first angle: the macro word must not stand beside it.
+    EXPECT_EQ(pass.Block("G26 I50. J0 K8 A2"), "N0001 G64 J50.00 A0.00 B8");
+    EXPECT_EQ(pass.Amada.MacroTable[2], "N0001G26I50.J0K8");
+    EXPECT_EQ(pass.Block("B2"), "N0001 G64 J50.00 A0.00 B8");
 }
 
 TEST(AmadaBlock, OptionalStopIsAStop) {
@@ -318,6 +328,11 @@ TEST(AmadaBlock, G67IsTheNibbledRectangle) {
     // pitch 10; Y: 47.5 / 10 = 4.75, not whole -> n = 6, pitch 9.5. The larger is 10.
     pass.Block("X10000 Y5000");
     EXPECT_EQ(pass.Block("G67 I-20000 J5750 P1000"), "N0004 P8=10 G65 X95 Y55 I-190 J47.5");
+    // The corner and the sides as computed, not rounded: in inches a tool of 0.001 moves the
+    // corner by 0.0005.
+    pass.Block("G20");
+    pass.Block("X10000 Y5000");
+    EXPECT_EQ(pass.Block("G67 I20000 J10000 P1"), "N0007 P8=0 G65 X10.0005 Y5.0005 I19.999 J9.999");
 }
 
 TEST(AmadaBlock, G66IsTheShearProofRow) {
@@ -360,9 +375,12 @@ TEST(AmadaBlock, WIsACallWithTheNameInTheComment) {
     EXPECT_EQ(pass.Block("W3"), "N0004 P10=1 G68 Q0 S-1 ;HOLES13");
 }
 
-TEST(AmadaBlock, AWBehindTheFirstMIsPartOfTheTail) {
+TEST(AmadaBlock, TheCallIsMadeWhateverStandsInFrontOfTheW) {
     Pass pass;
-    EXPECT_EQ(pass.Block("M50 W1"), "N0001 P10=1 G68 Q0 W1 S-1 M50 ; ");
+    EXPECT_EQ(pass.Block("M00 W1"), "N0001 P10=1 G68 Q0 S1 M00 ; 1");
+    EXPECT_EQ(pass.Block("M50 W1"), "N0002 P10=1 G68 Q0 S1 M50 ; 11");
+    // An "M" behind the W is the tail, kept behind the call.
+    EXPECT_EQ(pass.Block("W7 M50"), "N0003 P10=1 G68 Q0 S2 M50 ; 117");
 }
 
 TEST(AmadaBlock, G31IsTheTorch) {

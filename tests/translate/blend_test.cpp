@@ -228,6 +228,14 @@ TEST_F(BlendTest, ArcAfterALineTangentially) {
     EXPECT_EQ(Run("N6 G101 X150 Y100"), "N6 G101 B1 X150 Y100");
 }
 
+TEST_F(BlendTest, ArcRadiusIsWrittenAsComputedRoundedOnlyThen) {
+    Profiling();
+    Run("N3 G00 X0 Y0");
+    // sqrt(I*I + J*J) is 111.89148: 111.891 to 3 decimals (narrowed to 32 bits first it would
+    // read 111.8915 and round to 111.892).
+    EXPECT_EQ(Run("N4 G102 X223.783 Y0 I111.89148 J0"), "N4 G102 B0 E111.891 X223.783 Y0 I111.89148 J0");
+}
+
 TEST_F(BlendTest, FullCircleSweepFollowsTheOrientation) {
     Profiling();
     Run("N3 G00 X100 Y100");
@@ -333,6 +341,52 @@ TEST(BlendProgram, CriticalErrorKeepsM1AndLeavesBlendTmp) {
               (std::vector<std::string>{"", "****** CRITICAL ERROR ******", "Non-Interpolated Arc (Invalid R)",
                                         "N4G102X100Y0R40", "", "****** WARNING ERROR ******", "Out of limits in X",
                                         "N5G101X3000Y0", "******"}));
+}
+
+TEST(BlendProgram, BlendTmpThatCannotBeCreatedKeepsM1) {
+    TempDir dir;
+    BlendSettings s = Machine();
+    s.RootDir = dir.Path();
+    s.ServiceDir = dir.Path();
+    const std::string text = "N0001 M100\nN0002 M03\nN0003 G101 X200 Y100\n";
+    dir.Write("P.M1", text);
+    dir.Write("Blend.tmp/inside", "a directory stands in the way");
+    EXPECT_EQ(BlendProgram("D", "P", dir.Path() + "P.", s), -1);
+    EXPECT_EQ(ReadFileText(dir.Path() + "P.M1"), text);
+}
+
+TEST(BlendProgram, AReportThatCannotBeWrittenRefusesAndLeavesNoBlendTmp) {
+    TempDir dir;
+    BlendSettings s = Machine();
+    s.RootDir = dir.Path();
+    s.ServiceDir = dir.Path() + "Service/";
+    const std::string text = "N0001 M100\nN0002 M03\nN0003 G101 X200 Y100\n";
+    dir.Write("P.M1", text);
+    dir.Write("Blend.tmp", "left by an earlier run\n");
+    dir.Write("Service/Blend.txt/inside", "a directory stands in the way");
+    EXPECT_EQ(BlendProgram("D", "P", dir.Path() + "P.", s), -1);
+    EXPECT_EQ(ReadFileText(dir.Path() + "P.M1"), text);
+    EXPECT_FALSE(FileExists(dir.Path() + "Blend.tmp"));
+}
+
+TEST(BlendProgram, AFullDiskKeepsM1WholeAndLeavesNoBlendTmp) {
+    TempDir dir;
+    BlendSettings s = Machine();
+    s.RootDir = dir.Path();
+    s.ServiceDir = dir.Path();
+    std::string text;
+    for (int n = 1; n <= 200; ++n) text += "N" + std::to_string(n) + " G90 X" + std::to_string(n) + " Y10\n";
+    dir.Write("P.M1", text);
+    const std::string m1 = dir.Path() + "P.M1", tmp = dir.Path() + "Blend.tmp";
+    // In a child process whose files may not grow beyond 1000 bytes.
+    EXPECT_EXIT(
+        {
+            LimitFileSize(1000);
+            std::int16_t result = BlendProgram("D", "P", dir.Path() + "P.", s);
+            std::_Exit(result == -1 && ReadFileText(m1) == text && !FileExists(tmp) ? 0 : 1);
+        },
+        ::testing::ExitedWithCode(0), "");
+    EXPECT_EQ(ReadFileText(m1), text);
 }
 
 TEST(BlendProgram, MissingMotionFile) {

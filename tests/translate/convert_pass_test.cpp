@@ -425,6 +425,21 @@ TEST(ConvertProgram, GsbFilesAreCopiedForEachCall) {
               "N1000 ;(ID,GSUB,HOLES)\nG81 X10 Y10\nRETURN ;(END,GSUB)\n");
 }
 
+TEST(ConvertProgram, GsbNamesStayInTheCurrentDirectory) {
+    Program program;
+    program.Settings.CurrentDir = program.Dir.Path() + "root/";
+    program.Dir.Write("root/INSIDE.GSB", "(ID,GSUB,INSIDE)\nX1 Y1\n(END,GSUB)\n");
+    program.Dir.Write("outside/SUBR.GSB", "(ID,GSUB,SUBR)\nX666 Y666\n(END,GSUB)\n");
+    program.Dir.Write("SUBR.GSB", "(ID,GSUB,SUBR)\nX667 Y667\n(END,GSUB)\n");
+    std::string outside = program.Dir.Path() + "outside/SUBR";
+    program.Run("! calls\n(GSUB,../outside/SUBR)\n(GSUB,..\\SUBR)\n(GSUB," + outside + ")\n(GSUB,INSIDE)\nM30\n");
+    // Only the file inside the current directory is read; the others are calls of nothing.
+    EXPECT_EQ(program.File("sbs"), "INSIDE, 1\n******\n");
+    EXPECT_EQ(program.File("A2"), "(ID,GSUB,INSIDE)\nX1 Y1\n(END,GSUB)\n");
+    EXPECT_EQ(program.File("M1").find("X666"), std::string::npos);
+    EXPECT_EQ(program.File("M2").find("X66"), std::string::npos);
+}
+
 TEST(ConvertProgram, BinaryGarbageAndLongLines) {
     Program program;
     std::string garbage;

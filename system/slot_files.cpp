@@ -5,11 +5,13 @@
 #include <optional>
 #include <vector>
 
+#include "core/little_endian.h"
 #include "core/config.h"
+#include "core/file_writer.h"
 #include "core/number.h"
 #include "core/paths.h"
-#include "core/slots.h"
-#include "core/startup.h"
+#include "system/slots.h"
+#include "system/startup.h"
 #include "core/text.h"
 
 namespace kirvana {
@@ -22,14 +24,6 @@ std::string Padded(const std::string& text, std::size_t width) {
     out.resize(width, ' ');
     return out;
 }
-
-void PutWord(char* at, std::int16_t value) {
-    at[0] = static_cast<char>(value & 0xFF);
-    at[1] = static_cast<char>((value >> 8) & 0xFF);
-}
-
-std::int16_t GetWord(const unsigned char* at) { return static_cast<std::int16_t>(at[0] | (at[1] << 8)); }
-
 
 }  // namespace
 
@@ -68,10 +62,14 @@ void SetCommentMarks(SlotRecord& record, bool atStart) {
 }
 
 std::optional<SlotCounts> BuildBlockMap(const std::string& aFile, const std::string& mFile, const std::string& wFile,
-                                        const std::string& raFile, const std::string& rmFile) {
+                                        const std::string& raFile, const std::string& rmFile, std::string* fileFault) {
+    auto fault = [&](const std::string& file) -> std::optional<SlotCounts> {
+        if (fileFault) *fileFault = file;
+        return std::nullopt;
+    };
     std::ifstream a(aFile, std::ios::binary), m(mFile, std::ios::binary);
-    std::ofstream w(wFile, std::ios::binary | std::ios::trunc), ra(raFile, std::ios::binary | std::ios::trunc),
-        rm(rmFile, std::ios::binary | std::ios::trunc);
+    if (!a) return fault(aFile);
+    FileWriter w(wFile), ra(raFile), rm(rmFile);
     constexpr std::int32_t Most = 32767;  // records, blocks and words are numbered in 16 bits
     std::int32_t rec = 0, block = 0, word = 0;
     std::string aLine, mLine;
@@ -86,19 +84,23 @@ std::optional<SlotCounts> BuildBlockMap(const std::string& aFile, const std::str
         int count = CountBlockWords(mLine);
         if (rec == Most || (count > 0 && (block == Most || word + count > Most))) return std::nullopt;
         ++rec;
-        ra << Padded(aLine, 80);
-        rm << Padded(mLine, 240);
+        ra.WriteBytes(Padded(aLine, 80));
+        rm.WriteBytes(Padded(mLine, 240));
         if (count == 0) continue;
         ++block;
         for (int k = 0; k < count; ++k) {
             ++word;
-            char record[6];
-            PutWord(record, static_cast<std::int16_t>(word - 1));
-            PutWord(record + 2, static_cast<std::int16_t>(block - 1));
-            PutWord(record + 4, static_cast<std::int16_t>(rec));
-            w.write(record, sizeof record);
+            std::uint8_t record[6];
+            StoreInt16(record, static_cast<std::int16_t>(word - 1));
+            StoreInt16(record + 2, static_cast<std::int16_t>(block - 1));
+            StoreInt16(record + 4, static_cast<std::int16_t>(rec));
+            w.WriteBytes(std::string_view(reinterpret_cast<const char*>(record), sizeof record));
         }
     }
+    if (a.bad()) return fault(aFile);
+    if (m.bad()) return fault(mFile);
+    for (FileWriter* out : {&w, &ra, &rm})
+        if (!out->Close()) return fault(out->Path());
     return SlotCounts{static_cast<std::int16_t>(word), static_cast<std::int16_t>(block), static_cast<std::int16_t>(rec)};
 }
 
@@ -111,10 +113,10 @@ SlotBlock SlotBlockAt(const Process& process, int program, std::int32_t word) {
     if (target > counts.MapWordCount || target < 1) target = 1;
     std::ifstream w(SlotFile(process.Config.Dirs, slot, file == 0 ? "W1" : "W2"), std::ios::binary);
     if (!w) return {};
-    unsigned char record[6];
+    std::uint8_t record[6];
     w.seekg((target - 1) * 6);
     if (!w.read(reinterpret_cast<char*>(record), sizeof record)) return {};
-    return SlotBlock{GetWord(record + 2), GetWord(record + 4)};
+    return SlotBlock{LoadInt16(record + 2), LoadInt16(record + 4)};
 }
 
 SlotStats ReadSlotStats(const Directories& dirs, int slot) {
@@ -157,10 +159,11 @@ bool WriteSlotConfig(const Directories& dirs, int slot, const SlotRecord& r) {
                        IntegerText(r.SourceDialect), FormatNumber(r.SlotLoadY, -1), EndMarker});
 }
 
-bool ReadSlotConfig(const Directories& dirs, int slot, SlotRecord& r) {
+bool ReadSlotConfig(const Directories& dirs, int slot, SlotRecord& r, bool* unreadable) {
     const std::string path = SlotFile(dirs, slot, "cfg");
     NoteFile(dirs.ServiceDir, path);
     auto lines = ReadLines(path);
+    if (!lines && unreadable) *unreadable = FileExists(path);
     if (!lines || lines->size() < 7) return false;
     const auto& l = *lines;
     r.ProgramName = std::string(Trim(l[0]));

@@ -1,8 +1,8 @@
-#include "controller/machine_commands.h"
+#include "system/machine_commands.h"
 
 #include "controller/card_variables.h"
 #include "core/number.h"
-#include "core/startup.h"
+#include "system/startup.h"
 
 namespace kirvana {
 
@@ -193,21 +193,23 @@ std::array<bool, 2> ReadBlockSkips(Conversation& talk) {
     return {talk.GetRspnsBln(card::BlockSkip[0]), talk.GetRspnsBln(card::BlockSkip[1])};
 }
 
-void SetBatch(Process& process, Conversation& talk, const SlotBatch& batch) {
+bool SetBatch(Process& process, Conversation& talk, const SlotBatch& batch) {
     int slot = process.Config.ActiveSlot;
-    if (slot < 1 || slot > 2) return;
+    if (slot < 1 || slot > 2) return true;
     process.Slots[slot - 1].Batch = batch;
     SendBatchBlock(talk, {batch[0], batch[1], batch[2], batch[3]});
-    WriteSlotBatch(process.Config.Dirs, slot, batch);
+    return WriteSlotBatch(process.Config.Dirs, slot, batch);
 }
 
-void ClearBatch(Process& process, Conversation& talk) { SetBatch(process, talk, SlotBatch{}); }
+bool ClearBatch(Process& process, Conversation& talk) { return SetBatch(process, talk, SlotBatch{}); }
 
 Refusal ChangeActiveSlot(Process& process, StartupPlatform& platform, CardLink* link, int slot) {
     if (Refusal refusal = SlotChangeInterlock(process)) return refusal;
     if (slot != 1 && slot != 2) return std::nullopt;
     process.Config.ActiveSlot = static_cast<std::int16_t>(slot);
-    WriteControlConfig(process.Config);
+    // The change stands on the card either way; a Control.cfg that can't be written is told.
+    if (!WriteControlConfig(process.Config))
+        platform.ShowWarning("File Fault : " + process.Config.Dirs.RootDir + "Control.cfg");
     SendSlotBlocks(process, platform, link, process.Slots[slot - 1].HitCount);
     return std::nullopt;
 }

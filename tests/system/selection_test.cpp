@@ -1,5 +1,6 @@
 // Selection of programs into the active slots, end to end on a copy of the demo installation:
 // in office mode, and against the simulated card over the Ethernet link.
+#include <chrono>
 #include <filesystem>
 
 #include <gtest/gtest.h>
@@ -7,7 +8,7 @@
 #include "controller/cardsim/card_simulator.h"
 #include "controller/pmac_ethernet_link.h"
 #include "core/paths.h"
-#include "core/startup.h"
+#include "system/startup.h"
 #include "tests/core/temp_dir.h"
 
 using namespace kirvana;
@@ -16,12 +17,16 @@ namespace {
 
 struct QuietPlatform : StartupPlatform {
     std::vector<std::string> Warnings;
+    std::vector<std::string> Questions;
     void ShowSplash(const std::string&, const std::string&) override {}
     bool SplashDone() override { return true; }
     void StopSplashTimer() override {}
     void ProcessEvents() override {}
     void ShowMessageBox(const std::string&, const std::string&) override {}
-    bool AskOperator(const std::string&) override { return false; }
+    bool AskOperator(const std::string& text) override {
+        Questions.push_back(text);
+        return false;
+    }
     void ShowWarning(const std::string& text) override { Warnings.push_back(text); }
     void ShowFrontEnd() override {}
     bool FrontEndVisible() override { return false; }
@@ -49,9 +54,17 @@ protected:
         StartupSteps steps;
         ASSERT_EQ(Main(process, platform_, link, steps).Result, StartOutcome::Kind::Started);
     }
-    void CardAt(int port) {
+    void CardAt(int port, int deadlineMs = 0) {
         dir_.Write("Control.cnc", "Card in use: TRUE\nPoll log: FALSE\n******\n");
-        dir_.Write("PMAC.cfg", "Save: N\nWait: 0\nPoll: 50\nDelay: 50\nCard: 127.0.0.1:" + std::to_string(port) + "\n******\n");
+        dir_.Write("PMAC.cfg", "Save: N\nWait: 0\nPoll: 50\nDelay: 50\nCard: 127.0.0.1:" + std::to_string(port) +
+                                   "\nDeadline: " + std::to_string(deadlineMs) + "\n******\n");
+    }
+    // A start against the simulated card, its faults going through the card fault path.
+    void StartWithCard(Process& process, PmacEthernetLink& link) {
+        link.SetFaultHandler([&, this](std::int32_t number, const std::string& description) {
+            HandleCardFault(process, platform_, &link, StartupSteps{}, number, description);
+        });
+        Start(process, &link);
     }
     std::vector<std::string> SlotFiles(int slot) {
         std::vector<std::string> found;
@@ -128,6 +141,25 @@ TEST_F(SelectionTest, RefusalsLeaveTheSlotAsItWas) {
     EXPECT_EQ(platform_.Warnings.size(), 6u);
 }
 
+TEST_F(SelectionTest, NamesNeverLeadOutOfTheProgramStore) {
+    // A program beside the installation, reachable by a path that climbs out of the store.
+    dir_.Write("outside/EVIL.prg", "! evil\nT1 X10 Y10\nM30\n");
+    Process p;
+    Start(p);
+    ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01").Selected);
+    auto files = SlotFiles(1);
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, "../outside", "EVIL").Warning, "Invalid Directory Name !");
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, "Dorvenis", "../../outside/EVIL").Warning, "Invalid Program Name !");
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, dir_.Path() + "outside", "EVIL").Warning, "Invalid Directory Name !");
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLA\tTE01").Warning, "Invalid Program Name !");
+    EXPECT_EQ(SelectProgram(p, platform_, nullptr, ".", "PLATE01").Warning, "Invalid Directory Name !");
+    // Nothing written beside the program outside, and the slot as it was.
+    EXPECT_FALSE(FileExists("outside/EVIL.stg"));
+    EXPECT_FALSE(FileExists("outside/EVIL.pls"));
+    EXPECT_EQ(p.Slots[0].ProgramName, "PLATE01");
+    EXPECT_EQ(SlotFiles(1), files);
+}
+
 TEST_F(SelectionTest, NamesAreFoundIgnoringCase) {
     Process p;
     Start(p);
@@ -151,6 +183,26 @@ TEST_F(SelectionTest, ProgramWithErrorsEmptiesTheSlot) {
               ReadLines("Service/Reverse.txt")->end());
 }
 
+TEST_F(SelectionTest, ProgramsThatLoopForEverAreRefused) {
+    Process p;
+    Start(p);
+    std::string gotos = "N2";
+    for (int k = 0; k < 1000; ++k) gotos += " GOTO 2";
+    dir_.Write("Programs/Dorvenis/LOOP1.prg", "N1 G90 T1\nN2 G00 X10 Y10\nN3 GOTO 2\n");
+    dir_.Write("Programs/Dorvenis/LOOP2.prg", "N1 G90 T1\n" + gotos + "\n");
+    for (const char* name : {"LOOP1", "LOOP2"}) {
+        SelectOutcome refused = SelectProgram(p, platform_, nullptr, "Dorvenis", name);
+        EXPECT_FALSE(refused.Selected) << name;
+        EXPECT_EQ(refused.Warning, std::string(name) + "\n\nCan Not Be Selected Due To Errors in Code !");
+        EXPECT_FALSE(p.Slots[0].Present);
+        auto report = ReadLines("Service/Reverse.txt");
+        ASSERT_TRUE(report);
+        auto critical = std::find(report->begin(), report->end(), "****** CRITICAL ERROR ******");
+        ASSERT_NE(critical, report->end()) << name;
+        EXPECT_EQ(*(critical + 1), "Program does not end: block limit reached") << name;
+    }
+}
+
 TEST_F(SelectionTest, SlotsSurviveARestart) {
     {
         Process p;
@@ -158,7 +210,7 @@ TEST_F(SelectionTest, SlotsSurviveARestart) {
         ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01").Selected);
         p.Config.ActiveSlot = 2;
         ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "COVER02").Selected);
-        WriteControlConfig(p.Config);
+        ASSERT_TRUE(WriteControlConfig(p.Config));
     }
     Process again;
     Start(again);
@@ -229,7 +281,7 @@ TEST_F(SelectionTest, EndToEndWithTheSimulatedCard) {
     p.Config.ActiveSlot = 2;
     ASSERT_TRUE(SelectProgram(p, platform_, &link, "Dorvenis", "COVER02").Selected);
     EXPECT_FALSE(sim.Program(2).empty());
-    WriteControlConfig(p.Config);
+    ASSERT_TRUE(WriteControlConfig(p.Config));
     link.SetEnabled(false);  // the first process has ended
     sim.ClearReceived();
     PmacEthernetLink again(CardAddress{"127.0.0.1", sim.Port()}, 1000);
@@ -312,4 +364,153 @@ TEST_F(SelectionTest, AmadaProgramHasBracketMarksUntilARestart) {
     EXPECT_EQ(again.Slots[0].SourceDialect, 5);
     EXPECT_EQ(again.Slots[0].CommentOpen, "!");
     EXPECT_EQ(again.Slots[0].CommentClose, "");
+}
+
+TEST_F(SelectionTest, EveryFileTheSelectionWritesIsChecked) {
+    // A directory with something in it stands where one file of the selection goes: the
+    // selection is refused naming that file, and the slot is left empty as after a failed pass.
+    const std::vector<std::string> files = {
+        "Temp.org",     "Actvprg1.org", "Actvprg1.pls", "Actvprg1.A1",  "Actvprg1.A2",  "Actvprg1.sbs",
+        "Actvprg1.M1",  "Actvprg1.M2",  "Blend.tmp",    "Service/Blend.txt", "Actvprg1.drw", "Service/Reverse.txt",
+        "Actvprg1.dr1", "Actvprg1.W1",  "Actvprg1.RA1", "Actvprg1.RM1", "Actvprg1.W2",  "Actvprg1.RA2",
+        "Actvprg1.RM2", "Actvprg1.cfg", "Actvprg1.trt", "Actvprg1.sts", "Actvprg1.btc", "Programs/Dorvenis/PLATE01.stg"};
+    const std::string stg = ReadFileText("Programs/Dorvenis/PLATE01.stg");
+    for (const std::string& file : files) {
+        Process p;
+        Start(p);
+        std::filesystem::remove(file);
+        dir_.Write(file + "/inside", "in the way");
+        SelectOutcome outcome = SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01");
+        EXPECT_FALSE(outcome.Selected) << file;
+        EXPECT_NE(outcome.Warning.find("File Fault : "), std::string::npos) << file << ": " << outcome.Warning;
+        EXPECT_NE(outcome.Warning.find(file), std::string::npos) << file << ": " << outcome.Warning;
+        EXPECT_FALSE(p.Slots[0].Present) << file;
+        EXPECT_TRUE(SlotFiles(1).empty()) << file;
+        EXPECT_FALSE(FileExists("Blend.tmp")) << file;
+        std::filesystem::remove_all(file);
+    }
+    dir_.Write("Programs/Dorvenis/PLATE01.stg", stg);
+    Process p;
+    Start(p);
+    EXPECT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01").Selected);
+}
+
+TEST_F(SelectionTest, AFullDiskRefusesTheSelection) {
+    // In a child process whose files may not grow beyond a few bytes, as on a full disk, at
+    // several places of the selection.
+    for (rlim_t bytes : {rlim_t{0}, rlim_t{100}, rlim_t{1000}, rlim_t{4000}}) {
+        Process p;
+        Start(p);
+        EXPECT_EXIT(
+            {
+                LimitFileSize(bytes);
+                SelectOutcome outcome = SelectProgram(p, platform_, nullptr, "Dorvenis", "PLATE01");
+                bool refused = !outcome.Selected && outcome.Warning.find("File Fault : ") != std::string::npos;
+                std::_Exit(refused && !p.Slots[0].Present && SlotFiles(1).empty() ? 0 : 1);
+            },
+            ::testing::ExitedWithCode(0), "")
+            << bytes;
+    }
+}
+
+TEST_F(SelectionTest, AnUnreadableDescriptionAtStartKeepsTheSlotFiles) {
+    {
+        Process p;
+        Start(p);
+        p.Config.ActiveSlot = 2;
+        ASSERT_TRUE(SelectProgram(p, platform_, nullptr, "Dorvenis", "COVER02").Selected);
+    }
+    const std::vector<std::string> files = SlotFiles(2);
+    const std::string cfg = ReadFileText("Actvprg2.cfg");
+    // A read of the file fails with an I/O error, as a failing disk does.
+    std::filesystem::remove("Actvprg2.cfg");
+    std::filesystem::create_symlink("/proc/self/mem", "Actvprg2.cfg");
+    platform_.Warnings.clear();
+    {
+        Process again;
+        Start(again);
+        EXPECT_FALSE(again.Slots[1].Present);
+        EXPECT_EQ(SlotFiles(2), files);
+        ASSERT_EQ(platform_.Warnings.size(), 1u);
+        EXPECT_NE(platform_.Warnings[0].find("Actvprg2.cfg Can Not Be Read !"), std::string::npos) << platform_.Warnings[0];
+    }
+    // A file of the set that is no file at all is kept too.
+    std::filesystem::remove("Actvprg2.cfg");
+    dir_.Write("Actvprg2.cfg", cfg);
+    const std::string drw = ReadFileText("Actvprg2.drw");
+    std::filesystem::remove("Actvprg2.drw");
+    dir_.Write("Actvprg2.drw/inside", "in the way");
+    {
+        Process again;
+        Start(again);
+        EXPECT_FALSE(again.Slots[1].Present);
+        EXPECT_TRUE(FileExists("Actvprg2.cfg"));
+    }
+    // Once the disk reads again, the slot is there as it was.
+    std::filesystem::remove_all("Actvprg2.drw");
+    dir_.Write("Actvprg2.drw", drw);
+    Process later;
+    Start(later);
+    EXPECT_TRUE(later.Slots[1].Present);
+    EXPECT_EQ(later.Slots[1].ProgramName, "COVER02");
+}
+
+TEST_F(SelectionTest, ErrorAnswerToADownloadLineIsACardFault) {
+    CardSimulator sim;
+    ASSERT_TRUE(sim.Start());
+    CardAt(sim.Port());
+    PmacEthernetLink link(CardAddress{"127.0.0.1", sim.Port()}, 1000);
+    Process p;
+    StartWithCard(p, link);
+    // PLATE01 punches at X100: the card refuses that line of its program.
+    sim.Reject("X100");
+    SelectOutcome outcome = SelectProgram(p, platform_, &link, "Dorvenis", "PLATE01");
+    EXPECT_TRUE(outcome.Selected);
+    ASSERT_TRUE(outcome.Fault);
+    EXPECT_EQ(outcome.Fault->Number, 3);
+    EXPECT_TRUE(outcome.Fault->Description.starts_with("ERR003 in line ")) << outcome.Fault->Description;
+    EXPECT_TRUE(outcome.Fault->Description.ends_with(" of DownPrg.tmp")) << outcome.Fault->Description;
+    // The operator was asked through the card fault path.
+    ASSERT_EQ(platform_.Questions.size(), 1u);
+    EXPECT_TRUE(platform_.Questions[0].starts_with("An error occurred while talking to PMAC !\n\nError Number :  3\nERR003"));
+    EXPECT_TRUE(platform_.Questions[0].ends_with("\n\nShutdown Kirvana ?"));
+    // A card that takes the program again selects without a fault.
+    sim.Reject("");
+    outcome = SelectProgram(p, platform_, &link, "Dorvenis", "PLATE01");
+    EXPECT_TRUE(outcome.Selected);
+    EXPECT_FALSE(outcome.Fault);
+}
+
+TEST_F(SelectionTest, DroppedConnectionIsACardFault) {
+    CardSimulator sim;
+    ASSERT_TRUE(sim.Start());
+    CardAt(sim.Port());
+    PmacEthernetLink link(CardAddress{"127.0.0.1", sim.Port()}, 1000);
+    Process p;
+    StartWithCard(p, link);
+    sim.DropNextDownload();
+    SelectOutcome outcome = SelectProgram(p, platform_, &link, "Dorvenis", "PLATE01");
+    ASSERT_TRUE(outcome.Fault);
+    EXPECT_EQ(outcome.Fault->Number, LinkFaultClosed);
+    EXPECT_EQ(platform_.Questions.size(), 1u);
+}
+
+TEST_F(SelectionTest, SlowCardEndsTheSelectionByItsDeadline) {
+    CardSimulator sim;
+    ASSERT_TRUE(sim.Start());
+    CardAt(sim.Port(), 1500);
+    PmacEthernetLink link(CardAddress{"127.0.0.1", sim.Port()}, 1000);
+    Process p;
+    StartWithCard(p, link);
+    EXPECT_EQ(p.Config.Card.OperationDeadlineMs, 1500);
+    // Every answer comes within the time-out, but the selection's thirty-odd exchanges would
+    // take some 10 s.
+    sim.HoldEveryAnswer(300);
+    auto start = std::chrono::steady_clock::now();
+    SelectOutcome outcome = SelectProgram(p, platform_, &link, "Dorvenis", "PLATE01");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1500 + 2000));
+    ASSERT_TRUE(outcome.Fault);
+    EXPECT_EQ(outcome.Fault->Number, LinkFaultDeadline);
+    EXPECT_EQ(platform_.Questions.size(), 1u);
+    sim.HoldEveryAnswer(0);
 }

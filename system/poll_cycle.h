@@ -43,19 +43,31 @@ struct PollState {
 };
 
 // Clears the values the cycle starts from: the block indication and the message list.
-void ResetPollState(PollState& poll);
+inline void ResetPollState(PollState& poll) {
+    poll.LastMessageNo = -1;
+    poll.LastLogicBits = -1;
+    poll.LastSlotShown = -1;
+    poll.LastRecordShown = -1;
+}
 
 // One cycle, in its order: status word and edges, the card's requests, hits, positions,
 // current block, status colours and messages, batch, run time, plasma, the log size.
 void PollCycle(Process& process, ControllerPlatform& platform, CardLink* link);
 
-// The poll timer's event: one cycle, then the timer put back on `PollIntervalMs` if it ran
-// with another interval (the restart delay applies to one wait only).
+// The poll timer's event: one cycle, then, while the poll is meant to run, the timer put back on
+// `PollIntervalMs` if it ran with another interval (the restart delay applies to one wait only).
 void PollTick(Process& process, ControllerPlatform& platform, CardLink* link);
 
 // The message list from the message number and the logic bits (also called by MessageForm
 // when its selection moves).
 void UpdateMessageList(Process& process, std::int32_t messageNo, std::int32_t logicBits);
+
+// MachineStatusForm's rows (clamps less the station's X offset, the station, its tool and
+// values) and SetupForm's clamp panel, from the clamps and the station the cycle last read.
+// The cycle calls them when the card reports new clamps, a station or offsets; a form may call
+// them when it is shown.
+void UpdateMachineStatus(Process& process);
+void UpdateClampPanel(Process& process);
 
 // "m:ss" of a run time in seconds; below a minute "0:ss".
 std::string RunTimeText(float seconds);

@@ -11,7 +11,7 @@
 #include <optional>
 #include <string>
 
-#include "core/slots.h"
+#include "system/slots.h"
 
 namespace kirvana {
 
@@ -19,6 +19,24 @@ struct Process;
 class Conversation;
 class StartupPlatform;
 class CardLink;
+
+// The captions of the command buttons and boxes, as the forms show them.
+inline constexpr std::array<const char*, 5> ReferenceButtonCaptions = {
+    "&REFERENCE ALL", "REFERENCE &AXIS", "REFERENCE &CLAMPS", "REFERENCE &TURRET", "REFERENCE &INDEX"};
+inline constexpr const char* SetupReferenceCaption = "&REFERENCE CLAMPS";
+inline constexpr const char* CarriageCaption = "&CARRIAGE";
+struct FeedButton {
+    const char* Caption;
+    int Step;
+};
+inline constexpr std::array<FeedButton, 4> FeedButtons = {
+    {{"- 20 (&1)", -20}, {"+ 20 (&4)", 20}, {"- 5 (&2)", -5}, {"+ 5 (&3)", 5}}};
+inline constexpr std::array<const char*, 4> LoadBoxCaptions = {"X :  &1", "Y :  &2", "X :  &3", "Y :  &4"};
+inline constexpr std::array<const char*, 3> MoveBoxCaptions = {"X  POSITION :  &1", "Y  POSITION :  &2",
+                                                               "INDEX  POSITION :  &3"};
+inline constexpr std::array<const char*, 2> MoveButtonCaptions = {"&MOVE", "&PUNCH"};
+inline constexpr std::array<const char*, 2> BlockSkipCaptions = {"BLOCK SKIP &1", "BLOCK SKIP &2"};
+inline constexpr std::array<const char*, 2> BatchButtonCaptions = {"&SET", "&CLEAR"};
 
 // A refusal: the warning's text (first line, two line feeds, second line), or nothing.
 using Refusal = std::optional<std::string>;
@@ -83,8 +101,9 @@ void SetBlockSkip(Conversation& talk, int which, bool on);
 std::array<bool, 2> ReadBlockSkips(Conversation& talk);
 
 // BatchForm: "&SET" sends the counters and writes the active slot's `.btc`; "&CLEAR" zeroes them.
-void SetBatch(Process& process, Conversation& talk, const SlotBatch& batch);
-void ClearBatch(Process& process, Conversation& talk);
+// False when the `.btc` could not be written (the card has the counters all the same).
+bool SetBatch(Process& process, Conversation& talk, const SlotBatch& batch);
+bool ClearBatch(Process& process, Conversation& talk);
 
 // FrontEnd.ProgramButton: the active slot changes, Control.cfg is written and the card gets the
 // slot's blocks and hit counter.

@@ -1,4 +1,4 @@
-#include "core/startup.h"
+#include "system/startup.h"
 
 #include <filesystem>
 

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "core/paths.h"
-#include "core/startup.h"
+#include "system/startup.h"
 #include "tests/core/temp_dir.h"
 
 using namespace kirvana;

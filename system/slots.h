@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "controller/card_link.h"
 #include "controller/download.h"
 #include "tooling/settings.h"
 #include "tooling/turret.h"
@@ -15,7 +16,6 @@ namespace kirvana {
 
 struct Process;
 class StartupPlatform;
-class CardLink;
 struct Directories;
 
 // The records of `.W`k, the motion blocks with words, and the records of `.RA`k and `.RM`k.
@@ -75,9 +75,11 @@ void SetCommentMarks(SlotRecord& record, bool atStart);
 // Indexes the card's program counter: A and M are read line by line together; every non-empty
 // A line is a record of RA (80 characters) and RM (240, its M line); each letter of the M
 // block is a word of W, pointing at the block and the record. Empty when the program has more
-// records, blocks or words than the map's 16-bit numbers can hold.
-std::optional<SlotCounts> BuildBlockMap(const std::string& aFile, const std::string& mFile, const std::string& wFile,
-                         const std::string& raFile, const std::string& rmFile);
+// records, blocks or words than the map's 16-bit numbers can hold, or when a file cannot be
+// read or written: `fileFault` (when given) then names the file.
+[[nodiscard]] std::optional<SlotCounts> BuildBlockMap(const std::string& aFile, const std::string& mFile,
+                                                      const std::string& wFile, const std::string& raFile,
+                                                      const std::string& rmFile, std::string* fileFault = nullptr);
 
 // The motion block and source record of the card's word in program 1 to 4; 0 and 0 when the
 // map doesn't exist or the program number is out of range.
@@ -89,23 +91,27 @@ SlotBlock SlotBlockAt(const Process& process, int program, std::int32_t word);
 
 // `.sts` and `.btc`; a missing file reads as zeros.
 SlotStats ReadSlotStats(const Directories& dirs, int slot);
-bool WriteSlotStats(const Directories& dirs, int slot, const SlotStats& stats);
+[[nodiscard]] bool WriteSlotStats(const Directories& dirs, int slot, const SlotStats& stats);
 SlotBatch ReadSlotBatch(const Directories& dirs, int slot);
-bool WriteSlotBatch(const Directories& dirs, int slot, const SlotBatch& batch);
+[[nodiscard]] bool WriteSlotBatch(const Directories& dirs, int slot, const SlotBatch& batch);
 // `Actvprg`n`.cfg`.
-bool WriteSlotConfig(const Directories& dirs, int slot, const SlotRecord& record);
-bool ReadSlotConfig(const Directories& dirs, int slot, SlotRecord& record);
+[[nodiscard]] bool WriteSlotConfig(const Directories& dirs, int slot, const SlotRecord& record);
+// False when the file is missing, short, or (`unreadable` set) there but cannot be read.
+bool ReadSlotConfig(const Directories& dirs, int slot, SlotRecord& record, bool* unreadable = nullptr);
 
 // Empties the slot and deletes its files.
 void ClearSlot(Process& process, int slot);
 
-// The outcome of a selection: the warning shown when it was refused.
+// The outcome of a selection: the warning shown when it was refused; and, when the card failed
+// the download or the slot's blocks, its last fault (already gone through the card fault path).
 struct SelectOutcome {
     bool Selected = false;
     std::string Warning;
+    std::optional<CardFault> Fault;
 };
 // The Select button: the program `name` of `directory` into the active slot, through every
-// pass, then downloaded. A refusal is shown through the platform's warning screen.
+// pass, then downloaded within the card operation's deadline. A refusal is shown through the
+// platform's warning screen.
 SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLink* link, const std::string& directory,
                             const std::string& name);
 

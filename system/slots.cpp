@@ -8,10 +8,11 @@
 #include "analysis/reverse.h"
 #include "controller/card_variables.h"
 #include "controller/download.h"
+#include "core/names.h"
 #include "core/number.h"
 #include "core/paths.h"
-#include "core/slots.h"
-#include "core/startup.h"
+#include "system/slots.h"
+#include "system/startup.h"
 #include "core/text.h"
 #include "translate/blend.h"
 #include "translate/convert.h"
@@ -71,29 +72,26 @@ PlasmaBlock PlasmaBlockOf(const PlasmaSetting& s) {
     return block;
 }
 
-// Copies the program to the slot's `.org`: every line trimmed, empty lines left out.
-bool CopyProgram(const Directories& dirs, const std::string& program, const std::string& org) {
-    NoteFile(dirs.ServiceDir, program);
-    auto lines = ReadLines(program);
-    if (!lines) return false;
+// Copies the program to the slot's `.org` through "Temp.org": every line trimmed, empty lines
+// left out. The file that could not be written, or "" when done.
+std::string CopyProgram(const Directories& dirs, const std::vector<std::string>& lines, const std::string& org) {
     std::vector<std::string> kept;
-    for (const std::string& line : *lines) {
+    for (const std::string& line : lines) {
         std::string_view text = Trim(line);
         if (!text.empty()) kept.emplace_back(text);
     }
     const std::string temporary = dirs.RootDir + "Temp.org";
-    if (!WriteLines(temporary, kept)) return false;
+    if (!WriteLines(temporary, kept)) return temporary;
+    if (MoveFileOver(temporary, org)) return {};
     std::error_code error;
-    fs::remove(org, error);
-    fs::rename(temporary, org, error);
-    return !error;
+    fs::remove(temporary, error);
+    return org;
 }
 
 // For a plasma profiler of kind 2: the program's `.pls` (made from the default set when it
-// has none) becomes the slot's.
-void CopyPlasmaSettings(const Directories& dirs, const std::string& programStem, const std::string& slotStem) {
+// has none) becomes the slot's. The file that could not be written, or "" when done.
+std::string CopyPlasmaSettings(const Directories& dirs, const std::string& programStem, const std::string& slotStem) {
     const std::string pls = programStem + ".pls";
-    std::error_code error;
     if (!FileExists(pls)) {
         std::string source = dirs.SettingsDir + "Default.pls";
         if (!FileExists(source)) {
@@ -105,9 +103,10 @@ void CopyPlasmaSettings(const Directories& dirs, const std::string& programStem,
                 }
             }
         }
-        if (!source.empty()) fs::copy_file(source, pls, fs::copy_options::overwrite_existing, error);
+        if (!source.empty() && !CopyFileOver(source, pls)) return pls;
     }
-    if (FileExists(pls)) fs::copy_file(pls, slotStem + "pls", fs::copy_options::overwrite_existing, error);
+    if (FileExists(pls) && !CopyFileOver(pls, slotStem + "pls")) return slotStem + "pls";
+    return {};
 }
 
 void ReadSlotPlasma(const std::string& slotStem, SlotRecord& record) {
@@ -116,9 +115,8 @@ void ReadSlotPlasma(const std::string& slotStem, SlotRecord& record) {
     LoadPlasmaSetting(slotStem + "pls", description, record.PlasmaSettings);
 }
 
-// The Reverse pass on the slot: the drawing, "Reverse.txt" and the statistics. Non-zero bars
-// the program.
-std::int16_t ReverseSlot(Process& process, int slot, const std::string& stem, SlotRecord& record) {
+// The Reverse pass on the slot: the drawing, "Reverse.txt" and the statistics.
+ReverseResult ReverseSlot(Process& process, int slot, const std::string& stem, SlotRecord& record) {
     ReverseSettings settings = ReverseSettingsFrom(process.Config.Machine, process.Config.Dirs,
                                                    SlotTable(process.Tools, slot), MachinePlasmaTool(process.Tools));
     if (FileExists(stem + "pls")) {
@@ -131,7 +129,7 @@ std::int16_t ReverseSlot(Process& process, int slot, const std::string& stem, Sl
     std::int16_t toolChanges = 0;
     ReverseResult result = ReversePass(stem, record.ProgramName, record.ProgramDirName, toolChanges, settings);
     record.Stats = SlotStats{result.Stats.Hits, result.Stats.Travel, result.Stats.CutLength};
-    return result.Result;
+    return result;
 }
 
 }  // namespace
@@ -186,11 +184,12 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     std::string directory(Trim(directoryName)), name(Trim(programName));
     auto refuse = [&](const std::string& text) {
         platform.ShowWarning(text);
-        return SelectOutcome{false, text};
+        return SelectOutcome{false, text, std::nullopt};
     };
-    // 1-4. Names within 32 characters, the directory and the program there.
-    if (directory.empty() || directory.size() > 32) return refuse("Invalid Directory Name !");
-    if (name.empty() || name.size() > 32) return refuse("Invalid Program Name !");
+    // 1-4. Acceptable names (within 32 characters, never leading out of the program store),
+    // the directory and the program there.
+    if (!AcceptableName(directory)) return refuse(InvalidDirectoryName);
+    if (!AcceptableName(name)) return refuse(InvalidProgramName);
     std::string directoryPath = ResolveNoCase(dirs.ProgramRoot + directory);
     if (!IsDirectory(directoryPath)) return refuse("Directory Does Not Exist !");
     std::string programPath = ResolveNoCase(directoryPath + "/" + name + ".prg");
@@ -211,77 +210,127 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
         ClearSlot(process, slot);
         return refuse(text);
     };
+    // A file that cannot be read or written refuses the selection as a failed pass does.
+    auto fileFault = [&](const std::string& file) { return fail(record.ProgramName + "\n\nFile Fault : " + file); };
     // 8. The cleaned source in the slot.
-    if (!CopyProgram(dirs, programPath, stem + "org")) return fail(record.ProgramName + "\n\nCan Not Be Read !");
+    NoteFile(dirs.ServiceDir, programPath);
+    auto source = ReadLines(programPath);
+    if (!source) return fail(record.ProgramName + "\n\nCan Not Be Read !");
+    if (std::string file = CopyProgram(dirs, *source, stem + "org"); !file.empty()) return fileFault(file);
     // 9. The plasma settings for a profiler of kind 2.
-    if (machine.ProfilerKind == 2) CopyPlasmaSettings(dirs, programStem, stem);
+    if (machine.ProfilerKind == 2) {
+        if (std::string file = CopyPlasmaSettings(dirs, programStem, stem); !file.empty()) return fileFault(file);
+    }
     // 10. Translation; the comment marks by dialect.
     ConvertResult converted = ConvertProgram(stem, record.SourceDialect, ConvertSettingsFrom(machine, dirs));
+    if (converted.Status == ConvertStatus::FileFault) return fileFault(converted.Fault);
     if (converted.Status != ConvertStatus::Done) return fail(record.ProgramName + "\n\n" + ConvertStatusText(converted.Status));
     SetCommentMarks(record, false);
     // 11. The Blend pass; 12. the Reverse pass judges.
-    BlendProgram(record.ProgramDirName, record.ProgramName, stem, BlendSettingsFrom(machine, dirs));
-    if (ReverseSlot(process, slot, stem, record) > 0)
-        return fail(record.ProgramName + "\n\nCan Not Be Selected Due To Errors in Code !");
+    std::string blendFault;
+    if (BlendProgram(record.ProgramDirName, record.ProgramName, stem, BlendSettingsFrom(machine, dirs), &blendFault) < 0)
+        return fileFault(blendFault);
+    ReverseResult reversed = ReverseSlot(process, slot, stem, record);
+    if (reversed.FileFault) return fileFault(reversed.FaultFile);
+    if (reversed.Result > 0) return fail(record.ProgramName + "\n\nCan Not Be Selected Due To Errors in Code !");
     // 13. Sheet and clamps from the drawing.
     ReadSheetRecord(stem, record);
     // 14. The hits, with a turret.
     record.ExpandedFilePath = stem + "dr1";
     if (machine.HasTurret) {
-        ExpandDrawing(stem);
+        if (!ExpandDrawing(stem).Done) return fileFault(stem + "dr1");
         record.HitFileRecords = HitFileRecords(stem);
     }
     if (record.ActiveStation < 1) record.ActiveStation = 1;
     // 15, 16. The maps of the card's program counter.
-    auto main = BuildBlockMap(stem + "A1", stem + "M1", stem + "W1", stem + "RA1", stem + "RM1");
-    auto subroutines = BuildBlockMap(stem + "A2", stem + "M2", stem + "W2", stem + "RA2", stem + "RM2");
+    std::string mapFault;
+    auto main = BuildBlockMap(stem + "A1", stem + "M1", stem + "W1", stem + "RA1", stem + "RM1", &mapFault);
+    std::optional<SlotCounts> subroutines;
+    if (main) subroutines = BuildBlockMap(stem + "A2", stem + "M2", stem + "W2", stem + "RA2", stem + "RM2", &mapFault);
+    if (!mapFault.empty()) return fileFault(mapFault);
     if (!main || !subroutines) return fail(record.ProgramName + "\n\nIs Too Large To Be Selected !");
     record.Counts = {*main, *subroutines};
     // 17. The slot's description.
-    WriteSlotConfig(dirs, slot, record);
+    if (!WriteSlotConfig(dirs, slot, record)) return fileFault(stem + "cfg");
     // 18. The turret table and the program's settings.
     if (machine.HasTurret) {
         StationTable& table = SlotTable(process.Tools, slot);
         CopyMachineTable(process.Tools, slot);
         if (FileExists(programStem + ".stg")) ReadProgramSettings(programStem + ".stg", table, dirs.ServiceDir);
-        WriteProgramTurret(stem + "trt", table, ProgramTurret{record.ProgramStatsUsed ? TrueWord : FalseWord, record.ActiveStation});
-        WriteProgramSettings(programStem + ".stg", table);
+        if (!WriteProgramTurret(stem + "trt", table,
+                                ProgramTurret{record.ProgramStatsUsed ? TrueWord : FalseWord, record.ActiveStation}))
+            return fileFault(stem + "trt");
+        if (!WriteProgramSettings(programStem + ".stg", table)) return fileFault(programStem + ".stg");
     }
     // 19. The plasma settings.
     if (machine.ProfilerKind == 2 && FileExists(stem + "pls")) ReadSlotPlasma(stem, record);
     // 20. Statistics and batch.
-    WriteSlotStats(dirs, slot, record.Stats);
-    WriteSlotBatch(dirs, slot, record.Batch);
+    if (!WriteSlotStats(dirs, slot, record.Stats)) return fileFault(stem + "sts");
+    if (!WriteSlotBatch(dirs, slot, record.Batch)) return fileFault(stem + "btc");
     record.Present = true;
-    // 22. The card's hit counter starts anew.
-    Conversation talk = Talk(process, platform, link);
-    talk.Download(card::Assignment(card::HitCounter, "0"));
-    record.RunCount = 0;
-    // 24. The motion programs; 25-28. the slot's blocks.
-    DownProgram(talk, dirs.RootDir, dirs.ServiceDir, slot);
-    SendSlotBlocks(process, platform, link);
-    return SelectOutcome{true, {}};
+    // 21. The block indication: this slot's program, no block yet.
+    process.Poll.LastSlotShown = slot;
+    process.Poll.LastRecordShown = -1;
+    // 22-28. The card's part, as one operation with its deadline.
+    const int faultsBefore = link ? link->FaultCount() : 0;
+    {
+        CardOperation operation(link, process.Config.Card.OperationDeadlineMs);
+        // 22. The card's hit counter starts anew.
+        Conversation talk = Talk(process, platform, link);
+        talk.Download(card::Assignment(card::HitCounter, "0"));
+        record.RunCount = 0;
+        // 24. The motion programs; 25-28. the slot's blocks.
+        DownProgram(talk, dirs.RootDir, dirs.ServiceDir, slot);
+        SendSlotBlocks(process, platform, link);
+    }
+    SelectOutcome outcome{true, {}, std::nullopt};
+    if (link && link->FaultCount() != faultsBefore) outcome.Fault = link->LastFault();
+    return outcome;
 }
 
 void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link) {
     const Directories& dirs = process.Config.Dirs;
     const MachineData& machine = process.Config.Machine;
     Conversation talk = Talk(process, platform, link);
+    // Both downloads and the blocks: one card operation with its deadline.
+    CardOperation operation(link, process.Config.Card.OperationDeadlineMs);
     for (int slot = 1; slot <= 2; ++slot) {
         SlotRecord& record = process.Slots[slot - 1];
         const std::string stem = SlotStem(dirs, slot);
-        // 2. An incomplete file set empties the slot silently.
+        // 2. An incomplete file set empties the slot silently. A file that is there but cannot
+        // be read is a fault of the disk, not a missing file: the slot stays empty in memory,
+        // its files are kept, and the operator is told.
+        auto unreadable = [&](const std::string& file) {
+            record = SlotRecord{};
+            record.SlotLoadY = machine.LoadPositionY;
+            ClearPlasmaSetting(record.PlasmaSettings);
+            if (machine.HasTurret) CopyMachineTable(process.Tools, slot);
+            platform.ShowWarning(file + " Can Not Be Read !\n\nSlot " + std::to_string(slot) +
+                                 " Is Left Empty, Its Files Are Kept");
+        };
         bool complete = true;
-        for (const char* extension : {"cfg", "drw", "M1", "RA1"}) complete = complete && FileExists(stem + extension);
+        std::string faulty;
+        for (const char* extension : {"cfg", "drw", "M1", "RA1"}) {
+            std::error_code error;
+            fs::file_status status = fs::status(stem + extension, error);
+            if (status.type() == fs::file_type::not_found) complete = false;
+            else if (faulty.empty() && (error || status.type() != fs::file_type::regular)) faulty = stem + extension;
+        }
         if (!complete) {
             ClearSlot(process, slot);
+            continue;
+        }
+        if (!faulty.empty()) {
+            unreadable(faulty);
             continue;
         }
         // 1, 3. The description.
         record = SlotRecord{};
         record.ExpandedFilePath = stem + "dr1";
-        if (!ReadSlotConfig(dirs, slot, record)) {
-            ClearSlot(process, slot);
+        bool cfgUnreadable = false;
+        if (!ReadSlotConfig(dirs, slot, record, &cfgUnreadable)) {
+            if (cfgUnreadable) unreadable(stem + "cfg");
+            else ClearSlot(process, slot);
             continue;
         }
         record.Present = true;
@@ -316,7 +365,10 @@ void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link
     if (process.Config.ActiveSlot != 1 && process.Config.ActiveSlot != 2) process.Config.ActiveSlot = 1;
     SendSlotBlocks(process, platform, link);
     const SlotRecord& active = process.Slots[process.Config.ActiveSlot - 1];
-    if (!active.ProgramDirName.empty()) SetProgramDir(process.Config, active.ProgramDirName);
+    // Main writes Control.cfg next and reports there a file that cannot be written.
+    if (!active.ProgramDirName.empty()) (void)SetProgramDir(process.Config, active.ProgramDirName);
+    // The block indication cleared.
+    ResetPollState(process.Poll);
 }
 
 }  // namespace kirvana

@@ -2,7 +2,7 @@
 // together: the first round trip carries the status word and every read of the visible forms,
 // a second one only the data of the requests the status word raised. Each query is still
 // remembered and logged on its own, and a query that fails reads 0.
-#include "controller/poll_cycle.h"
+#include "system/poll_cycle.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,7 +14,7 @@
 #include "core/geometry.h"
 #include "core/number.h"
 #include "core/paths.h"
-#include "core/startup.h"
+#include "system/startup.h"
 #include "core/station_kind.h"
 #include "core/text.h"
 #include "core/words.h"
@@ -182,35 +182,40 @@ int ReadCurrentStation(Tick& t) {
     return station;
 }
 
-void UpdateMachineStatus(Tick& t) {
-    MachineStatusDisplay& status = t.Display.MachineStatus;
-    const Station* station = SlotStation(t.P, t.Poll.CurrentStation);
-    status.ClampCount = std::clamp<int>(t.P.Config.Machine.ClampCount, 0, 4);
+}  // namespace
+
+void UpdateMachineStatus(Process& process) {
+    MachineStatusDisplay& status = process.Display.MachineStatus;
+    const PollState& poll = process.Poll;
+    const Station* station = SlotStation(process, poll.CurrentStation);
+    status.ClampCount = std::clamp<int>(process.Config.Machine.ClampCount, 0, 4);
     float offsetX = station ? station->OffsetX : 0;
     for (int n = 0; n < 4; ++n)
-        status.ClampTexts[n] = n < status.ClampCount ? FormatNumber(ToSingle(t.Poll.ClampActual[n] - offsetX), 1) : "";
+        status.ClampTexts[n] = n < status.ClampCount ? FormatNumber(ToSingle(poll.ClampActual[n] - offsetX), 1) : "";
     if (!station) {
         status.StationText = "0";
         status.ToolText.clear();
         status.OffsetTexts = {"0.0", "0.0", "0.0"};
         return;
     }
-    status.StationText = IntegerText(t.Poll.CurrentStation);
+    status.StationText = IntegerText(poll.CurrentStation);
     status.ToolText = std::string(Trim(station->ToolText));
     status.OffsetTexts = {FormatNumber(station->OffsetX, 1), FormatNumber(station->OffsetY, 1),
                           FormatNumber(station->OffsetZ, 1)};
 }
 
-void UpdateClampPanel(Tick& t) {
-    ClampPanel& panel = t.Display.Clamps;
-    panel.ClampCount = std::clamp<int>(t.P.Config.Machine.ClampCount, 0, 4);
-    const SlotRecord* slot = HasActiveSlot(t.P) ? &t.P.Slots[t.P.Config.ActiveSlot - 1] : nullptr;
+void UpdateClampPanel(Process& process) {
+    ClampPanel& panel = process.Display.Clamps;
+    panel.ClampCount = std::clamp<int>(process.Config.Machine.ClampCount, 0, 4);
+    const SlotRecord* slot = HasActiveSlot(process) ? &process.Slots[process.Config.ActiveSlot - 1] : nullptr;
     for (int n = 0; n < 4; ++n) {
         bool shown = n < panel.ClampCount;
-        panel.ActualTexts[n] = shown ? FormatNumber(t.Poll.ClampActual[n], 2) : "";
+        panel.ActualTexts[n] = shown ? FormatNumber(process.Poll.ClampActual[n], 2) : "";
         panel.DemandTexts[n] = shown && slot ? FormatNumber(slot->Clamps[n], 2) : "";
     }
 }
+
+namespace {
 
 // 1. The status word and the machine states.
 void ReadStatus(Tick& t) {
@@ -258,15 +263,11 @@ void ServiceCardRequests(Tick& t) {
     if (Bit(status, card::StatusNewStation)) {
         if (turret) {
             int station = ReadCurrentStation(t);
-            if (const Station* s = ValidStation(t.P, station) ? SlotStation(t.P, station) : nullptr) {
-                SendStationBlock(t.Talk, StationBlockOf(*s), false);
+            if (ValidStation(t.P, station)) {
+                if (const Station* s = SlotStation(t.P, station)) SendStationBlock(t.Talk, StationBlockOf(*s), false);
                 t.Talk.Download(card::AcknowledgeText(card::StatusNewStation));
                 t.Display.Plot.ToolChanged = true;
-                UpdateMachineStatus(t);
-            } else if (ValidStation(t.P, station)) {
-                // A station of the machine that the slot's table doesn't hold: no block to send.
-                t.Talk.Download(card::AcknowledgeText(card::StatusNewStation));
-                UpdateMachineStatus(t);
+                UpdateMachineStatus(t.P);
             }
         } else {
             t.Talk.Download(card::AcknowledgeText(card::StatusNewStation));
@@ -277,8 +278,8 @@ void ServiceCardRequests(Tick& t) {
         for (int n = 0; n < 4; ++n) t.Poll.ClampActual[n] = t.Second.Sngl(t.Req.Clamps[n], -1);
         t.Talk.Download(card::AcknowledgeText(card::StatusNewClamps));
         t.Display.Plot.ToolChanged = true;
-        UpdateClampPanel(t);
-        UpdateMachineStatus(t);
+        UpdateClampPanel(t.P);
+        UpdateMachineStatus(t.P);
     }
     // Bit 262144: the reference offsets and the turret's.
     if (Bit(status, card::StatusNewReferenceOffsets)) {
@@ -293,9 +294,11 @@ void ServiceCardRequests(Tick& t) {
         for (int n = 0; n < 2; ++n) t.Poll.WorkOffset[n] = t.Second.Sngl(t.Req.Work[n], -1);
         t.Talk.Download(card::AcknowledgeText(card::StatusNewWorkOffsets));
         t.Display.Plot.ToolChanged = true;
-        UpdateMachineStatus(t);
+        UpdateMachineStatus(t.P);
     }
 }
+
+inline constexpr int MaxHitsWalkedPerTick = 10000;
 
 // Whether the skip rule leaves a hit out: path mode 1 under skip 1, path mode 2 under skip 2.
 bool Skipped(std::int16_t pathMode, std::int16_t skipFlags) {
@@ -327,7 +330,10 @@ void UpdateHitCounts(Tick& t) {
         DrawingFile hits;
         std::int32_t records = hits.Open(slot.ExpandedFilePath, true) ? hits.Count() : 0;
         EntityRec rec;
-        while (slot.HitBase + static_cast<std::int64_t>(slot.RunCount) < slot.RunHitFile) {
+        // A counter far ahead (a card answering garbage) is caught up over several ticks, so that
+        // no tick stalls; a machine punches far fewer hits between two ticks.
+        int walked = 0;
+        while (slot.HitBase + static_cast<std::int64_t>(slot.RunCount) < slot.RunHitFile && walked++ < MaxHitsWalkedPerTick) {
             std::int32_t next = slot.RunCount + 1;
             if (next > records) {
                 if (!t.Poll.HitFileShortReported[slotIndex])
@@ -491,13 +497,6 @@ void UpdatePlasmaPanel(Tick& t) {
 
 }  // namespace
 
-void ResetPollState(PollState& poll) {
-    poll.LastMessageNo = -1;
-    poll.LastLogicBits = -1;
-    poll.LastSlotShown = -1;
-    poll.LastRecordShown = -1;
-}
-
 std::string RunTimeText(float seconds) {
     double whole = std::trunc(std::fabs(static_cast<double>(seconds)));
     if (!(whole < 2147483647.0)) whole = 0;
@@ -521,9 +520,11 @@ void UpdateMessageList(Process& process, std::int32_t messageNo, std::int32_t lo
     auto add = [&](const std::string& text, std::string help) {
         list.Lines[list.LineCount++] = {" " + text, std::move(help)};
     };
-    // 4. The I/O message; a number beyond the table is not shown.
+    // 4. The I/O message; a number beyond the table is not shown, and said once.
     if (messageNo > 0 && messageNo < static_cast<std::int32_t>(tables.IOMessages.size()))
         add(std::string(Trim(tables.IOMessages[messageNo])), helpDir + "IO/" + LongText(messageNo) + ".hlp");
+    else if (messageNo >= static_cast<std::int32_t>(tables.IOMessages.size()) && messageNo != poll.LastMessageNo)
+        display.Notices.push_back("The card reports I/O message " + LongText(messageNo) + ": IO.msg holds 1 to 64");
     // 5. The logic messages, bit by bit, while lines are left.
     if (logicBits > 0)
         for (int bit = 0; bit <= 30 && list.LineCount < MessageListLines; ++bit)
@@ -573,7 +574,7 @@ void PollCycle(Process& process, ControllerPlatform& platform, CardLink* link) {
 void PollTick(Process& process, ControllerPlatform& platform, CardLink* link) {
     PollCycle(process, platform, link);
     CardState& card = process.Card;
-    if (card.PollTimerIntervalMs != card.PollIntervalMs) {
+    if (card.PollRunning && card.PollTimerIntervalMs != card.PollIntervalMs) {
         platform.SetPollTimer(false, 0);
         platform.SetPollTimer(true, card.PollIntervalMs);
         card.PollTimerIntervalMs = card.PollIntervalMs;

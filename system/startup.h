@@ -10,9 +10,9 @@
 #include "controller/controller_platform.h"
 #include "controller/conversation.h"
 #include "controller/display_model.h"
-#include "controller/poll_cycle.h"
+#include "system/poll_cycle.h"
 #include "core/config.h"
-#include "core/slots.h"
+#include "system/slots.h"
 #include "tooling/tooling.h"
 
 namespace kirvana {

@@ -1,4 +1,4 @@
-#include "core/slot_run_plan.h"
+#include "system/slot_run_plan.h"
 
 #include <fstream>
 #include <map>
@@ -6,7 +6,7 @@
 #include "analysis/drawing_file.h"
 #include "analysis/expand.h"
 #include "core/paths.h"
-#include "core/slots.h"
+#include "system/slots.h"
 #include "core/text.h"
 
 namespace kirvana {

@@ -1,4 +1,4 @@
-#include "core/startup.h"
+#include "system/startup.h"
 
 #include <filesystem>
 #include <sstream>
@@ -78,9 +78,13 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
         if (!OpenCard(platform, link)) return {StartOutcome::Kind::CardNotOpened, {}};
     }
     Conversation talk = Talk(process, platform, link);
-    // 8. The card's system files, as the directory lists them.
-    for (const std::string& name : ListDirectory(config.Dirs.DataDir, false)) {
-        if (name.size() > 4 && UpperCase(name.substr(name.size() - 4)) == ".PRM") talk.DownSystem(config.Dirs.DataDir, name);
+    // 8. The card's system files, as the directory lists them: one card operation with its deadline.
+    {
+        CardOperation operation(process.Card.CardInUse ? link : nullptr, config.Card.OperationDeadlineMs);
+        for (const std::string& name : ListDirectory(config.Dirs.DataDir, false)) {
+            if (name.size() > 4 && UpperCase(name.substr(name.size() - 4)) == ".PRM")
+                talk.DownSystem(config.Dirs.DataDir, name);
+        }
     }
     // 9. The axis scale factors: the leading number of each answer; 0 (also offline) is 1.
     for (int axis = 0; axis < 4; ++axis) {
@@ -97,7 +101,8 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
     // 12. The active slots: the first download of motion programs.
     LoadActiveSlots(process, platform, link);
     // 13. Control.cfg with the active slot now settled.
-    WriteControlConfig(config);
+    if (!WriteControlConfig(config))
+        return {StartOutcome::Kind::ConfigurationFault, ConfigFault{config.Dirs.RootDir + "Control.cfg", "cannot be written"}};
     // 14. The active slot to the card.
     talk.Download(card::Assignment(card::ActiveSlot, std::to_string(config.ActiveSlot)));
     // 15. Dialogue work program, serial settings, receiving files.
