@@ -139,3 +139,25 @@ TEST_F(PanelTest, ShutdownWithSaveAndNoWaitSendsSaveAndGoodbye) {
     EXPECT_NE(std::find(received.begin(), received.end(), "P1021=P1021-1"), received.end());
     EXPECT_NE(std::find(received.begin(), received.end(), "SAVE"), received.end());  // the card takes its commands in capitals
 }
+
+TEST_F(PanelTest, UserKeysSendTheirTextsToTheCard) {
+    CardSimulator sim;
+    ASSERT_TRUE(sim.Start(0));
+    CardAt(sim.Port());
+    Write("Data/Keypad.cfg", "Y, M, LIGHTS, M10=1, M10=0\nY, L, VACUUM, M11=1, M11=0\n******\n");
+    ASSERT_EQ(Start(), 0);
+    WhenModal([](QWidget* modal) {
+        QTest::mouseClick(ButtonOf(modal, "UserButton1"), Qt::LeftButton);  // press and release
+        QTest::keyClick(modal, Qt::Key_B);                                    // the latch in
+        ButtonOf(modal, "UserCheck2")->click();                               // and out again
+        ButtonOf(modal, "ExitButton")->click();
+    });
+    Key('K');
+    EXPECT_EQ(sim.Variable("M10"), 0);
+    EXPECT_EQ(sim.Variable("M11"), 0);
+    std::vector<std::string> received = sim.Received();
+    std::vector<std::string> keys;
+    for (const std::string& r : received)
+        if (r.rfind("M10=", 0) == 0 || r.rfind("M11=", 0) == 0) keys.push_back(r);
+    EXPECT_EQ(keys, (std::vector<std::string>{"M10=1", "M10=0", "M11=1", "M11=0"}));
+}
