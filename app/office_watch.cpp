@@ -84,7 +84,9 @@ int Watch(const Args& args) {
         seat.Tick();
         PrintTick(tick, process, shownMessages);
         std::fflush(stdout);
-        runSeen = runSeen || process.Running;
+        // A short run may start and end between two ticks: after a cycle start, hits counted
+        // by the card show that it ran.
+        runSeen = runSeen || process.Running || (start && process.Display.HitCount > 0);
         ended = untilIdle && runSeen && !process.Running;
     }
     seat.End();

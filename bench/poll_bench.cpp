@@ -13,29 +13,11 @@
 #include "controller/pmac_ethernet_link.h"
 #include "system/slot_run_plan.h"
 #include "system/startup.h"
+#include "tests/support/quiet_platform.h"
 
 using namespace kirvana;
 
 namespace {
-
-struct Quiet : StartupPlatform {
-    void ShowSplash(const std::string&, const std::string&) override {}
-    bool SplashDone() override { return true; }
-    void StopSplashTimer() override {}
-    void ProcessEvents() override {}
-    void ShowMessageBox(const std::string&, const std::string&) override {}
-    bool AskOperator(const std::string&) override { return false; }
-    void ShowWarning(const std::string&) override {}
-    void ShowFrontEnd() override {}
-    bool FrontEndVisible() override { return false; }
-    void UnloadFrontEnd() override {}
-    void SetFormsLocked(bool, const std::string&) override {}
-    void SetPollTimer(bool, int) override {}
-    void WaitForTick(int) override {}
-    void StartProgram(const std::string&) override {}
-    void PowerOff() override {}
-    void EndProcess() override {}
-};
 
 // The card link, counting its round trips.
 class CountingLink : public CardLink {
@@ -83,7 +65,7 @@ static void BM_PollTickRunning(benchmark::State& s) {
     }
     PmacEthernetLink ethernet(CardAddress{"127.0.0.1", sim.Port()}, 1000);
     CountingLink link(ethernet);
-    Quiet platform;
+    QuietPlatform platform;
     Process process;
     if (Main(process, platform, &link, StartupSteps{}).Result != StartOutcome::Kind::Started ||
         !SelectProgram(process, platform, &link, "Dorvenis", "GRID03").Selected) {

@@ -101,7 +101,7 @@ void BM_ReversePass(benchmark::State& state) {
     }
     // Blocks read: the main text and every repetition of the subroutine, as the pass counts them.
     const std::int64_t blocks = result.Blocks;
-    state.counters["blocks/s"] = benchmark::Counter(static_cast<double>(blocks) * state.iterations(),
+    state.counters["blocks/s"] = benchmark::Counter(static_cast<double>(blocks) * static_cast<double>(state.iterations()),
                                                     benchmark::Counter::kIsRate);
     state.counters["blocks"] = static_cast<double>(blocks);
     state.counters["records"] = result.Records;
@@ -123,7 +123,7 @@ void BM_ExpandReverseDrawing(benchmark::State& state) {
         result = ExpandDrawing(dir + "Bench.");
         benchmark::DoNotOptimize(result.Records);
     }
-    state.counters["hits/s"] = benchmark::Counter(static_cast<double>(result.Records - 1) * state.iterations(),
+    state.counters["hits/s"] = benchmark::Counter(static_cast<double>(result.Records - 1) * static_cast<double>(state.iterations()),
                                                   benchmark::Counter::kIsRate);
 }
 BENCHMARK(BM_ExpandReverseDrawing)->Unit(benchmark::kMillisecond);

@@ -11,33 +11,15 @@
 #include <string>
 
 #include "system/startup.h"
+#include "tests/support/quiet_platform.h"
 
 using namespace kirvana;
 
 namespace {
 
-struct Quiet : StartupPlatform {
-    void ShowSplash(const std::string&, const std::string&) override {}
-    bool SplashDone() override { return true; }
-    void StopSplashTimer() override {}
-    void ProcessEvents() override {}
-    void ShowMessageBox(const std::string&, const std::string&) override {}
-    bool AskOperator(const std::string&) override { return false; }
-    void ShowWarning(const std::string&) override {}
-    void ShowFrontEnd() override {}
-    bool FrontEndVisible() override { return false; }
-    void UnloadFrontEnd() override {}
-    void SetFormsLocked(bool, const std::string&) override {}
-    void SetPollTimer(bool, int) override {}
-    void WaitForTick(int) override {}
-    void StartProgram(const std::string&) override {}
-    void PowerOff() override {}
-    void EndProcess() override {}
-};
-
 // A demo installation in a temp folder, started in office mode, with a generated program.
 struct Installation {
-    Quiet platform;
+    QuietPlatform platform;
     Process process;
     explicit Installation(int blocks) {
         namespace fs = std::filesystem;

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "core/file_writer.h"
 #include "core/number.h"
 #include "core/text.h"
 
@@ -154,8 +155,8 @@ void Conversation::RollPollingLog() {
     const std::string log = serviceDir_ + "Polling.txt";
     auto size = fs::file_size(log, error);
     if (error || static_cast<long long>(size) < PollingLogLimit) return;
-    fs::copy_file(log, serviceDir_ + "Polling.bak", fs::copy_options::overwrite_existing, error);
-    fs::remove(log, error);
+    // The log takes the place of an older Polling.bak in one step; it is never lost on the way.
+    (void)MoveFileOver(log, serviceDir_ + "Polling.bak");
 }
 
 void Conversation::LogExchange(std::string_view name, std::string_view query, std::string_view response, bool status) {

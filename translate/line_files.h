@@ -16,6 +16,8 @@ public:
     LineReader& operator=(const LineReader&) = delete;
 
     bool IsOpen() const { return file_ != nullptr; }
+    // True when a read failed (an I/O error): the lines handed out stop short of the file's end.
+    bool Failed() const { return file_ != nullptr && std::ferror(file_) != 0; }
     // The next line without its line end; false at the end of the file. The view is valid
     // until the next call.
     bool Next(std::string_view& line);

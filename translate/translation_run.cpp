@@ -37,6 +37,7 @@ bool TranslationRun::Detect(std::int16_t& dialect) {
     DialectDetector detector;
     std::string_view line;
     while (!detector.Found() && in.Next(line)) detector.Line(line);
+    if (in.Failed()) return Fail(ConvertStatus::FileFault, org);
     dialect = detector.Dialect();
     return true;
 }
@@ -74,6 +75,7 @@ void TranslationRun::SplitPlainLine(SplitFiles& files, std::string_view line) {
             std::string_view trimmed = Trim(gsbLine);
             if (!trimmed.empty()) files.A2.Write(trimmed);
         }
+        if (gsb.Failed()) ReadFault = path;
     }
 }
 
@@ -105,6 +107,8 @@ bool TranslationRun::Split(bool bracket) {
         else SplitPlainLine(files, Trim(raw));
         NoteOverflow("org", lineNumber);
     }
+    if (in.Failed()) return Fail(ConvertStatus::FileFault, org);
+    if (!ReadFault.empty()) return Fail(ConvertStatus::FileFault, ReadFault);
     if (bracket && files.Count >= 1 && files.ToA2) files.A2.Write("(ENDSUB)");
     files.Sbs.Write(EndMarker);
     for (FileWriter* out : {&files.A1, &files.A2, &files.Sbs})
@@ -123,6 +127,7 @@ bool TranslationRun::ReadTable(SubroutineTable& table) {
         text.append(line);
         text += '\n';
     }
+    if (in.Failed()) return Fail(ConvertStatus::FileFault, sbs);
     table.Read(text);
     return true;
 }
@@ -140,6 +145,7 @@ bool TranslationRun::CopyLines(const std::string& from, const std::string& to, b
         if (callFix) ReplaceFirst(text, "G68", "G69");
         out.Write(text);
     }
+    if (in.Failed()) return Fail(ConvertStatus::FileFault, from);
     if (!out.Close()) return Fail(ConvertStatus::FileFault, to);
     return true;
 }

@@ -19,6 +19,7 @@ struct TranslationRun {
     const ConvertSettings& Settings;
     ConvertState State;
     ConvertResult Result;
+    std::string ReadFault;  // a ".GSB" file whose reading failed
 
     explicit TranslationRun(const ConvertSettings& settings) : Settings(settings) {}
 
@@ -71,6 +72,7 @@ struct TranslationRun {
             out.Write(block(State, context, line));
             NoteOverflow(from, lineNumber);
         }
+        if (in.Failed()) return Fail(ConvertStatus::FileFault, source);
         if (!out.Close()) return Fail(ConvertStatus::FileFault, File(to));
         return true;
     }

@@ -91,7 +91,7 @@ TEST(ToolOutlineEdge, PunchClearBoxFollowsTheHalfWidthJump) {
 }
 
 TEST(ToolOutlineEdge, DiameterToolHasAngleZeroInAnyEntity) {
-    for (std::int16_t kind : {100, 110, 120, 130, 151, 210, 220, 225, 230, 311, 321, 350, 355, 360, 500, 0}) {
+    for (std::int16_t kind : std::initializer_list<std::int16_t>{100, 110, 120, 130, 151, 210, 220, 225, 230, 311, 321, 350, 355, 360, 500, 0}) {
         SCOPED_TRACE(kind);
         EntityRec rec = Record(kind);
         rec.Tool = Tool('A', 10);

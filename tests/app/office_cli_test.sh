@@ -143,14 +143,14 @@ wait "$simpid"
 cp -r "$demo" "$work/watch"
 printf 'Card in use: TRUE\nPoll log: FALSE\n******\n' > "$work/watch/Control.cnc"
 mkfifo "$work/watchin"
-"$cardsim" --port 0 --root "$work/watch" --speed 1000 < "$work/watchin" > "$work/watchout" 2>&1 &
+"$cardsim" --port 0 --root "$work/watch" --speed 100 < "$work/watchin" > "$work/watchout" 2>&1 &
 watchpid=$!
 exec 8> "$work/watchin"
 for _ in $(seq 50); do grep -q listening "$work/watchout" && break; sleep 0.1; done
 port="$(sed -n 's/.*127.0.0.1:\([0-9]*\).*/\1/p' "$work/watchout" | head -1)"
 printf 'Save: N\nWait: 0\nPoll: 50\nDelay: 50\nCard address: 127.0.0.1:%s\n******\n' "$port" > "$work/watch/PMAC.cfg"
 check_code watch-select 0 "$office" select --root "$work/watch" --dir Dorvenis --program PLATE01
-"$office" watch --root "$work/watch" --start --until-idle --interval 5 > "$work/watched" 2>&1
+"$office" watch --root "$work/watch" --start --until-idle --interval 5 --ticks 2000 > "$work/watched" 2>&1
 check watch-code 0 echo $?
 check watch-end "| at rest | P1 record 12: X350 Y250 | hits: 5 | feed 100" sh -c "tail -1 '$work/watched' | sed 's/.*C [0-9.]* //'"
 check watch-ran "running, in cycle" sh -c "grep -o 'running, in cycle' '$work/watched' | head -1"

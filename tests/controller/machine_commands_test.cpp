@@ -8,30 +8,11 @@
 #include "system/startup.h"
 #include "tests/controller/poll_card.h"
 #include "tests/core/temp_dir.h"
+#include "tests/support/quiet_platform.h"
 
 using namespace kirvana;
 
 namespace {
-
-struct QuietPlatform : StartupPlatform {
-    void ShowSplash(const std::string&, const std::string&) override {}
-    bool SplashDone() override { return true; }
-    void StopSplashTimer() override {}
-    void ProcessEvents() override {}
-    void ShowMessageBox(const std::string&, const std::string&) override {}
-    bool AskOperator(const std::string&) override { return false; }
-    std::vector<std::string> Warnings;
-    void ShowWarning(const std::string& text) override { Warnings.push_back(text); }
-    void ShowFrontEnd() override {}
-    bool FrontEndVisible() override { return false; }
-    void UnloadFrontEnd() override {}
-    void SetFormsLocked(bool, const std::string&) override {}
-    void SetPollTimer(bool, int) override {}
-    void WaitForTick(int) override {}
-    void StartProgram(const std::string&) override {}
-    void PowerOff() override {}
-    void EndProcess() override {}
-};
 
 const std::string RunningOrFeedhold = "\n\nWhile Machine Is Running Or In Feedhold !";
 

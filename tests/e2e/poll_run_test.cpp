@@ -14,29 +14,11 @@
 #include "system/startup.h"
 #include "core/text.h"
 #include "tests/core/temp_dir.h"
+#include "tests/support/quiet_platform.h"
 
 using namespace kirvana;
 
 namespace {
-
-struct QuietPlatform : StartupPlatform {
-    void ShowSplash(const std::string&, const std::string&) override {}
-    bool SplashDone() override { return true; }
-    void StopSplashTimer() override {}
-    void ProcessEvents() override {}
-    void ShowMessageBox(const std::string&, const std::string&) override {}
-    bool AskOperator(const std::string&) override { return false; }
-    void ShowWarning(const std::string&) override {}
-    void ShowFrontEnd() override {}
-    bool FrontEndVisible() override { return false; }
-    void UnloadFrontEnd() override {}
-    void SetFormsLocked(bool, const std::string&) override {}
-    void SetPollTimer(bool, int) override {}
-    void WaitForTick(int) override {}
-    void StartProgram(const std::string&) override {}
-    void PowerOff() override {}
-    void EndProcess() override {}
-};
 
 // The `.RA` record of line `line` of a converted file: its count of non-empty lines.
 std::int32_t RecordOfLine(const std::string& file, int line) {

@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (bool inches : {false, true}) {
         ToolRecord tool;
         ParseToolText(text, tool, inches);
-        for (std::int16_t station : {1, 20}) {
+        for (std::int16_t station : std::initializer_list<std::int16_t>{1, 20}) {
             tool.Station = station;
             std::string description = DescribeTool(tool, inches);
             ToolRecord again;

@@ -39,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     dirs.SettingsDir = root + "Settings/";
     dirs.ServiceDir = root + "Service/";
     MachineData machine;
-    machine.MachineType = static_cast<std::int16_t>(pick & 0x0F) + ((pick & 0x10) ? 10 : 0);
+    machine.MachineType = static_cast<std::int16_t>((pick & 0x0F) + ((pick & 0x10) ? 10 : 0));
     machine.HasTurret = machine.MachineType >= 10;
     machine.ProfilerKind = static_cast<std::int16_t>(machine.MachineType % 10);
     machine.StationCount = static_cast<std::int16_t>((pick >> 5) * 5 - 2);  // -2 to 33

@@ -299,7 +299,7 @@ TEST(ToolRoundTrip, EveryShapeInMillimetres) {
     for (const auto& text : MillimetreTools) {
         ToolRecord first = Parse(text);
         ASSERT_TRUE(first.IsValid()) << text;
-        for (std::int16_t station : {1, 20}) {
+        for (std::int16_t station : std::initializer_list<std::int16_t>{1, 20}) {
             first.Station = station;
             std::string description = DescribeTool(first, false);
             ToolRecord again = Parse(description);

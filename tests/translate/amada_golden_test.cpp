@@ -59,7 +59,7 @@ TEST_P(AmadaGolden, ExpectedFiles) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Corpus, AmadaGolden, testing::ValuesIn(CaseFolders(KIRVANA_AMADA_DATA)),
-                         [](const testing::TestParamInfo<fs::path>& info) { return info.param.filename().string(); });
+                         [](const testing::TestParamInfo<fs::path>& test) { return test.param.filename().string(); });
 
 }  // namespace
 }  // namespace kirvana

@@ -62,4 +62,4 @@ INSTANTIATE_TEST_SUITE_P(Corpus, BlendGolden,
                                            Golden{"conv_d1_subroutines", "D1_SUBROUTINES", 0},
                                            Golden{"conv_d0_inch_nibble", "D0_INCH_NIBBLE", 0},
                                            Golden{"conv_d1_errors", "D1_ERRORS", 0}),
-                         [](const auto& info) { return std::string(info.param.Name); });
+                         [](const auto& test) { return std::string(test.param.Name); });

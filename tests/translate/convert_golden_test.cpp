@@ -52,7 +52,7 @@ TEST_P(ConvertGolden, ExpectedFiles) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Corpus, ConvertGolden, testing::ValuesIn(CaseFolders(KIRVANA_CONVERT_DATA)),
-                         [](const testing::TestParamInfo<fs::path>& info) { return info.param.filename().string(); });
+                         [](const testing::TestParamInfo<fs::path>& test) { return test.param.filename().string(); });
 
 }  // namespace
 }  // namespace kirvana

@@ -1,4 +1,6 @@
 // The block pass on sequences of blocks, and whole runs of ConvertProgram on files.
+#include <filesystem>
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -404,6 +406,20 @@ TEST(ConvertProgram, CrlfInputLfOutput) {
     program.Run("G90\r\nX1\r\n");
     EXPECT_EQ(program.File("A1"), "G90\nX1\n");
     EXPECT_EQ(program.File("M1"), "N0001 G90\nN0002 G81 X1\n");
+}
+
+TEST(ConvertProgram, AReadErrorIsAFileFaultNamingTheFile) {
+    // Reads of /proc/self/mem at its start fail with an I/O error, as a failing disk does.
+    Program program;
+    std::filesystem::create_symlink("/proc/self/mem", program.Dir.Path() + "prog.org");
+    ConvertResult result = ConvertProgram(program.Dir.Path() + "prog.", program.Dialect, program.Settings);
+    EXPECT_EQ(result.Status, ConvertStatus::FileFault);
+    EXPECT_EQ(result.Fault, program.Dir.Path() + "prog.org");
+    Program withGsb;
+    std::filesystem::create_symlink("/proc/self/mem", withGsb.Dir.Path() + "HOLES.GSB");
+    result = withGsb.Run("! a call\n(GSUB,HOLES)\nM30\n");
+    EXPECT_EQ(result.Status, ConvertStatus::FileFault);
+    EXPECT_EQ(result.Fault, withGsb.Dir.Path() + "HOLES.GSB");
 }
 
 TEST(ConvertProgram, GsbFilesAreCopiedForEachCall) {
