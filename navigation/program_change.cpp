@@ -16,7 +16,10 @@ Refusal ChangeProgram(Process& process, StartupPlatform& platform, CardLink* lin
     Conversation talk(link, process.Card, process.Config.Dirs.ServiceDir, &platform);
     talk.StopPollTimer(false);
     const SlotRecord& record = process.Slots[slot - 1];
-    if (record.Present && !record.ProgramDirName.empty()) SetProgramDir(process.Config, record.ProgramDirName);
+    // SetProgramDir writes Control.cfg; ChangeActiveSlot writes it again with the slot, and says so
+    // when it can't.
+    if (record.Present && !record.ProgramDirName.empty())
+        static_cast<void>(SetProgramDir(process.Config, record.ProgramDirName));
     // 3, 4. Active slot, Control.cfg and the slot's blocks to the card.
     Refusal refusal = ChangeActiveSlot(process, platform, link, slot);
     if (refusal) platform.ShowWarning(*refusal + "\n\n\n");

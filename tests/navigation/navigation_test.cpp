@@ -25,7 +25,7 @@ MachineData NoTurret(int profilerKind) {
 }  // namespace
 
 namespace kirvana {
-void PrintTo(const KeyResult& r, std::ostream* os) {
+inline void PrintTo(const KeyResult& r, std::ostream* os) {
     *os << "{action " << static_cast<int>(r.Action) << ", form \"" << r.Form << "\", index " << r.Index << "}";
 }
 }  // namespace kirvana
