@@ -26,22 +26,30 @@ bool Parse(int argc, char** argv, Arguments& args) {
     for (int i = 1; i < argc; ++i) {
         std::string a = argv[i];
         bool hasValue = i + 1 < argc;
-        if (a == "--kiosk") args.Kiosk = true;
-        else if (a == "--power-off") args.PowerOff = true;
-        else if (a == "--screenshot" && hasValue) args.Screenshot = argv[++i];
-        else if (a == "--form" && hasValue) args.Form = argv[++i];
+        if (a == "--kiosk")
+            args.Kiosk = true;
+        else if (a == "--power-off")
+            args.PowerOff = true;
+        else if (a == "--screenshot" && hasValue)
+            args.Screenshot = argv[++i];
+        else if (a == "--form" && hasValue)
+            args.Form = argv[++i];
         else if (a == "--after" && hasValue) {
             char* end = nullptr;
             long ms = std::strtol(argv[++i], &end, 10);
             if (*end != '\0' || ms < 0 || ms > 3600000) return false;
             args.AfterMs = static_cast<int>(ms);
-        } else return false;
+        } else
+            return false;
     }
     return args.Form.empty() || !args.Screenshot.empty();
 }
 
 bool HasDisplay() {
-    auto set = [](const char* name) { const char* v = std::getenv(name); return v && *v; };
+    auto set = [](const char* name) {
+        const char* v = std::getenv(name);
+        return v && *v;
+    };
     return set("QT_QPA_PLATFORM") || set("DISPLAY") || set("WAYLAND_DISPLAY");
 }
 
@@ -55,8 +63,9 @@ int main(int argc, char** argv) {
     }
     if (!args.Screenshot.empty() && !HasDisplay()) setenv("QT_QPA_PLATFORM", "offscreen", 1);
     if (!HasDisplay()) {
-        std::fprintf(stderr, "kirvana: no display to open the panel on: run it under X or Wayland, or `xvfb-run ./run`, "
-                             "or with QT_QPA_PLATFORM=linuxfb on a panel PC without X\n");
+        std::fprintf(stderr,
+                     "kirvana: no display to open the panel on: run it under X or Wayland, or `xvfb-run ./run`, "
+                     "or with QT_QPA_PLATFORM=linuxfb on a panel PC without X\n");
         return 1;
     }
     QApplication app(argc, argv);
@@ -72,8 +81,10 @@ int main(int argc, char** argv) {
         auto save = [&panel, &args] {
             QImage image = kirvana::CapturePanel(panel);
             bool saved = !image.isNull() && image.save(QString::fromStdString(args.Screenshot), "PNG");
-            if (!saved) std::fprintf(stderr, "kirvana: cannot write the screenshot %s\n", args.Screenshot.c_str());
-            else std::printf("screenshot: %s\n", args.Screenshot.c_str());
+            if (!saved)
+                std::fprintf(stderr, "kirvana: cannot write the screenshot %s\n", args.Screenshot.c_str());
+            else
+                std::printf("screenshot: %s\n", args.Screenshot.c_str());
             QCoreApplication::exit(saved ? 0 : 1);
         };
         QTimer::singleShot(args.AfterMs, &app, [&app, &panel, &args, save] {

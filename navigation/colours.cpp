@@ -18,20 +18,53 @@ struct ColourDefault {
 };
 
 constexpr std::array<ColourDefault, ColourCount> Defaults{{
-    {"Plot Background", 4194304}, {"Punching Zones", 49152}, {"Clamps", 4144959}, {"Reposition Pads", 65535},
-    {"Sheet Boundry", 4144959}, {"Sheet Fill", 8421504}, {"Datum Marker", 4144959}, {"Block Skip 1", 16777215},
-    {"Block Skip 2", 16777215}, {"Background Punching", 16777215}, {"Background Profiling G40", 16776960},
-    {"Background Profiling G41", 65280}, {"Background Profiling G42", 16711935}, {"Punch Mode Movement Icon", 255},
-    {"Punch Mode Real Time Punching", 4194304}, {"Punch Mode Real Time Movement", 0},
-    {"Profile Mode Movement Icon", 255}, {"Profile Mode Real Time Profiling", 65535},
-    {"Profile Mode Real Time Movement", 0}, {"Highlighted Drawing", 255}, {"Plot Cursor", 255},
-    {"Header Background", 13090456}, {"Header Text", 0}, {"Panel Background", 13090456}, {"Panel Text", 0},
-    {"Bold Panel Text", 255}, {"General Buttons", 12615680}, {"General Button Text", 0}, {"Reference Buttons", 49152},
-    {"Reference Button Text", 0}, {"Ok Message Button", 49152}, {"Ok Message Button Text", 0},
-    {"Warning Message Button", 65535}, {"Warning Message Button Text", 0}, {"Critical Message Button", 255},
-    {"Critical Message Button Text", 0}, {"Main Keys", 16776960}, {"Main Key Text", 0}, {"Sub Keys", 16758820},
-    {"Sub Key Text", 0}, {"Text Background", 4194304}, {"Text", 65535}, {"XY Background", 4194304},
-    {"XY Headers", 49152}, {"XY Position", 65535}, {"Status Background", 4194304}, {"Status Position Text", 49152},
+    {"Plot Background", 4194304},
+    {"Punching Zones", 49152},
+    {"Clamps", 4144959},
+    {"Reposition Pads", 65535},
+    {"Sheet Boundry", 4144959},
+    {"Sheet Fill", 8421504},
+    {"Datum Marker", 4144959},
+    {"Block Skip 1", 16777215},
+    {"Block Skip 2", 16777215},
+    {"Background Punching", 16777215},
+    {"Background Profiling G40", 16776960},
+    {"Background Profiling G41", 65280},
+    {"Background Profiling G42", 16711935},
+    {"Punch Mode Movement Icon", 255},
+    {"Punch Mode Real Time Punching", 4194304},
+    {"Punch Mode Real Time Movement", 0},
+    {"Profile Mode Movement Icon", 255},
+    {"Profile Mode Real Time Profiling", 65535},
+    {"Profile Mode Real Time Movement", 0},
+    {"Highlighted Drawing", 255},
+    {"Plot Cursor", 255},
+    {"Header Background", 13090456},
+    {"Header Text", 0},
+    {"Panel Background", 13090456},
+    {"Panel Text", 0},
+    {"Bold Panel Text", 255},
+    {"General Buttons", 12615680},
+    {"General Button Text", 0},
+    {"Reference Buttons", 49152},
+    {"Reference Button Text", 0},
+    {"Ok Message Button", 49152},
+    {"Ok Message Button Text", 0},
+    {"Warning Message Button", 65535},
+    {"Warning Message Button Text", 0},
+    {"Critical Message Button", 255},
+    {"Critical Message Button Text", 0},
+    {"Main Keys", 16776960},
+    {"Main Key Text", 0},
+    {"Sub Keys", 16758820},
+    {"Sub Key Text", 0},
+    {"Text Background", 4194304},
+    {"Text", 65535},
+    {"XY Background", 4194304},
+    {"XY Headers", 49152},
+    {"XY Position", 65535},
+    {"Status Background", 4194304},
+    {"Status Position Text", 49152},
     {"Status Feed Text", 65535},
 }};
 
@@ -97,7 +130,8 @@ ColourPair StatusBoxColours(const ColourTable& colours, StatusColours state) {
             return {colours[ColourItem::CriticalMessageButton], colours[ColourItem::CriticalMessageButtonText]};
         case StatusColours::MessagesWaiting:
             return {colours[ColourItem::WarningMessageButton], colours[ColourItem::WarningMessageButtonText]};
-        default: return {colours[ColourItem::StatusBackground], colours[ColourItem::StatusPositionText]};
+        default:
+            return {colours[ColourItem::StatusBackground], colours[ColourItem::StatusPositionText]};
     }
 }
 

@@ -35,7 +35,8 @@ std::vector<std::string> Fields(const std::vector<std::string>& lines) {
 
 bool FlagValue(const std::string& field) {
     std::string upper = UpperCase(field);
-    return upper.find('Y') != std::string::npos || upper == "TRUE" || upper == "#TRUE#" || upper == "-1" || upper == "1";
+    return upper.find('Y') != std::string::npos || upper == "TRUE" || upper == "#TRUE#" || upper == "-1" ||
+           upper == "1";
 }
 
 }  // namespace

@@ -13,15 +13,15 @@ inline constexpr int UserKeyCount = 16;
 
 struct UserKey {
     bool Valid = false;
-    bool Latching = false;    // a check that stays on (UserCheck); else a momentary button
-    std::string Caption;      // at most 12 characters
-    std::string OnText;       // sent when pressed or checked
-    std::string OffText;      // sent when released or unchecked
+    bool Latching = false;  // a check that stays on (UserCheck); else a momentary button
+    std::string Caption;    // at most 12 characters
+    std::string OnText;     // sent when pressed or checked
+    std::string OffText;    // sent when released or unchecked
 };
 
 struct KeypadConfig {
-    std::vector<UserKey> Keys;   // in the file's order, at most 16
-    std::string Note;            // what the operator is told when the file is missing or damaged
+    std::vector<UserKey> Keys;  // in the file's order, at most 16
+    std::string Note;           // what the operator is told when the file is missing or damaged
 };
 
 KeypadConfig ReadKeypadConfig(const std::string& dataDir);

@@ -4,8 +4,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "system/startup.h"
 #include "core/text.h"
+#include "system/startup.h"
 
 namespace kirvana {
 

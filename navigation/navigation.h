@@ -21,29 +21,29 @@ inline constexpr int Minus = 189, Subtract = 109;
 
 // The navigation state of the panel.
 struct Navigation {
-    std::string CurrentForm;     // the form last opened from FrontEnd
-    std::int16_t ViewMode = 0;   // 0 normal; 1, 2 zoom corners; 4 pan; 5 to 8 path keys
-    bool GraphicsOn = false;     // the graphics or path buttons stand before the main buttons
-    bool DialogueOn = false;     // the dialogue panel is showing
-    bool LimitsOn = false;       // the punching zones and pads are shown
+    std::string CurrentForm;    // the form last opened from FrontEnd
+    std::int16_t ViewMode = 0;  // 0 normal; 1, 2 zoom corners; 4 pan; 5 to 8 path keys
+    bool GraphicsOn = false;    // the graphics or path buttons stand before the main buttons
+    bool DialogueOn = false;    // the dialogue panel is showing
+    bool LimitsOn = false;      // the punching zones and pads are shown
 };
 
 // What a key asks the screens to do.
 enum class KeyAction {
-    None,            // not in force here: ignored without sound
-    Beep,            // F2 on a machine that has nothing for it
-    ShowForm,        // open `Form`
-    ShowModal,       // open `Form` modally
+    None,       // not in force here: ignored without sound
+    Beep,       // F2 on a machine that has nothing for it
+    ShowForm,   // open `Form`
+    ShowModal,  // open `Form` modally
     EnterDialogue,
     LeaveDialogue,
-    GraphicsChanged, // the graphics panel came or went
-    GraphicsButton,  // `Index` 1 redraw, 2 zoom in, 3 zoom out, 4 pan
+    GraphicsChanged,  // the graphics panel came or went
+    GraphicsButton,   // `Index` 1 redraw, 2 zoom in, 3 zoom out, 4 pan
     ToggleLimits,
-    CursorKey,       // `Index` 1 left, 2 right, 3 up, 4 down, 6 select
+    CursorKey,  // `Index` 1 left, 2 right, 3 up, 4 down, 6 select
     CursorCancel,
-    PathKey,         // `Index` 1 first, 2 previous, 3 next, 4 last, 5 split, 6 select
+    PathKey,  // `Index` 1 first, 2 previous, 3 next, 4 last, 5 split, 6 select
     PathCancel,
-    ChangeProgram,   // `Index` the slot
+    ChangeProgram,  // `Index` the slot
 };
 
 struct KeyResult {
@@ -54,8 +54,8 @@ struct KeyResult {
 };
 
 // The dispatcher every form hands the keys it doesn't use. `key` is a key code as the keyboard
-// gives it: a letter is its capital, F1 is 112 (so a lower-case letter is no key here). Updates the navigation state as the key says (CurrentForm,
-// GraphicsOn, ViewMode, DialogueOn) and gives what the screens must do.
+// gives it: a letter is its capital, F1 is 112 (so a lower-case letter is no key here). Updates the navigation state as
+// the key says (CurrentForm, GraphicsOn, ViewMode, DialogueOn) and gives what the screens must do.
 KeyResult MainKey(Navigation& nav, const MachineData& machine, bool formsLocked, int key);
 
 // The graphics panel's buttons (1 redraw, 2 zoom in, 3 zoom out, 4 pan): sets the view mode

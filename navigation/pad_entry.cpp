@@ -10,13 +10,16 @@ PadEntry::PadEntry(std::string text, int mode, bool keyboard)
 
 bool PadEntry::Key(int code, Beeper& beeper) {
     if (code == 8) {
-        if (allSelected_) Clear();
-        else DeleteOne();
+        if (allSelected_)
+            Clear();
+        else
+            DeleteOne();
         return true;
     }
     // The keyboard filters nothing but the length, and only with a positive mode.
-    bool accepted = keyboard_ && mode_ <= 0 ? code > 0 && code < 256
-                                            : FilterKey(code, mode_, text_, allSelected_ && !text_.empty(), beeper) != 0;
+    bool accepted = keyboard_ && mode_ <= 0
+                        ? code > 0 && code < 256
+                        : FilterKey(code, mode_, text_, allSelected_ && !text_.empty(), beeper) != 0;
     if (!accepted) return false;
     if (allSelected_) {
         text_.clear();

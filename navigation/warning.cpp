@@ -6,17 +6,23 @@ namespace kirvana {
 
 std::vector<std::string> WarningCaptions(WarningKind kind) {
     switch (kind) {
-        case WarningKind::Question: return {"&YES", "&NO"};
-        case WarningKind::QuestionWithCancel: return {"&YES", "&NO", "&CANCEL"};
-        default: return {"&OK"};
+        case WarningKind::Question:
+            return {"&YES", "&NO"};
+        case WarningKind::QuestionWithCancel:
+            return {"&YES", "&NO", "&CANCEL"};
+        default:
+            return {"&OK"};
     }
 }
 
 WarningImage ImageOfKind(WarningKind kind) {
     switch (kind) {
-        case WarningKind::Question: return WarningImage::Question;
-        case WarningKind::QuestionWithCancel: return WarningImage::Warning;
-        default: return WarningImage::Information;
+        case WarningKind::Question:
+            return WarningImage::Question;
+        case WarningKind::QuestionWithCancel:
+            return WarningImage::Warning;
+        default:
+            return WarningImage::Information;
     }
 }
 

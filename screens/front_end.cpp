@@ -1,14 +1,14 @@
 #include "screens/front_end.h"
 
+#include <QCloseEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QCloseEvent>
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
-#include "system/slots.h"
 #include "screens/panel.h"
 #include "screens/panel_style.h"
+#include "system/slots.h"
 
 namespace kirvana {
 
@@ -87,7 +87,9 @@ QWidget* FrontEnd::BuildButtonColumn() {
     limitsButton_->setCheckable(true);
     limitsButton_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     layout->addWidget(limitsButton_);
-    connect(limitsButton_, &QPushButton::clicked, this, [this] { panel_.DoKeyAction(MainKey(panel_.Nav(), panel_.State().Config.Machine, panel_.State().Card.FormsLocked, 'L')); });
+    connect(limitsButton_, &QPushButton::clicked, this, [this] {
+        panel_.DoKeyAction(MainKey(panel_.Nav(), panel_.State().Config.Machine, panel_.State().Card.FormsLocked, 'L'));
+    });
     const std::array<const char*, 4> graphics = {"&REDRAW", "&ZOOM IN", "ZOOM &OUT", "&PAN"};
     for (int i = 0; i < 4; ++i) {
         graphicsButtons_[i] = MakeButton(graphics[i], graphicsPanel_);
@@ -100,7 +102,9 @@ QWidget* FrontEnd::BuildButtonColumn() {
     graphicsExit_->setObjectName("GraphicsExitButton");
     graphicsExit_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     layout->addWidget(graphicsExit_);
-    connect(graphicsExit_, &QPushButton::clicked, this, [this] { panel_.DoKeyAction(MainKey(panel_.Nav(), panel_.State().Config.Machine, panel_.State().Card.FormsLocked, 'X')); });
+    connect(graphicsExit_, &QPushButton::clicked, this, [this] {
+        panel_.DoKeyAction(MainKey(panel_.Nav(), panel_.State().Config.Machine, panel_.State().Card.FormsLocked, 'X'));
+    });
     column_->addWidget(graphicsPanel_);
 
     pathPanel_ = Column(column_, layout);
@@ -127,7 +131,9 @@ QWidget* FrontEnd::BuildButtonColumn() {
     exitDialogue_ = MakeButton("E&XIT", dialoguePanel_);
     exitDialogue_->setObjectName("ExitDialogueButton");
     layout->addWidget(exitDialogue_);
-    connect(exitDialogue_, &QPushButton::clicked, this, [this] { panel_.DoKeyAction(MainKey(panel_.Nav(), panel_.State().Config.Machine, panel_.State().Card.FormsLocked, 'X')); });
+    connect(exitDialogue_, &QPushButton::clicked, this, [this] {
+        panel_.DoKeyAction(MainKey(panel_.Nav(), panel_.State().Config.Machine, panel_.State().Card.FormsLocked, 'X'));
+    });
     column_->addWidget(dialoguePanel_);
     return column_;
 }
@@ -222,10 +228,14 @@ void FrontEnd::ShowNavigation() {
         programButtons_[slot - 1]->setChecked(process.Config.ActiveSlot == slot);
     }
     // The column: dialogue, path or cursor keys, graphics, or the main buttons.
-    if (nav.DialogueOn) column_->setCurrentWidget(dialoguePanel_);
-    else if (nav.GraphicsOn && nav.ViewMode != 0) column_->setCurrentWidget(pathPanel_);
-    else if (nav.GraphicsOn) column_->setCurrentWidget(graphicsPanel_);
-    else column_->setCurrentWidget(mainPanel_);
+    if (nav.DialogueOn)
+        column_->setCurrentWidget(dialoguePanel_);
+    else if (nav.GraphicsOn && nav.ViewMode != 0)
+        column_->setCurrentWidget(pathPanel_);
+    else if (nav.GraphicsOn)
+        column_->setCurrentWidget(graphicsPanel_);
+    else
+        column_->setCurrentWidget(mainPanel_);
     header_->setVisible(!nav.DialogueOn);
     shutdownButton_->setVisible(!nav.DialogueOn);
     limitsButton_->setChecked(nav.LimitsOn);
@@ -257,12 +267,16 @@ void FrontEnd::ShowModel() {
         shownColours_ = colours;
         const ColourTable& c = panel_.Colours();
         ColourPair pair = StatusBoxColours(c, model.FrontEnd.Colours);
-        QString text = ToQColor(model.FrontEnd.Colours == StatusColours::Normal ? c[ColourItem::XYPosition] : pair.Text).name();
-        positionBox_->setStyleSheet(QString("QFrame#PositionBox { background: %1; border: 2px solid #000000; }"
-                                            " QLabel { color: %2; font-size: 24px; font-weight: bold; font-family: 'DejaVu Sans Mono'; }")
-                                        .arg(ToQColor(pair.Background).name(), text));
-        QString header = QString("color: %1; font-size: 15px; font-weight: bold; background: transparent;")
-                             .arg(model.FrontEnd.Colours == StatusColours::Normal ? ToQColor(c[ColourItem::XYHeaders]).name() : text);
+        QString text =
+            ToQColor(model.FrontEnd.Colours == StatusColours::Normal ? c[ColourItem::XYPosition] : pair.Text).name();
+        positionBox_->setStyleSheet(
+            QString("QFrame#PositionBox { background: %1; border: 2px solid #000000; }"
+                    " QLabel { color: %2; font-size: 24px; font-weight: bold; font-family: 'DejaVu Sans Mono'; }")
+                .arg(ToQColor(pair.Background).name(), text));
+        QString header =
+            QString("color: %1; font-size: 15px; font-weight: bold; background: transparent;")
+                .arg(model.FrontEnd.Colours == StatusColours::Normal ? ToQColor(c[ColourItem::XYHeaders]).name()
+                                                                     : text);
         for (QLabel* l : positionLabels_) l->setStyleSheet(header);
         hitLabel_->setStyleSheet(header);
         messageButton_->setStyleSheet(model.FrontEnd.Colours == StatusColours::Normal
@@ -276,8 +290,10 @@ void FrontEnd::SetText(const std::string& text) { text_->setText(Q(text)); }
 
 void FrontEnd::keyPressEvent(QKeyEvent* event) {
     int code = KeyCodeOf(*event);
-    if (code != 0) panel_.MainKeyPressed(code);
-    else QWidget::keyPressEvent(event);
+    if (code != 0)
+        panel_.MainKeyPressed(code);
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void FrontEnd::showEvent(QShowEvent* event) {

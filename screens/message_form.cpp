@@ -5,10 +5,10 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "system/poll_cycle.h"
 #include "navigation/messages.h"
 #include "screens/panel.h"
 #include "screens/panel_style.h"
+#include "system/poll_cycle.h"
 
 namespace kirvana {
 
@@ -75,11 +75,13 @@ void MessageForm::Activate() {
 void MessageForm::ShowModel() {
     const ColourTable& c = panel_.Colours();
     const MessageList& list = panel_.State().Display.Messages;
-    QString normal = QString("QPushButton { text-align: left; border: none; padding-left: 6px; font-size: 18px;"
-                             " background: %1; color: %2; }")
+    QString normal = QString(
+                         "QPushButton { text-align: left; border: none; padding-left: 6px; font-size: 18px;"
+                         " background: %1; color: %2; }")
                          .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name());
-    QString inverted = QString("QPushButton { text-align: left; border: none; padding-left: 6px; font-size: 18px;"
-                               " background: %1; color: %2; }")
+    QString inverted = QString(
+                           "QPushButton { text-align: left; border: none; padding-left: 6px; font-size: 18px;"
+                           " background: %1; color: %2; }")
                            .arg(ToQColor(c[ColourItem::Text]).name(), ToQColor(c[ColourItem::TextBackground]).name());
     for (int i = 0; i < MessageListLines; ++i) {
         rows_[i]->setText(Q(list.Lines[i].Text));

@@ -16,7 +16,8 @@ void QtBeeper::Beep() {
     QApplication::beep();
 }
 
-PadForm::PadForm(Panel& panel, std::string name, bool keyboard) : PanelForm(panel, std::move(name)), keyboard_(keyboard) {
+PadForm::PadForm(Panel& panel, std::string name, bool keyboard)
+    : PanelForm(panel, std::move(name)), keyboard_(keyboard) {
     const ColourTable& c = panel.Colours();
     setStyleSheet(FormStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
     box_ = new QLineEdit(this);
@@ -51,10 +52,22 @@ QWidget* PadForm::BuildControls(int columns) {
         layout->addWidget(b, placed / columns, placed % columns);
         ++placed;
     }
-    connect(cursor_[0], &QPushButton::clicked, this, [this] { entry_->CursorLeft(); ShowEntry(); });
-    connect(cursor_[1], &QPushButton::clicked, this, [this] { entry_->CursorRight(); ShowEntry(); });
-    connect(delete_[0], &QPushButton::clicked, this, [this] { entry_->Clear(); ShowEntry(); });
-    connect(delete_[1], &QPushButton::clicked, this, [this] { entry_->DeleteOne(); ShowEntry(); });
+    connect(cursor_[0], &QPushButton::clicked, this, [this] {
+        entry_->CursorLeft();
+        ShowEntry();
+    });
+    connect(cursor_[1], &QPushButton::clicked, this, [this] {
+        entry_->CursorRight();
+        ShowEntry();
+    });
+    connect(delete_[0], &QPushButton::clicked, this, [this] {
+        entry_->Clear();
+        ShowEntry();
+    });
+    connect(delete_[1], &QPushButton::clicked, this, [this] {
+        entry_->DeleteOne();
+        ShowEntry();
+    });
     connect(ok_, &QPushButton::clicked, this, [this] {
         padText_ = entry_->Text();
         accepted_ = true;
@@ -93,8 +106,10 @@ void PadForm::SendKey(int character) {
 void PadForm::ShowEntry() {
     if (!entry_) return;
     box_->setText(Q(entry_->Text()));
-    if (entry_->AllSelected()) box_->selectAll();
-    else box_->setCursorPosition(entry_->Caret());
+    if (entry_->AllSelected())
+        box_->selectAll();
+    else
+        box_->setCursorPosition(entry_->Caret());
 }
 
 bool PadForm::FormKey(int, QKeyEvent& event) {
@@ -143,8 +158,10 @@ NumberForm::NumberForm(Panel& panel) : PadForm(panel, "NumberForm", false) {
     for (int i = 0; i < 17; ++i) {
         QPushButton* b = AddKey(std::string(1, keys[i]), keys[i], this);
         b->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-        if (i == 15) grid->addWidget(b, 3, 0, 1, 3);  // a wide 0
-        else grid->addWidget(b, i / 5, i == 16 ? 3 : i % 5, 1, i == 16 ? 2 : 1);
+        if (i == 15)
+            grid->addWidget(b, 3, 0, 1, 3);  // a wide 0
+        else
+            grid->addWidget(b, i / 5, i == 16 ? 3 : i % 5, 1, i == 16 ? 2 : 1);
     }
     layout->addLayout(grid, 1);
     layout->addWidget(BuildControls(3));

@@ -75,7 +75,7 @@ private:
     void ShowCase();
     QPushButton* shift_;
     bool upper_ = true;
-    std::vector<char> letters_;   // the character of each key button, as built
+    std::vector<char> letters_;  // the character of each key button, as built
 };
 
 }  // namespace kirvana

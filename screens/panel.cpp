@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "system/poll_cycle.h"
 #include "navigation/pad_entry.h"
 #include "navigation/program_change.h"
 #include "screens/front_end.h"
@@ -19,6 +18,7 @@
 #include "screens/splash_form.h"
 #include "screens/user_form.h"
 #include "screens/warning_form.h"
+#include "system/poll_cycle.h"
 
 namespace kirvana {
 
@@ -42,9 +42,7 @@ Panel::Panel(PanelOptions options)
     RegisterForms();
 }
 
-Panel::~Panel() {
-    pollTimer_.stop();
-}
+Panel::~Panel() { pollTimer_.stop(); }
 
 void Panel::RegisterForms() {
     forms_.Register("WarningForm", [this] { return std::make_unique<WarningForm>(*this); });
@@ -83,16 +81,26 @@ void Panel::MainKeyPressed(int code) {
 
 void Panel::DoKeyAction(const KeyResult& result) {
     switch (result.Action) {
-        case KeyAction::None: return;
-        case KeyAction::Beep: QApplication::beep(); return;
+        case KeyAction::None:
+            return;
+        case KeyAction::Beep:
+            QApplication::beep();
+            return;
         case KeyAction::ShowForm:
-        case KeyAction::ShowModal: OpenForm(result.Form); return;
-        case KeyAction::ChangeProgram: ChangeProgramTo(result.Index); return;
-        case KeyAction::GraphicsButton: GraphicsButton(result.Index); return;
+        case KeyAction::ShowModal:
+            OpenForm(result.Form);
+            return;
+        case KeyAction::ChangeProgram:
+            ChangeProgramTo(result.Index);
+            return;
+        case KeyAction::GraphicsButton:
+            GraphicsButton(result.Index);
+            return;
         case KeyAction::CursorCancel:
             if (frontEnd_) frontEnd_->SetText("");
             break;
-        default: break;
+        default:
+            break;
     }
     if (frontEnd_) frontEnd_->ShowNavigation();
 }
@@ -185,8 +193,10 @@ void Panel::CursorButton(int index) {
 }
 
 void Panel::CursorCancel() {
-    if (nav_.ViewMode >= 5 && nav_.ViewMode <= 8) nav_.ViewMode = 0;
-    else CursorCancelled(nav_);
+    if (nav_.ViewMode >= 5 && nav_.ViewMode <= 8)
+        nav_.ViewMode = 0;
+    else
+        CursorCancelled(nav_);
     DoKeyAction({KeyAction::CursorCancel, {}, 0});
 }
 
@@ -221,16 +231,26 @@ bool Panel::EnterText(std::string& text, int mode) {
 
 void Panel::SetVisibleFlag(const std::string& name, bool visible) {
     FormVisibility& v = process_.Display.Visible;
-    if (name == "MessageForm") v.MessageForm = visible;
-    else if (name == "MachineForm") v.MachineForm = visible;
-    else if (name == "XYJogForm") v.XYJogForm = visible;
-    else if (name == "XYPositionForm") v.XYPositionForm = visible;
-    else if (name == "TCPositionForm") v.TCPositionForm = visible;
-    else if (name == "ViewProgForm") v.ViewProgForm = visible;
-    else if (name == "BatchForm") v.BatchForm = visible;
-    else if (name == "MachineStatusForm") v.MachineStatusForm = visible;
-    else if (name == "PlasmaStatusForm") v.PlasmaStatusForm = visible;
-    else if (name == "SetupForm") v.SetupForm = visible;
+    if (name == "MessageForm")
+        v.MessageForm = visible;
+    else if (name == "MachineForm")
+        v.MachineForm = visible;
+    else if (name == "XYJogForm")
+        v.XYJogForm = visible;
+    else if (name == "XYPositionForm")
+        v.XYPositionForm = visible;
+    else if (name == "TCPositionForm")
+        v.TCPositionForm = visible;
+    else if (name == "ViewProgForm")
+        v.ViewProgForm = visible;
+    else if (name == "BatchForm")
+        v.BatchForm = visible;
+    else if (name == "MachineStatusForm")
+        v.MachineStatusForm = visible;
+    else if (name == "PlasmaStatusForm")
+        v.PlasmaStatusForm = visible;
+    else if (name == "SetupForm")
+        v.SetupForm = visible;
 }
 
 void Panel::FormVisibilityChanged(const std::string& name, bool visible) { SetVisibleFlag(name, visible); }
@@ -282,7 +302,8 @@ void Panel::ProcessEvents() {
 void Panel::ShowMessageBox(const std::string& text, const std::string& title) {
     QMessageBox box(QMessageBox::Warning, Q(title), Q(text), QMessageBox::Ok);
     box.setObjectName("MessageBox");
-    box.setStyleSheet("QLabel { font-size: 20px; } QPushButton { font-size: 18px; min-width: 120px; min-height: 56px; }");
+    box.setStyleSheet(
+        "QLabel { font-size: 20px; } QPushButton { font-size: 18px; min-width: 120px; min-height: 56px; }");
     box.exec();
 }
 
@@ -325,8 +346,10 @@ void Panel::SetFormsLocked(bool lock, const std::string& exceptForm) {
 }
 
 void Panel::SetPollTimer(bool enabled, int intervalMs) {
-    if (enabled) pollTimer_.start(intervalMs);
-    else pollTimer_.stop();
+    if (enabled)
+        pollTimer_.start(intervalMs);
+    else
+        pollTimer_.stop();
 }
 
 void Panel::WaitForTick(int ms) {

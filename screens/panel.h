@@ -11,11 +11,11 @@
 #include <string>
 
 #include "controller/pmac_ethernet_link.h"
-#include "system/startup.h"
 #include "navigation/colours.h"
 #include "navigation/navigation.h"
 #include "navigation/warning.h"
 #include "screens/form_registry.h"
+#include "system/startup.h"
 
 namespace kirvana {
 
@@ -23,8 +23,8 @@ class FrontEnd;
 class SplashForm;
 
 struct PanelOptions {
-    bool Kiosk = false;           // full screen on a panel PC
-    bool AllowPowerOff = false;   // the shutdown may power the computer off
+    bool Kiosk = false;          // full screen on a panel PC
+    bool AllowPowerOff = false;  // the shutdown may power the computer off
     int SplashMs = 4000;
     int CardTimeoutMs = 1000;
     // The end of the process with its exit code; the application ends its event loop.

@@ -19,7 +19,8 @@ QImage CapturePanel(Panel& panel) {
         painter.drawPixmap(window->geometry().topLeft() - front->geometry().topLeft(), window->grab());
     };
     for (QWidget* window : QApplication::topLevelWidgets())
-        if (window != front && window != modal && window->isVisible() && window->objectName() != "SplashForm") draw(window);
+        if (window != front && window != modal && window->isVisible() && window->objectName() != "SplashForm")
+            draw(window);
     if (modal && modal != front && modal->isVisible()) draw(modal);
     painter.end();
     return picture.toImage();

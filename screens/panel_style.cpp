@@ -12,11 +12,12 @@ QString Css(std::int32_t c) { return ToQColor(c).name(); }
 
 QString ButtonStyle(std::int32_t background, std::int32_t text, int fontPx) {
     QColor bg = ToQColor(background);
-    return QString("QPushButton { background: %1; color: %2; font-size: %3px; font-weight: bold;"
-                   " border: 2px solid %4; border-radius: 4px; padding: 4px; }"
-                   " QPushButton:pressed { background: %5; }"
-                   " QPushButton:disabled { color: #7a7a7a; }"
-                   " QPushButton:checked { background: %5; border: 3px solid #000000; }")
+    return QString(
+               "QPushButton { background: %1; color: %2; font-size: %3px; font-weight: bold;"
+               " border: 2px solid %4; border-radius: 4px; padding: 4px; }"
+               " QPushButton:pressed { background: %5; }"
+               " QPushButton:disabled { color: #7a7a7a; }"
+               " QPushButton:checked { background: %5; border: 3px solid #000000; }")
         .arg(bg.name(), Css(text))
         .arg(fontPx)
         .arg(bg.darker(160).name(), bg.darker(130).name());
@@ -42,14 +43,22 @@ int KeyCodeOf(const QKeyEvent& event) {
     if (k >= Qt::Key_A && k <= Qt::Key_Z) return 'A' + (k - Qt::Key_A);
     if (k >= Qt::Key_0 && k <= Qt::Key_9) return '0' + (k - Qt::Key_0);
     switch (k) {
-        case Qt::Key_Left: return key::Left;
-        case Qt::Key_Right: return key::Right;
-        case Qt::Key_Up: return key::Up;
-        case Qt::Key_Down: return key::Down;
-        case Qt::Key_Home: return key::Home;
-        case Qt::Key_End: return key::End;
-        case Qt::Key_Minus: return (event.modifiers() & Qt::KeypadModifier) ? key::Subtract : key::Minus;
-        default: return 0;
+        case Qt::Key_Left:
+            return key::Left;
+        case Qt::Key_Right:
+            return key::Right;
+        case Qt::Key_Up:
+            return key::Up;
+        case Qt::Key_Down:
+            return key::Down;
+        case Qt::Key_Home:
+            return key::Home;
+        case Qt::Key_End:
+            return key::End;
+        case Qt::Key_Minus:
+            return (event.modifiers() & Qt::KeypadModifier) ? key::Subtract : key::Minus;
+        default:
+            return 0;
     }
 }
 

@@ -44,7 +44,8 @@ ShutdownForm::ShutdownForm(Panel& panel) : PanelForm(panel, "ShutdownForm") {
 
 void ShutdownForm::Activate() {
     label_->setText("");
-    label_->setStyleSheet(PanelStyle(panel_.Colours()[ColourItem::PanelBackground], panel_.Colours()[ColourItem::PanelText], 26, true));
+    label_->setStyleSheet(
+        PanelStyle(panel_.Colours()[ColourItem::PanelBackground], panel_.Colours()[ColourItem::PanelText], 26, true));
     shutdown_->setFocus();
 }
 
@@ -53,8 +54,10 @@ void ShutdownForm::Leave(bool service) {
     label_->setStyleSheet(PanelStyle(c[ColourItem::PanelBackground], c[ColourItem::CriticalMessageButton], 26, true));
     label_->setText("SHUTTING DOWN !");
     label_->repaint();
-    if (service) panel_.ServicePressed();
-    else panel_.ShutdownPressed();
+    if (service)
+        panel_.ServicePressed();
+    else
+        panel_.ShutdownPressed();
     accept();
 }
 

@@ -20,7 +20,8 @@ SplashForm::SplashForm(const ColourTable& colours) : QWidget(nullptr) {
     version_ = new QLabel(this);
     version_->setObjectName("VersionPanel");
     version_->setAlignment(Qt::AlignCenter);
-    version_->setStyleSheet(PanelStyle(colours[ColourItem::HeaderBackground], colours[ColourItem::HeaderText], 24, true));
+    version_->setStyleSheet(
+        PanelStyle(colours[ColourItem::HeaderBackground], colours[ColourItem::HeaderText], 24, true));
     layout->addWidget(title_, 3);
     layout->addWidget(version_, 1);
     timer_.setSingleShot(false);

@@ -71,8 +71,10 @@ bool UserForm::FormKey(int code, QKeyEvent&) {
     // A to P press their key.
     int index = code - 'A';
     if (index < 0 || index >= static_cast<int>(config_.Keys.size()) || !config_.Keys[index].Valid) return false;
-    if (config_.Keys[index].Latching) checks_[index]->click();
-    else buttons_[index]->click();
+    if (config_.Keys[index].Latching)
+        checks_[index]->click();
+    else
+        buttons_[index]->click();
     return true;
 }
 

@@ -105,7 +105,8 @@ void WarningForm::Activate() {
             colour = c[ColourItem::CriticalMessageButton];
             text = c[ColourItem::CriticalMessageButtonText];
             break;
-        default: break;
+        default:
+            break;
     }
     image_->setPixmap(KindImage(ImageOfKind(gate.Kind())));
     image_->setProperty("kind", static_cast<int>(ImageOfKind(gate.Kind())));

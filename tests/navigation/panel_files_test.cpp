@@ -3,11 +3,11 @@
 #include <filesystem>
 
 #include "core/paths.h"
-#include "system/startup.h"
 #include "navigation/colours.h"
 #include "navigation/keypad.h"
 #include "navigation/messages.h"
 #include "navigation/program_change.h"
+#include "system/startup.h"
 #include "tests/core/temp_dir.h"
 #include "tests/support/fake_card.h"
 

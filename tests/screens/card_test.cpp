@@ -2,10 +2,10 @@
 
 #include "controller/cardsim/card_simulator.h"
 #include "core/number.h"
-#include "system/slot_run_plan.h"
 #include "navigation/navigation.h"
 #include "screens/shutdown_form.h"
 #include "screens/warning_form.h"
+#include "system/slot_run_plan.h"
 #include "tests/screens/panel_fixture.h"
 
 using namespace kirvana;
@@ -28,8 +28,8 @@ TEST_F(PanelTest, CardThatNeverOpensShowsInitialisationFailureOnce) {
     auto boxes = std::make_shared<std::vector<std::string>>();
     std::function<void(QWidget*)> answer = [boxes, &answer](QWidget* modal) {
         auto* label = modal->findChild<QLabel*>("qt_msgbox_label");
-        boxes->push_back(modal->objectName().toStdString() + ": " + (label ? label->text().toStdString() : "?") + " / " +
-                         modal->windowTitle().toStdString());
+        boxes->push_back(modal->objectName().toStdString() + ": " + (label ? label->text().toStdString() : "?") +
+                         " / " + modal->windowTitle().toStdString());
         modal->findChild<QPushButton*>()->click();
         if (boxes->size() == 1) WhenModal(answer, 3000);
     };
@@ -122,8 +122,10 @@ TEST_F(PanelTest, ShutdownWithSaveAndNoWaitSendsSaveAndGoodbye) {
     CardSimulator sim;
     ASSERT_TRUE(sim.Start(0));
     Write("Control.cnc", "Card in use: TRUE\nPoll log: FALSE\n******\n");
-    Write("PMAC.cfg", "Save on shutdown: YES\nSave wait (ms): 0\nPoll interval (ms): 50\nPoll restart delay (ms): 60\n"
-                      "Card: 127.0.0.1:" + std::to_string(sim.Port()) + "\n******\n");
+    Write("PMAC.cfg",
+          "Save on shutdown: YES\nSave wait (ms): 0\nPoll interval (ms): 50\nPoll restart delay (ms): 60\n"
+          "Card: 127.0.0.1:" +
+              std::to_string(sim.Port()) + "\n******\n");
     ASSERT_EQ(Start(), 0);
     sim.ClearReceived();
     QElapsedTimer clock;
@@ -137,7 +139,8 @@ TEST_F(PanelTest, ShutdownWithSaveAndNoWaitSendsSaveAndGoodbye) {
     EXPECT_EQ(PowerOffs, 1);
     std::vector<std::string> received = sim.Received();
     EXPECT_NE(std::find(received.begin(), received.end(), "P1021=P1021-1"), received.end());
-    EXPECT_NE(std::find(received.begin(), received.end(), "SAVE"), received.end());  // the card takes its commands in capitals
+    EXPECT_NE(std::find(received.begin(), received.end(), "SAVE"),
+              received.end());  // the card takes its commands in capitals
 }
 
 TEST_F(PanelTest, UserKeysSendTheirTextsToTheCard) {
@@ -148,8 +151,8 @@ TEST_F(PanelTest, UserKeysSendTheirTextsToTheCard) {
     ASSERT_EQ(Start(), 0);
     WhenModal([](QWidget* modal) {
         QTest::mouseClick(ButtonOf(modal, "UserButton1"), Qt::LeftButton);  // press and release
-        QTest::keyClick(modal, Qt::Key_B);                                    // the latch in
-        ButtonOf(modal, "UserCheck2")->click();                               // and out again
+        QTest::keyClick(modal, Qt::Key_B);                                  // the latch in
+        ButtonOf(modal, "UserCheck2")->click();                             // and out again
         ButtonOf(modal, "ExitButton")->click();
     });
     Key('K');

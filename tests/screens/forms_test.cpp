@@ -2,7 +2,6 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
-#include "system/poll_cycle.h"
 #include "navigation/navigation.h"
 #include "screens/message_form.h"
 #include "screens/pad_forms.h"
@@ -10,6 +9,7 @@
 #include "screens/splash_form.h"
 #include "screens/user_form.h"
 #include "screens/warning_form.h"
+#include "system/poll_cycle.h"
 #include "tests/screens/panel_fixture.h"
 
 using namespace kirvana;
@@ -69,10 +69,12 @@ TEST_F(PanelTest, WarningKindsCaptionsImagesAndDefault) {
         WhenModal([&](QWidget* modal) {
             auto* form = static_cast<WarningForm*>(modal);
             for (int i = 0; i < 3; ++i)
-                if (form->WarningButton(i)->isVisibleTo(form)) captions.push_back(form->WarningButton(i)->text().toStdString());
+                if (form->WarningButton(i)->isVisibleTo(form))
+                    captions.push_back(form->WarningButton(i)->text().toStdString());
             image = form->WarningImage()->property("kind").toInt();
             for (int i = 0; i < 3; ++i)
-                if (form->focusWidget() == form->WarningButton(i)) focused = form->WarningButton(i)->text().toStdString();
+                if (form->focusWidget() == form->WarningButton(i))
+                    focused = form->WarningButton(i)->text().toStdString();
             panelCaption = form->findChild<QLabel*>("WarningPanel")->text().toStdString();
             EXPECT_FALSE(form->WarningImage()->pixmap().isNull());
             form->WarningButton(0)->click();
@@ -232,7 +234,8 @@ TEST_F(PanelTest, UserFormFromKeypadCfgAndItsMissingFile) {
     Key('K');
     EXPECT_EQ(note, "Keypad.cfg not found: no user keys");
 
-    Write("Data/Keypad.cfg", "Y, M, LIGHTS, M10=1, M10=0\nY, L, VACUUM, M11=1, M11=0\nN, M, OFF, M12=1, M12=0\n******\n");
+    Write("Data/Keypad.cfg",
+          "Y, M, LIGHTS, M10=1, M10=0\nY, L, VACUUM, M11=1, M11=0\nN, M, OFF, M12=1, M12=0\n******\n");
     std::string first, second;
     bool thirdShown = true, secondIsCheck = false;
     WhenModal([&](QWidget* modal) {

@@ -11,7 +11,8 @@ using namespace kirvana;
 TEST_F(PanelTest, FrontEndHoldsEveryControlWithItsCaption) {
     ASSERT_EQ(Start(), 0);
     ASSERT_TRUE(F().isVisible());
-    const char* captions[] = {"PROGRAM F1", "TOOLING F2", "MACHINE F3", "STATUS F4", "CREATE PROGRAM F5", "FILE F6", "GRAPHICS F7"};
+    const char* captions[] = {"PROGRAM F1",        "TOOLING F2", "MACHINE F3", "STATUS F4",
+                              "CREATE PROGRAM F5", "FILE F6",    "GRAPHICS F7"};
     for (int i = 1; i <= 7; ++i) EXPECT_EQ(F().MainButton(i)->text(), captions[i - 1]);
     EXPECT_EQ(F().MessageButton()->text(), "MESSAGES F9");
     EXPECT_EQ(F().ShutdownButton()->text(), "SHUTDOWN F12");

@@ -9,11 +9,13 @@ using namespace kirvana;
 namespace {
 
 const std::vector<Qt::Key> MonkeyKeys = {
-    Qt::Key_F1, Qt::Key_F2, Qt::Key_F3, Qt::Key_F4, Qt::Key_F5, Qt::Key_F6, Qt::Key_F7, Qt::Key_F8, Qt::Key_F9,
-    Qt::Key_F10, Qt::Key_F11, Qt::Key_F12, Qt::Key_A, Qt::Key_C, Qt::Key_D, Qt::Key_F, Qt::Key_K, Qt::Key_L,
-    Qt::Key_N, Qt::Key_O, Qt::Key_P, Qt::Key_R, Qt::Key_S, Qt::Key_T, Qt::Key_U, Qt::Key_X, Qt::Key_Y, Qt::Key_Z,
-    Qt::Key_1, Qt::Key_2, Qt::Key_Minus, Qt::Key_Period, Qt::Key_Left, Qt::Key_Right, Qt::Key_Up, Qt::Key_Down,
-    Qt::Key_Home, Qt::Key_End, Qt::Key_Return, Qt::Key_Escape, Qt::Key_Backspace, Qt::Key_Delete, Qt::Key_Space};
+    Qt::Key_F1,   Qt::Key_F2,   Qt::Key_F3,    Qt::Key_F4,     Qt::Key_F5,     Qt::Key_F6,        Qt::Key_F7,
+    Qt::Key_F8,   Qt::Key_F9,   Qt::Key_F10,   Qt::Key_F11,    Qt::Key_F12,    Qt::Key_A,         Qt::Key_C,
+    Qt::Key_D,    Qt::Key_F,    Qt::Key_K,     Qt::Key_L,      Qt::Key_N,      Qt::Key_O,         Qt::Key_P,
+    Qt::Key_R,    Qt::Key_S,    Qt::Key_T,     Qt::Key_U,      Qt::Key_X,      Qt::Key_Y,         Qt::Key_Z,
+    Qt::Key_1,    Qt::Key_2,    Qt::Key_Minus, Qt::Key_Period, Qt::Key_Left,   Qt::Key_Right,     Qt::Key_Up,
+    Qt::Key_Down, Qt::Key_Home, Qt::Key_End,   Qt::Key_Return, Qt::Key_Escape, Qt::Key_Backspace, Qt::Key_Delete,
+    Qt::Key_Space};
 
 }  // namespace
 
@@ -41,8 +43,9 @@ TEST_F(PanelTest, MonkeyOnEveryFormNeitherCrashesNorHangs) {
         }
         ++done;
         if (std::getenv("MONKEY_TRACE"))
-            std::fprintf(stderr, "monkey %d %s\n", done,
-                         QApplication::activeModalWidget() ? qPrintable(QApplication::activeModalWidget()->objectName()) : "-");
+            std::fprintf(
+                stderr, "monkey %d %s\n", done,
+                QApplication::activeModalWidget() ? qPrintable(QApplication::activeModalWidget()->objectName()) : "-");
         QWidget* target = QApplication::activeModalWidget();
         if (!target) target = P().Front();
         int choice = static_cast<int>(random() % 100);
@@ -61,10 +64,13 @@ TEST_F(PanelTest, MonkeyOnEveryFormNeitherCrashesNorHangs) {
     QObject::connect(&monkey, &QTimer::timeout, [&] {
         if (pending > 0) return;
         ++pending;
-        QMetaObject::invokeMethod(qApp, [&] {
-            --pending;
-            act();
-        }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            qApp,
+            [&] {
+                --pending;
+                act();
+            },
+            Qt::QueuedConnection);
     });
     monkey.start();
     QElapsedTimer clock;

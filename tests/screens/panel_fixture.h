@@ -14,9 +14,9 @@
 #include <gtest/gtest.h>
 
 #include "core/paths.h"
-#include "system/slots.h"
 #include "screens/front_end.h"
 #include "screens/panel.h"
+#include "system/slots.h"
 #include "tests/core/temp_dir.h"
 
 namespace kirvana {
@@ -78,15 +78,20 @@ protected:
     }
     void CardAt(int port) {
         Write("Control.cnc", "Card in use: TRUE\nPoll log: FALSE\n******\n");
-        Write("PMAC.cfg", "Save on shutdown: NO\nSave wait (ms): 0\nPoll interval (ms): 50\nPoll restart delay (ms): 60\n"
-                          "Card: 127.0.0.1:" + std::to_string(port) + "\n******\n");
+        Write("PMAC.cfg",
+              "Save on shutdown: NO\nSave wait (ms): 0\nPoll interval (ms): 50\nPoll restart delay (ms): 60\n"
+              "Card: 127.0.0.1:" +
+                  std::to_string(port) + "\n******\n");
     }
     // Starts the panel with a short splash; the process records stay in the panel.
     int Start(int splashMs = 20) {
         PanelOptions options;
         options.SplashMs = splashMs;
         options.CardTimeoutMs = 300;
-        options.End = [this](int code) { EndCode = code; ++Ends; };
+        options.End = [this](int code) {
+            EndCode = code;
+            ++Ends;
+        };
         options.PowerOff = [this] { ++PowerOffs; };
         panel_ = std::make_unique<Panel>(options);
         return panel_->Start(dir_.Path());

@@ -3,9 +3,9 @@
 #include <QDir>
 
 #include "controller/cardsim/card_simulator.h"
-#include "system/poll_cycle.h"
 #include "screens/panel_capture.h"
 #include "screens/splash_form.h"
+#include "system/poll_cycle.h"
 #include "tests/screens/panel_fixture.h"
 
 using namespace kirvana;
@@ -60,7 +60,8 @@ TEST_F(PanelTest, ScreenshotsOfTheOfficeSeat) {
     Key('X');
 
     for (int i = 1; i < 65; ++i) P().State().Config.Messages.IOMessages[i] = "Guard door open at the loading side";
-    for (int i = 0; i < 32; ++i) P().State().Config.Messages.LogicMessages[i] = "Logic message " + std::to_string(i) + ": clamps not closed";
+    for (int i = 0; i < 32; ++i)
+        P().State().Config.Messages.LogicMessages[i] = "Logic message " + std::to_string(i) + ": clamps not closed";
     UpdateMessageList(P().State(), 2, 0x1F);
     SaveForm(P(), "message_form", "MessageForm");
     SaveForm(P(), "shutdown_form", "ShutdownForm");
