@@ -1,6 +1,6 @@
-// The platform of a start without screens: the office seat's command line, and the panel
-// until its screens exist. Messages go to stderr, questions are answered no, power off is
-// never let through, and the splash is a line of text shown for its time.
+// The platform of a start without screens: the office seat's command line. Messages go to
+// stderr, questions are answered no, power off is never let through, and the splash is a line
+// of text shown for its time.
 #pragma once
 
 #include <chrono>

@@ -1,0 +1,135 @@
+// The panel: the screens' side of the process. It owns the process records, the card link and
+// the forms, carries out Main on the screens (splash, message box, FrontEnd, the poll timer, waits
+// that keep the event queue running) and the two ways out, and does what MainKey decides.
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "controller/pmac_ethernet_link.h"
+#include "navigation/colours.h"
+#include "navigation/navigation.h"
+#include "navigation/warning.h"
+#include "screens/form_registry.h"
+#include "system/startup.h"
+
+namespace kirvana {
+
+class FrontEnd;
+class SplashForm;
+
+struct PanelOptions {
+    bool Kiosk = false;          // full screen on a panel PC
+    bool AllowPowerOff = false;  // the shutdown may power the computer off
+    int SplashMs = 4000;
+    int CardTimeoutMs = 1000;
+    // The end of the process with its exit code; the application ends its event loop.
+    std::function<void(int)> End;
+    // The computer's power off; by default `systemctl poweroff`, only with AllowPowerOff.
+    std::function<void()> PowerOff;
+};
+
+class Panel : public QObject, public StartupPlatform {
+public:
+    explicit Panel(PanelOptions options);
+    ~Panel() override;
+
+    // Main on the installation in `root` (made the current directory); the exit code.
+    int Start(const std::string& root);
+
+    Process& State() { return process_; }
+    Navigation& Nav() { return nav_; }
+    const ColourTable& Colours() const { return colours_; }
+    const PanelOptions& Options() const { return options_; }
+    CardLink* Link() { return &link_; }
+    StartupSteps& Steps() { return steps_; }
+    Conversation Talk();
+    FormRegistry& Forms() { return forms_; }
+    FrontEnd* Front() { return frontEnd_.get(); }
+    SplashForm* Splash() { return splash_.get(); }
+    // What the panel could not read of its own files (Colour.cfg), shown on FrontEnd.
+    const std::string& StartNote() const { return startNote_; }
+
+    // A key that no form used.
+    void MainKeyPressed(int code);
+    // Carries out what MainKey decided.
+    void DoKeyAction(const KeyResult& result);
+    // Opens a form as its key does; false when no form answers to the name.
+    bool OpenForm(const std::string& name);
+    // Brings the named form back: raised when it is showing, else opened as its key opens it.
+    void ShowCurrentForm(const std::string& name);
+    // F10, F11 and the program buttons.
+    void ChangeProgramTo(int slot);
+    // The graphics panel's buttons, its cursor and path buttons.
+    void GraphicsButton(int index);
+    void CursorButton(int index);
+    void CursorCancel();
+
+    // ShowWarning: the button pressed (from 1), 0 when a warning was already up.
+    int ShowWarning(const std::string& text, WarningKind kind, int defaultButton);
+    bool WarningResult() const { return warning_.WarningResult(); }
+    WarningGate& Warning() { return warning_; }
+    // The pads: true when the operator pressed OK.
+    bool EnterNumber(double& value, const std::string& text, int mode);
+    bool EnterText(std::string& text, int mode);
+
+    // The forms tell when they come and go; FrontEnd when it is activated.
+    void FormVisibilityChanged(const std::string& name, bool visible);
+    void FrontEndActivated();
+    // One tick of the poll timer, and the screens brought up to the model.
+    void PollTimerTick();
+    QTimer& PollTimer() { return pollTimer_; }
+    // The operator's shutdown and the service exit, from ShutdownForm.
+    void ShutdownPressed();
+    void ServicePressed();
+    bool Ended() const { return ended_; }
+    int ExitCode() const { return exitCode_; }
+
+    // StartupPlatform.
+    void ShowSplash(const std::string& title, const std::string& version) override;
+    bool SplashDone() override;
+    void StopSplashTimer() override;
+    void ProcessEvents() override;
+    void ShowMessageBox(const std::string& text, const std::string& title) override;
+    bool AskOperator(const std::string& text) override;
+    void ShowWarning(const std::string& text) override;
+    void ShowFrontEnd() override;
+    bool FrontEndVisible() override;
+    void UnloadFrontEnd() override;
+    void SetFormsLocked(bool lock, const std::string& exceptForm) override;
+    void SetPollTimer(bool enabled, int intervalMs) override;
+    void WaitForTick(int ms) override;
+    void StartProgram(const std::string& path) override;
+    void PowerOff() override;
+    void EndProcess() override;
+
+private:
+    void RegisterForms();
+    void SetVisibleFlag(const std::string& name, bool visible);
+    // Runs a form modally, over FrontEnd; a form already showing is only raised.
+    void RunModal(PanelForm* form);
+    void CloseFormsForProgramChange();
+
+    PanelOptions options_;
+    Process process_;
+    PmacEthernetLink link_;
+    StartupSteps steps_;
+    Navigation nav_;
+    ColourTable colours_;
+    WarningGate warning_;
+    FormRegistry forms_;
+    std::unique_ptr<FrontEnd> frontEnd_;
+    std::unique_ptr<SplashForm> splash_;
+    QTimer pollTimer_;
+    bool inTick_ = false;
+    bool starting_ = false;
+    bool ended_ = false;
+    int exitCode_ = 0;
+    std::string startNote_;
+};
+
+}  // namespace kirvana
