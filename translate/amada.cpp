@@ -636,17 +636,7 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
     SplitComment(block, state.BlockComment);
     for (char& c : block) c = UpperChar(c);
     // 2. Main text: the sequence word; then all blanks go, words are found in packed text.
-    if (mainText) {
-        if (Has(block, 'N')) {
-            state.SequenceCount = reader.WordInteger(StripBlanks(block), 'N');
-        } else {
-            if (state.SequenceCount == std::numeric_limits<std::int16_t>::max())
-                reader.IntegerOverflow = true;
-            else
-                ++state.SequenceCount;
-            block.insert(0, "N" + ZeroPad(state.SequenceCount, 4) + " ");
-        }
-    }
+    if (mainText) SequenceStep(state, block);
     StripBlanksInPlace(block);
     // 3. "A" leaves the block and stores what remains as a macro; "B" replays one.
     if (int store = MacroNumber(block, 'A', reader)) {

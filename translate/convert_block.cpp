@@ -21,6 +21,18 @@
 
 namespace kirvana::convert {
 
+void SequenceStep(ConvertState& state, std::string& block) {
+    if (Has(block, 'N')) {
+        state.SequenceCount = state.Reader.WordInteger(StripBlanks(block), 'N');
+        return;
+    }
+    if (state.SequenceCount == std::numeric_limits<std::int16_t>::max())
+        state.Reader.IntegerOverflow = true;
+    else
+        ++state.SequenceCount;
+    block.insert(0, "N" + ZeroPad(state.SequenceCount, 4) + " ");
+}
+
 void CompletionSteps(ConvertState& state, std::string& block, const CompletionContext& context) {
     CodeIndex& codes = state.Codes;
     // (Each search of a constant code is inlined as the test of one bit.)
@@ -192,19 +204,7 @@ std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::
     // 6. Upper case.
     for (char& c : block) c = UpperChar(c);
     // 7. Main text: an N word sets the running count, a block without one gets the next.
-    if (mainText) {
-        if (Has(block, 'N')) {
-            state.SequenceCount = reader.WordInteger(StripBlanks(block), 'N');
-        } else {
-            if (state.SequenceCount == std::numeric_limits<std::int16_t>::max())
-                reader.IntegerOverflow = true;
-            else
-                ++state.SequenceCount;
-            block.insert(0, 1, ' ');
-            block.insert(0, ZeroPad(state.SequenceCount, 4));
-            block.insert(0, 1, 'N');
-        }
-    }
+    if (mainText) SequenceStep(state, block);
     changed();
     // 8. The optional stop is a stop.
     rewrite("M01", "M00");

@@ -91,6 +91,11 @@ void SplitComment(std::string& block, std::string& comment, std::int16_t dialect
 // A leading "//" or "\\" becomes " M875=2" at the end, a leading "/" or "\" " M875=1".
 void BlockSkipMarks(std::string& block);
 
+// The sequence word of a main-text block (the Convert pass and the AMADA pass alike): an N word
+// sets the running count; a block without one gets the next count written in front as "N" and
+// four digits. A count beyond 16 bits sets the reader's overflow.
+void SequenceStep(ConvertState& state, std::string& block);
+
 // Clears the modal values at the start of a block pass (and the running count for A1).
 void StartBlockPass(ConvertState& state, BlockPass pass);
 // One line of A1 or A2 to one line of M1 or M2: the forty steps.
