@@ -9,6 +9,7 @@
 #include "navigation/program_change.h"
 #include "system/startup.h"
 #include "tests/core/temp_dir.h"
+#include "tests/support/demo_installation.h"
 #include "tests/support/fake_card.h"
 
 using namespace kirvana;
@@ -151,10 +152,6 @@ struct RecordingPlatform : StartupPlatform {
 class ChangeProgramTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        std::filesystem::copy(std::string(KIRVANA_SOURCE_DIR) + "/data/demo", dir_.Path(),
-                              std::filesystem::copy_options::recursive);
-        old_ = std::filesystem::current_path();
-        std::filesystem::current_path(dir_.Path());
         ASSERT_FALSE(ReadControlConfig(process_.Config));
         process_.Card.CardInUse = true;
         process_.Card.PollRunning = true;
@@ -162,10 +159,8 @@ protected:
         process_.Card.PollRestartDelayMs = 200;
         link_.SetEnabled(true);
     }
-    void TearDown() override { std::filesystem::current_path(old_); }
 
-    TempDir dir_;
-    std::filesystem::path old_;
+    DemoInstallation dir_;
     Process process_;
     RecordingPlatform platform_;
     FakeCardLink link_;

@@ -10,6 +10,7 @@
 #include "core/paths.h"
 #include "system/startup.h"
 #include "tests/core/temp_dir.h"
+#include "tests/support/demo_installation.h"
 #include "tests/support/quiet_platform.h"
 
 using namespace kirvana;
@@ -18,14 +19,6 @@ namespace {
 
 class SelectionTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        std::filesystem::copy(std::string(KIRVANA_SOURCE_DIR) + "/data/demo", dir_.Path(),
-                              std::filesystem::copy_options::recursive);
-        old_ = std::filesystem::current_path();
-        std::filesystem::current_path(dir_.Path());
-    }
-    void TearDown() override { std::filesystem::current_path(old_); }
-
     // A start of the process on the installation, with or without the simulated card.
     void Start(Process& process, CardLink* link = nullptr) {
         StartupSteps steps;
@@ -50,8 +43,7 @@ protected:
         return found;
     }
 
-    TempDir dir_;
-    std::filesystem::path old_;
+    DemoInstallation dir_;
     QuietPlatform platform_;
 };
 
@@ -323,7 +315,8 @@ TEST_F(SelectionTest, ShortDescriptionFileEmptiesTheSlotAtStart) {
 }
 
 TEST_F(SelectionTest, AmadaProgramHasBracketMarksUntilARestart) {
-    std::filesystem::current_path(old_);
+    // The AMADA demo in the place of the demo.
+    std::filesystem::current_path(std::filesystem::temp_directory_path());
     std::filesystem::remove_all(dir_.Path());
     std::filesystem::copy(std::string(KIRVANA_SOURCE_DIR) + "/data/demo-amada", dir_.Path(),
                           std::filesystem::copy_options::recursive);

@@ -6,6 +6,7 @@
 
 #include "core/paths.h"
 #include "tests/core/temp_dir.h"
+#include "tests/support/demo_installation.h"
 #include "tests/support/fake_card.h"
 
 using namespace kirvana;
@@ -58,17 +59,9 @@ struct FakePlatform : StartupPlatform {
 // A copy of the demo installation as the current directory of the process.
 class StartupTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        std::filesystem::copy(std::string(KIRVANA_SOURCE_DIR) + "/data/demo", dir_.Path(),
-                              std::filesystem::copy_options::recursive);
-        old_ = std::filesystem::current_path();
-        std::filesystem::current_path(dir_.Path());
-    }
-    void TearDown() override { std::filesystem::current_path(old_); }
     void CardOn() { dir_.Write("Control.cnc", "Card in use: TRUE\nPoll log: FALSE\n******\n"); }
 
-    TempDir dir_;
-    std::filesystem::path old_;
+    DemoInstallation dir_;
     Process process_;
     FakePlatform platform_;
     FakeCardLink link_;
