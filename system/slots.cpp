@@ -178,7 +178,8 @@ void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link,
 }
 
 SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLink* link,
-                            const std::string& directoryName, const std::string& programName) {
+                            const std::string& directoryName, const std::string& programName,
+                            const SelectProgress& progress) {
     const Directories& dirs = process.Config.Dirs;
     const MachineData& machine = process.Config.Machine;
     std::string directory(Trim(directoryName)), name(Trim(programName));
@@ -196,6 +197,9 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     if (!FileExists(programPath)) return refuse("Program Does Not Exist !");
     // 5. Never while the machine runs.
     if (process.Running) return refuse("Can Not Select New Program\n\nWhile Machine Is Running !");
+    auto tell = [&](SelectStage stage) {
+        if (progress) progress(stage);
+    };
     // 6. The slot is emptied.
     int slot = process.Config.ActiveSlot;
     ClearSlot(process, slot);
@@ -212,6 +216,7 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     };
     // A file that cannot be read or written refuses the selection as a failed pass does.
     auto fileFault = [&](const std::string& file) { return fail(record.ProgramName + "\n\nFile Fault : " + file); };
+    tell(SelectStage::Copy);
     // 8. The cleaned source in the slot.
     NoteFile(dirs.ServiceDir, programPath);
     auto source = ReadLines(programPath);
@@ -221,6 +226,7 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     if (machine.ProfilerKind == 2) {
         if (std::string file = CopyPlasmaSettings(dirs, programStem, stem); !file.empty()) return fileFault(file);
     }
+    tell(SelectStage::Convert);
     // 10. Translation; the comment marks by dialect.
     ConvertResult converted = ConvertProgram(stem, record.SourceDialect, ConvertSettingsFrom(machine, dirs));
     if (converted.Status == ConvertStatus::FileFault) return fileFault(converted.Fault);
@@ -228,9 +234,11 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
         return fail(record.ProgramName + "\n\n" + ConvertStatusText(converted.Status));
     SetCommentMarks(record, false);
     // 11. The Blend pass; 12. the Reverse pass judges.
+    tell(SelectStage::Blend);
     BlendResult blended =
         BlendProgram(record.ProgramDirName, record.ProgramName, stem, BlendSettingsFrom(machine, dirs));
     if (blended.FileFault) return fileFault(blended.FaultFile);
+    tell(SelectStage::Reverse);
     ReverseResult reversed = ReverseSlot(process, slot, stem, record);
     if (reversed.FileFault) return fileFault(reversed.FaultFile);
     if (reversed.Result > 0) return fail(record.ProgramName + "\n\nCan Not Be Selected Due To Errors in Code !");
@@ -243,6 +251,7 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
         record.HitFileRecords = HitFileRecords(stem);
     }
     if (record.ActiveStation < 1) record.ActiveStation = 1;
+    tell(SelectStage::Index);
     // 15, 16. The maps of the card's program counter.
     std::string mapFault;
     auto main = BuildBlockMap(stem + "A1", stem + "M1", stem + "W1", stem + "RA1", stem + "RM1", &mapFault);
@@ -272,6 +281,7 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     // 21. The block indication: this slot's program, no block yet.
     process.Poll.LastSlotShown = slot;
     process.Poll.LastRecordShown = -1;
+    tell(SelectStage::Download);
     // 22-28. The card's part, as one operation with its deadline.
     const int faultsBefore = link ? link->FaultCount() : 0;
     {
