@@ -56,7 +56,8 @@ ViewPage ViewPageAround(const Process& process, std::int32_t program, std::int32
     page.ProgramName = slotRecord.ProgramName;
     std::int32_t count = slotRecord.Counts[second ? 1 : 0].SourceRecordCount;
     std::int32_t first = 1;
-    if (record >= 1) first = std::max<std::int32_t>(1, std::min<std::int32_t>(record - ViewRowsAbove, count - rows + 1));
+    if (record >= 1)
+        first = std::max<std::int32_t>(1, std::min<std::int32_t>(record - ViewRowsAbove, count - rows + 1));
     const Directories& dirs = process.Config.Dirs;
     page.Rows = ReadViewRows(SlotFile(dirs, slot, second ? "RA2" : "RA1"), SlotFile(dirs, slot, second ? "RM2" : "RM1"),
                              first, rows, count);
