@@ -1,5 +1,6 @@
 #include "screens/program_choice_forms.h"
 
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <algorithm>
 
@@ -10,6 +11,16 @@
 #include "screens/panel_style.h"
 
 namespace kirvana {
+
+namespace {
+
+// A row of SearchForm's list: the directory in a column of its own, then the program.
+std::string SearchRow(std::string directory, const std::string& program) {
+    directory.resize(std::max<std::size_t>(directory.size() + 2, 34), ' ');
+    return directory + program;
+}
+
+}  // namespace
 
 ProgramChoiceForm::ProgramChoiceForm(Panel& panel, const std::string& name, const std::string& caption)
     : PanelForm(panel, name) {
@@ -93,16 +104,26 @@ void ProgramChoiceForm::View() {
 
 ProgListForm::ProgListForm(Panel& panel) : ProgramChoiceForm(panel, "ProgListForm", "PROGRAM LIST") {
     const ColourTable& c = panel.Colours();
-    auto* row = new QHBoxLayout(lists_);
-    row->setContentsMargins(0, 0, 0, 0);
+    auto* grid = new QGridLayout(lists_);
+    grid->setContentsMargins(0, 0, 0, 0);
     directories_ = TouchList(lists_, c, "DirectoryList");
     programs_ = TouchList(lists_, c, "ProgramList");
-    row->addWidget(directories_, 2);
-    row->addWidget(programs_, 3);
+    auto* directoryCaption = new QLabel("DIRECTORIES", lists_);
+    auto* programCaption = new QLabel("PROGRAMS", lists_);
+    for (QLabel* caption : {directoryCaption, programCaption})
+        caption->setStyleSheet("font-size: 18px; font-weight: bold;");
+    grid->addWidget(directoryCaption, 0, 0);
+    grid->addWidget(programCaption, 0, 1);
+    grid->addWidget(directories_, 1, 0);
+    grid->addWidget(programs_, 1, 1);
+    grid->setColumnStretch(0, 2);
+    grid->setColumnStretch(1, 3);
     connect(directories_, &QListWidget::currentRowChanged, this, [this] { FillProgramList(); });
 }
 
 void ProgListForm::Activate() {
+    // Opened without a directory: the current program directory.
+    if (startDirectory_.empty()) startDirectory_ = panel_.State().Config.Dirs.ProgramDirName;
     directories_->blockSignals(true);
     directories_->clear();
     for (const std::string& name : FillDirectories(panel_.State().Config.Dirs.ProgramRoot)) {
@@ -139,9 +160,12 @@ SearchForm::SearchForm(Panel& panel) : ProgramChoiceForm(panel, "SearchForm", "P
     auto* column = new QVBoxLayout(lists_);
     column->setContentsMargins(0, 0, 0, 0);
     label_ = TextLabel(lists_, c, "SearchLabel", 20);
+    auto* header = new QLabel(Q(SearchRow("DIRECTORY", "PROGRAM")), lists_);
+    header->setStyleSheet("font-size: 18px; font-weight: bold; font-family: 'DejaVu Sans Mono';");
     list_ = TouchList(lists_, c, "SearchList");
     list_->setStyleSheet(list_->styleSheet() + " QListWidget { font-family: 'DejaVu Sans Mono'; }");
     column->addWidget(label_);
+    column->addWidget(header);
     column->addWidget(list_, 1);
 }
 
@@ -155,9 +179,7 @@ void SearchForm::Activate() {
     label_->setText(Q(kirvana::SearchLabel(text_)));
     list_->clear();
     for (const ProgramMatch& match : found_) {
-        std::string directory = match.Directory;
-        directory.resize(std::max<std::size_t>(directory.size() + 2, 34), ' ');
-        list_->addItem(Q(directory + match.Program));
+        list_->addItem(Q(SearchRow(match.Directory, match.Program)));
     }
 }
 

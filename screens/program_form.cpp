@@ -113,8 +113,14 @@ ProgramForm::ProgramForm(Panel& panel) : PanelForm(panel, "ProgramForm") {
     QPushButton* all[] = {select_, view, edit, list, search, batch, restart, exit};
     for (int i = 0; i < 8; ++i) buttons->addWidget(all[i], i / 4, i % 4);
     layout->addLayout(buttons);
-    for (auto [code, button] : {std::pair{'S', select_}, {'V', view}, {'E', edit}, {'L', list}, {'R', search},
-                                {'B', batch}, {'T', restart}, {'X', exit}})
+    for (auto [code, button] : {std::pair{'S', select_},
+                                {'V', view},
+                                {'E', edit},
+                                {'L', list},
+                                {'R', search},
+                                {'B', batch},
+                                {'T', restart},
+                                {'X', exit}})
         keys_.Add(code, button);
 
     connect(directories_, &QComboBox::activated, this, [this] { FillProgramCombo(Directory()); });

@@ -43,8 +43,7 @@ TEST_F(ProgramFormsTest, ProgramFormShowsTheStoreAndTheActiveSlot) {
     OnProgramForm([&](ProgramForm& form) {
         EXPECT_EQ(Items(form.DirectoryCombo()), (std::vector<std::string>{"Dorvenis"}));
         EXPECT_EQ(form.DirectoryCombo()->currentText().toStdString(), "Dorvenis");
-        EXPECT_EQ(Items(form.ProgramCombo()),
-                  (std::vector<std::string>{"COVER02", "ERRORS04", "GRID03", "PLATE01"}));
+        EXPECT_EQ(Items(form.ProgramCombo()), (std::vector<std::string>{"COVER02", "ERRORS04", "GRID03", "PLATE01"}));
         EXPECT_EQ(form.ProgramCombo()->currentText().toStdString(), "PLATE01");
         EXPECT_EQ(form.SlotLabel()->text().toStdString(), "PROGRAM 1 :  Dorvenis / PLATE01");
         EXPECT_FALSE(form.ProgressBar()->isVisible());
@@ -168,8 +167,8 @@ TEST_F(ProgramFormsTest, SearchFormListsMatchesAndSaysWhenThereAreNone) {
             search->OkButton()->click();
         });
         form.findChild<QPushButton*>("SearchButton")->click();
-        chosenDirectory = form.DirectoryCombo()->currentText().toStdString() + "/" +
-                          form.ProgramCombo()->currentText().toStdString();
+        chosenDirectory =
+            form.DirectoryCombo()->currentText().toStdString() + "/" + form.ProgramCombo()->currentText().toStdString();
     });
     EXPECT_EQ(none, "No Matching Programs Found !");
     EXPECT_EQ(label, "\"plate\"");
