@@ -196,12 +196,16 @@ void ProgramForm::ShowStage(SelectStage stage) {
 }
 
 void ProgramForm::Select() {
+    // The download spins the event queue: a second press meanwhile is not a second selection.
+    if (!select_->isEnabled()) return;
+    select_->setEnabled(false);
     stagesShown_ = 0;
     progress_->setValue(0);
     progressLabel_->show();
     progress_->show();
     SelectOutcome outcome = SelectProgram(panel_.State(), panel_, panel_.Link(), Directory(), Program(),
                                           [this](SelectStage stage) { ShowStage(stage); });
+    select_->setEnabled(true);
     progress_->hide();
     progressLabel_->hide();
     if (FrontEnd* front = panel_.Front()) front->ShowNavigation();

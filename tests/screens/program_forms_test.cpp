@@ -6,6 +6,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <filesystem>
+#include <fstream>
 
 #include "core/paths.h"
 #include "navigation/navigation.h"
@@ -353,4 +355,63 @@ TEST_F(ProgramFormsTest, EveryProgramScreenOpensByNameAndKeepsToThePanel) {
             EXPECT_TRUE(form.isVisible());
         });
     }
+}
+
+TEST_F(ProgramFormsTest, ProgramFormLettersOpenItsScreensAsItsButtonsDo) {
+    ASSERT_EQ(Start(), 0);
+    Select(1, "PLATE01");
+    std::vector<std::string> opened;
+    OnProgramForm([&](ProgramForm& form) {
+        for (Qt::Key key : {Qt::Key_V, Qt::Key_B, Qt::Key_L, Qt::Key_E}) {
+            WhenModal([&](QWidget* modal) {
+                opened.push_back(modal->objectName().toStdString());
+                modal->close();
+            });
+            QTest::keyClick(&form, key);
+        }
+        form.SearchBox()->setText("GRID");
+        WhenModal([&](QWidget* modal) {
+            opened.push_back(modal->objectName().toStdString());
+            modal->close();
+        });
+        QTest::keyClick(&form, Qt::Key_R);
+        QTest::keyClick(&form, Qt::Key_X);
+        EXPECT_FALSE(form.isVisible());
+    });
+    EXPECT_EQ(opened,
+              (std::vector<std::string>{"ViewProgForm", "BatchForm", "ProgListForm", "EditProgForm", "SearchForm"}));
+}
+
+TEST_F(ProgramFormsTest, ProgramChangeClosesTheProgramScreensFirst) {
+    ASSERT_EQ(Start(), 0);
+    Select(1, "PLATE01");
+    bool batchClosed = false, programClosed = false;
+    OnProgramForm([&](ProgramForm& form) {
+        WhenModal([&](QWidget* modal) {
+            QTest::keyClick(modal, Qt::Key_F11);
+            batchClosed = !modal->isVisible();
+        });
+        form.findChild<QPushButton*>("BatchButton")->click();
+        programClosed = !form.isVisible();
+    });
+    EXPECT_TRUE(batchClosed);
+    EXPECT_TRUE(programClosed);
+    EXPECT_EQ(P().State().Config.ActiveSlot, 2);
+}
+
+TEST_F(ProgramFormsTest, ADirectoryOfTenThousandProgramsIsListedWhole) {
+    ASSERT_EQ(Start(), 0);
+    std::filesystem::create_directories(dir_.Path() + "Programs/Big");
+    for (int n = 0; n < 10000; ++n)
+        std::ofstream(dir_.Path() + "Programs/Big/P" + std::to_string(10000 + n) + ".prg") << "G90\n";
+    std::vector<std::string> first;
+    int count = 0;
+    OnProgramForm([&](ProgramForm& form) {
+        form.DirectoryCombo()->setCurrentText("Big");
+        form.FillProgramCombo("Big");
+        count = form.ProgramCombo()->count();
+        for (int i = 0; i < 3; ++i) first.push_back(S(form.ProgramCombo()->itemText(i)));
+    });
+    EXPECT_EQ(count, 10000);
+    EXPECT_EQ(first, (std::vector<std::string>{"P10000", "P10001", "P10002"}));
 }
