@@ -154,8 +154,9 @@ void EditProgForm::Exit() {
 }
 
 void EditProgForm::reject() {
-    // Escape and the window's close ask about unsaved changes as E&XIT does.
-    if (closing_ || !editor_.Modified()) {
+    // Escape, the window's close and a program change ask about unsaved changes as E&XIT does;
+    // the shutdown closes every form without a question, and the program file stays as it was.
+    if (closing_ || !editor_.Modified() || panel_.State().ShuttingDown) {
         QDialog::reject();
         return;
     }

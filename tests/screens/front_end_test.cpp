@@ -53,6 +53,7 @@ TEST_F(PanelTest, F1WhileLockedDoesNothingAndF9StillOpensMessages) {
     EXPECT_EQ(opened, "MessageForm");
     EXPECT_EQ(P().Nav().CurrentForm, "MessageForm");
     P().Talk().LockAllForms(false);
+    WhenModal([](QWidget* modal) { modal->close(); });
     Key(key::F1);
     EXPECT_EQ(P().Nav().CurrentForm, "ProgramForm");
 }

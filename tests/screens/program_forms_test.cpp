@@ -415,3 +415,26 @@ TEST_F(ProgramFormsTest, ADirectoryOfTenThousandProgramsIsListedWhole) {
     EXPECT_EQ(count, 10000);
     EXPECT_EQ(first, (std::vector<std::string>{"P10000", "P10001", "P10002"}));
 }
+
+TEST_F(ProgramFormsTest, ShutdownClosesTheEditorWithoutAQuestionAndLeavesTheProgram) {
+    ASSERT_EQ(Start(), 0);
+    const std::string path = dir_.Path() + "Programs/Dorvenis/PLATE01.prg";
+    std::string before = ReadFileText(path);
+    bool closed = false;
+    std::string question = "none";
+    OnProgramForm([&](ProgramForm& form) {
+        form.ProgramCombo()->setCurrentText("PLATE01");
+        WhenModal([&](QWidget* modal) {
+            auto* edit = static_cast<EditProgForm*>(modal);
+            edit->LineList()->setCurrentRow(0);
+            edit->Button("DeleteButton")->click();
+            question = WarningOf([&] { P().ShutdownPressed(); });
+            closed = !edit->isVisible();
+        });
+        form.findChild<QPushButton*>("EditButton")->click();
+    });
+    EXPECT_EQ(question, "");
+    EXPECT_TRUE(closed);
+    EXPECT_EQ(Ends, 1);
+    EXPECT_EQ(ReadFileText(path), before);
+}
