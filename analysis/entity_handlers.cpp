@@ -5,9 +5,9 @@
 #include <cmath>
 #include <optional>
 
+#include "analysis/expand.h"
 #include "analysis/language_walk.h"
 #include "analysis/pattern_walk.h"
-#include "analysis/expand.h"
 #include "analysis/tool_outline.h"
 #include "core/geometry.h"
 #include "core/number.h"
@@ -78,7 +78,7 @@ void LanguageWalk::Append() {
 
 // The frame's ending for punches and patterns: written, counted, the hits checked.
 void LanguageWalk::BeginArcPattern(double centreX, double centreY, double radius, double first, double sweep,
-                                 double step) {
+                                   double step) {
     BeginEntity(EntityKind::ArcPattern, "Arc Pattern");
     TakeTool();
     rec_.Points.Position = {ToSingle(centreX), ToSingle(centreY)};

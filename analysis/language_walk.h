@@ -46,7 +46,11 @@ protected:
 
     LanguageWalk(const std::vector<std::string>& m1, const std::vector<std::string>& m2, std::string& report,
                  std::int16_t& toolChanges, const ReverseSettings& settings)
-        : m1_(m1), m2_(m2), report_(report), toolChanges_(toolChanges), settings_(settings),
+        : m1_(m1),
+          m2_(m2),
+          report_(report),
+          toolChanges_(toolChanges),
+          settings_(settings),
           stations_(settings.Stations) {}
 
     // The modal state at its start values: the load position, the travel limits, the
