@@ -100,7 +100,7 @@ std::size_t GatherRun::StopWithin(std::size_t lines) {
     if (ahead < 1 || static_cast<std::size_t>(ahead) > lines) return 0;
     const std::int16_t mainCount = S.Depth == 0 ? want : S.BlockCount[0];
     return GatherReached(target_, S.Depth, mainCount, want, S.CallStates[S.Depth]) ? static_cast<std::size_t>(ahead)
-                                                                                    : 0;
+                                                                                   : 0;
 }
 
 // No tool check: a wrong station does not stop a restart.
@@ -134,11 +134,10 @@ void GatherRun::Reposition() {
 // The report keeps the limits, a bad grid, the repositions and the walk's own faults; the
 // checks of tools and cycles are the Reverse pass's.
 void GatherRun::Error(std::string_view message, bool critical) {
-    static const std::string_view kept[] = {pass_message::OutOfLimitsX,       pass_message::OutOfLimitsY,
-                                            pass_message::InvalidHitsP1P3,    gather_message::ExcessiveBackoff,
-                                            gather_message::ExcessiveReturn,  reverse_message::TooDeep,
-                                            reverse_message::BlockLimit,      reverse_message::TooManyBlocks,
-                                            reverse_message::NumberOverflow};
+    static const std::string_view kept[] = {
+        pass_message::OutOfLimitsX,       pass_message::OutOfLimitsY,      pass_message::InvalidHitsP1P3,
+        gather_message::ExcessiveBackoff, gather_message::ExcessiveReturn, reverse_message::TooDeep,
+        reverse_message::BlockLimit,      reverse_message::TooManyBlocks,  reverse_message::NumberOverflow};
     for (std::string_view k : kept)
         if (message == k) {
             LanguageWalk::Error(message, critical);
@@ -156,7 +155,8 @@ void GatherRun::Finish(GatherState& state) {
     state.Gathered = reached_ ? -1 : 0;
     state.Hits = hits_;
     state.BlockNo = 0;
-    if (reached_ && !BlockNumber(target_.MainBlockText, state.BlockNo)) BlockNumber(target_.SubBlockText, state.BlockNo);
+    if (reached_ && !BlockNumber(target_.MainBlockText, state.BlockNo))
+        BlockNumber(target_.SubBlockText, state.BlockNo);
     // 5. The end of the repositions.
     repositions_.push_back("******");
     // 6. The state in the report.

@@ -20,14 +20,14 @@ struct GatherState {
     std::int16_t BlockNo = 0;   // N of the block reached; 0 when none or negative
     std::int16_t Imperial = 0;
     std::int16_t Incremental = 0;
-    float G92X = 0, G92Y = 0;  // the origin that G92 (and G93) set, without the G56 shifts
-    float G56X = 0, G56Y = 0;  // the G56 shifts
-    float Reposition = 0;      // the sum of the G95 shifts so far, mm
+    float G92X = 0, G92Y = 0;     // the origin that G92 (and G93) set, without the G56 shifts
+    float G56X = 0, G56Y = 0;     // the G56 shifts
+    float Reposition = 0;         // the sum of the G95 shifts so far, mm
     std::int16_t MirrorCode = 0;  // 0 none, 1 X, 2 Y, 3 both
     std::int16_t Station = 0;
     std::int16_t Profiler = 0;
     std::int16_t PlasmaOn = 0;
-    std::int16_t KerfSide = 0;                 // 0 none, 1 left (G41), 2 right (G42)
+    std::int16_t KerfSide = 0;                // 0 none, 1 left (G41), 2 right (G42)
     std::array<float, 10> ProfileSettings{};  // P101 to P110: element 0 is P101
     float X = 0, Y = 0, C = 0;
     std::int16_t Hits = 0;  // hits done before the block
@@ -67,9 +67,9 @@ GatherResult GatherTexts(const std::vector<std::string>& m1, const std::vector<s
 
 // The entry: reads stem + "M1" and stem + "M2", writes "Gather.txt" in settings.ServiceDir
 // (program and directory in its head) and "Gather.rep" in `controllerDir`, and fills `state`.
-[[nodiscard]] GatherResult GatherPass(const std::string& directory, const std::string& program,
-                                      const std::string& stem, const GatherTarget& target, GatherState& state,
-                                      const ReverseSettings& settings, const std::string& controllerDir);
+[[nodiscard]] GatherResult GatherPass(const std::string& directory, const std::string& program, const std::string& stem,
+                                      const GatherTarget& target, GatherState& state, const ReverseSettings& settings,
+                                      const std::string& controllerDir);
 
 namespace gather_message {
 inline constexpr const char* ExcessiveBackoff = " G95 with Excessive Backoff distance (J) ";

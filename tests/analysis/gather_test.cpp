@@ -99,8 +99,8 @@ TEST(GatherPass, TwoRepositionsLeaveTwoLinesAndTheirSum) {
     ReverseSettings settings = ReverseTestSettings();
     settings.ServiceDir = dir.Path();
     GatherState state;
-    GatherResult r =
-        GatherPass("DIR", "PROG", dir.Path() + "Slot.", MainTarget(5, "N0005 G81 X20 Y20"), state, settings, dir.Path());
+    GatherResult r = GatherPass("DIR", "PROG", dir.Path() + "Slot.", MainTarget(5, "N0005 G81 X20 Y20"), state,
+                                settings, dir.Path());
     EXPECT_FALSE(r.FileFault);
     EXPECT_EQ(state.Gathered, -1);
     EXPECT_FLOAT_EQ(state.Reposition, 150);
@@ -131,9 +131,9 @@ TEST(GatherPass, ReportAsToldWithItsHeadLines) {
     ReverseSettings settings = ReverseTestSettings();
     settings.ServiceDir = dir.Path();
     GatherState state;
-    ASSERT_FALSE(GatherPass("DIR", "PROG", dir.Path() + "Slot.", MainTarget(5, "N0005 G81 X1"), state, settings,
-                            dir.Path())
-                     .FileFault);
+    ASSERT_FALSE(
+        GatherPass("DIR", "PROG", dir.Path() + "Slot.", MainTarget(5, "N0005 G81 X1"), state, settings, dir.Path())
+            .FileFault);
     EXPECT_EQ(ReadFileText(dir.Path() + "Gather.txt"),
               "PROGRAM   :  PROG\n"
               "DIRECTORY :  DIR\n"
@@ -171,8 +171,8 @@ TEST(GatherPass, TargetNeverReachedIsGatheredFalse) {
 
 TEST(GatherPass, NoToolCheckAndNoOriginFromG93) {
     // A station beyond the turret neither reports nor stops the walk; G93 has no handler.
-    GatherResult r = Gather("N0001 G90 T99\nN0002 G93 X100 Y100\nN0003 G81 X10 Y10\nN0004 M55 I1\nN0005 G81\n", "",
-                            MainTarget(5));
+    GatherResult r =
+        Gather("N0001 G90 T99\nN0002 G93 X100 Y100\nN0003 G81 X10 Y10\nN0004 M55 I1\nN0005 G81\n", "", MainTarget(5));
     EXPECT_EQ(r.State.Gathered, -1);
     EXPECT_EQ(r.State.Station, 99);
     EXPECT_EQ(r.State.Hits, 1);
@@ -183,8 +183,8 @@ TEST(GatherPass, NoToolCheckAndNoOriginFromG93) {
 }
 
 TEST(GatherPass, LimitsAndBadGridAreReported) {
-    GatherResult r = Gather("N0001 G90 T1\nN0002 G81 X5000 Y10\nN0003 G26 P1=1 P2=10 P3=3 P4=10\nN0004 G81\n", "",
-                            MainTarget(4));
+    GatherResult r =
+        Gather("N0001 G90 T1\nN0002 G81 X5000 Y10\nN0003 G26 P1=1 P2=10 P3=3 P4=10\nN0004 G81\n", "", MainTarget(4));
     EXPECT_NE(r.Report.find("****** WARNING ERROR ******\nOut of limits in X\nN0002 G81 X5000 Y10\n"),
               std::string::npos);
     EXPECT_NE(r.Report.find("Invalid number of Hits (P1,P3)\nN0003"), std::string::npos);
