@@ -12,6 +12,7 @@
 #include "core/number.h"
 #include "core/paths.h"
 #include "core/text.h"
+#include "system/restart_slot.h"
 #include "system/slots.h"
 #include "system/startup.h"
 #include "translate/blend.h"
@@ -117,15 +118,7 @@ void ReadSlotPlasma(const std::string& slotStem, SlotRecord& record) {
 
 // The Reverse pass on the slot: the drawing, "Reverse.txt" and the statistics.
 ReverseResult ReverseSlot(Process& process, int slot, const std::string& stem, SlotRecord& record) {
-    ReverseSettings settings = ReverseSettingsFrom(process.Config.Machine, process.Config.Dirs,
-                                                   SlotTable(process.Tools, slot), MachinePlasmaTool(process.Tools));
-    if (FileExists(stem + "pls")) {
-        PlasmaSetting plasma;
-        std::string description;
-        ClearPlasmaSetting(plasma);
-        LoadPlasmaSetting(stem + "pls", description, plasma);
-        PlasmaToSettings(plasma, settings.ProgramSettings);
-    }
+    ReverseSettings settings = SlotReverseSettings(process, slot);
     std::int16_t toolChanges = 0;
     ReverseResult result = ReversePass(stem, record.ProgramName, record.ProgramDirName, toolChanges, settings);
     record.Stats = SlotStats{result.Stats.Hits, result.Stats.Travel, result.Stats.CutLength};
