@@ -123,7 +123,7 @@ void LineFields::Change(Field field, double value) {
         case StartX:
         case StartY:
             (field == StartX ? X1 : Y1) = value;
-            if (LengthValue != 0 && !FinishByHand)
+            if (!FinishByHand)
                 finishFromPolar();
             else
                 lengthAndAngle();
@@ -163,7 +163,8 @@ Composed ComposeLine(const LineFields& f, double indexAngle, std::int16_t compen
     if (plasma && (samePoint || f.LengthValue == 0)) return Refused(dialogue_message::InvalidLine);
     if (!plasma && (f.HitsValue < 2 || samePoint || f.LengthValue == 0 || f.PitchValue == 0))
         return Refused(dialogue_message::InvalidLine);
-    EntityRec rec = plasma ? Started(EntityKind::LineProfile, "Line Profile") : Started(EntityKind::LinearPattern, "Line");
+    EntityRec rec =
+        plasma ? Started(EntityKind::LineProfile, "Line Profile") : Started(EntityKind::LinearPattern, "Line");
     EntityPoints& p = rec.Points;
     p.Start = p.Entry = Stored(f.X1, f.Y1);
     p.End = p.Exit = Stored(f.X2, f.Y2);

@@ -53,9 +53,9 @@ bool WriteDrawing(const std::string& path, std::vector<EntityRec>& records) {
 
 DialogueScreen ScreenOfButton(int button) {
     static constexpr std::array<DialogueScreen, 9> screens = {
-        DialogueScreen::Sheet, DialogueScreen::Punch, DialogueScreen::Line,       DialogueScreen::Grid,
-        DialogueScreen::Arc,   DialogueScreen::Stop,  DialogueScreen::Dwell,      DialogueScreen::Reposition,
-        DialogueScreen::MultiPart};
+        DialogueScreen::Sheet, DialogueScreen::Punch,      DialogueScreen::Line,
+        DialogueScreen::Grid,  DialogueScreen::Arc,        DialogueScreen::Stop,
+        DialogueScreen::Dwell, DialogueScreen::Reposition, DialogueScreen::MultiPart};
     if (button < 1 || button > 9) return DialogueScreen::None;
     return screens[static_cast<std::size_t>(button - 1)];
 }

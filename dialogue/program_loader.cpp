@@ -80,7 +80,8 @@ LoadResult LoadProgram(DialogueSession& session, const std::string& directoryNam
     for (const std::string& line : *lines)
         if (!Trim(line).empty()) kept.emplace_back(Trim(line));
     const std::string temporary = dirs.RootDir + "Temp.org";
-    if (!WriteLines(temporary, kept) || !MoveFileOver(temporary, stem + "org")) return Refused("File Fault : " + stem + "org");
+    if (!WriteLines(temporary, kept) || !MoveFileOver(temporary, stem + "org"))
+        return Refused("File Fault : " + stem + "org");
     std::int16_t dialect = 0;
     ConvertResult converted = ConvertProgram(stem, dialect, ConvertSettingsFrom(machine, dirs));
     if (converted.Status != ConvertStatus::Done) return Refused(load_message::ErrorsInCode);
@@ -117,8 +118,8 @@ LoadResult LoadProgram(DialogueSession& session, const std::string& directoryNam
 
     // 4. The work files, and the cursor on the last entity.
     if (!session.ReadSheet()) return Refused("File Fault : " + session.WorkFile("drw"));
-    bool written = WriteLines(session.WorkFile("cfg"), {session.State.ProgName, session.State.ProgDir,
-                                                          session.State.ProgText, EndMarker});
+    bool written = WriteLines(session.WorkFile("cfg"),
+                              {session.State.ProgName, session.State.ProgDir, session.State.ProgText, EndMarker});
     written = WriteProgramTurret(session.WorkFile("trt"), table, ProgramTurret{}) && written;
     if (!written) return Refused("File Fault : " + session.WorkFile("trt"));
     session.State.EntityCursor = session.State.EntityCount;

@@ -59,7 +59,8 @@ PointF Shifted(PointF p, double dx, double dy) { return PointF{ToSingle(p.X + dx
 
 void ShiftRecord(EntityRec& rec, double dx, double dy) {
     EntityPoints& p = rec.Points;
-    for (PointF* point : {&p.Start, &p.Middle, &p.End, &p.Position, &p.Entry, &p.Exit}) *point = Shifted(*point, dx, dy);
+    for (PointF* point : {&p.Start, &p.Middle, &p.End, &p.Position, &p.Entry, &p.Exit})
+        *point = Shifted(*point, dx, dy);
     rec.Extent = {Shifted(rec.Extent.Low, dx, dy), Shifted(rec.Extent.High, dx, dy)};
     rec.ClearBox = {Shifted(rec.ClearBox.Low, dx, dy), Shifted(rec.ClearBox.High, dx, dy)};
 }
@@ -273,12 +274,11 @@ void Generator::ArcPattern(EntityRec rec) {
     if (Autoindex(rec)) indexWords = CWord(rec) + (rec.Counts[2] != 0 ? " P10=-999" : " P10=1");
     if (rec.Values[3] < 10) {
         Block(" G37" + XY(rec.Points.Position) + indexWords + " R" + Length(rec.Values[1]) +
-              " P1=" + Angle(rec.Values[11]) + " P5=" + Angle(rec.Values[10]) + " P8=" + Length(rec.Values[3]) +
-              tail_);
+              " P1=" + Angle(rec.Values[11]) + " P5=" + Angle(rec.Values[10]) + " P8=" + Length(rec.Values[3]) + tail_);
     } else {
         Block(" G28 R" + Length(rec.Values[1]) + indexWords + " P1=" + std::to_string(rec.Counts[1]) +
-              " P2=" + Angle(rec.Values[12]) + " P3=" + Angle(rec.Values[10]) + " P7=" +
-              Length(rec.Points.Position.X) + " P8=" + Length(rec.Points.Position.Y) + " P9=1" + tail_);
+              " P2=" + Angle(rec.Values[12]) + " P3=" + Angle(rec.Values[10]) + " P7=" + Length(rec.Points.Position.X) +
+              " P8=" + Length(rec.Points.Position.Y) + " P9=1" + tail_);
     }
     MovedTo(rec.Points.Exit);
 }
@@ -321,15 +321,15 @@ void Generator::Entity(const EntityRec& rec, bool tailAllowed) {
             break;
         case EntityKind::LinearPattern:
             M101Rule();
-            Block(" G26" + XY(p.Start) + CWord(rec) + " P1=" + std::to_string(rec.Counts[1]) + " P2=" +
-                  Length(rec.Values[2]) + " P5=" + Angle(rec.Values[10]) + " P9=1 P10=0 P11=0" + tail_);
+            Block(" G26" + XY(p.Start) + CWord(rec) + " P1=" + std::to_string(rec.Counts[1]) +
+                  " P2=" + Length(rec.Values[2]) + " P5=" + Angle(rec.Values[10]) + " P9=1 P10=0 P11=0" + tail_);
             MovedTo(p.Exit);
             break;
         case EntityKind::GridPattern:
             M101Rule();
-            Block(" G26" + XY(p.Start) + CWord(rec) + " P1=" + std::to_string(rec.Counts[1]) + " P2=" +
-                  Length(rec.Values[2]) + " P3=" + std::to_string(rec.Counts[2]) + " P4=" + Length(rec.Values[4]) +
-                  " P5=" + Angle(rec.Values[10]) + " P9=1 P10=0 P11=0" + tail_);
+            Block(" G26" + XY(p.Start) + CWord(rec) + " P1=" + std::to_string(rec.Counts[1]) +
+                  " P2=" + Length(rec.Values[2]) + " P3=" + std::to_string(rec.Counts[2]) +
+                  " P4=" + Length(rec.Values[4]) + " P5=" + Angle(rec.Values[10]) + " P9=1 P10=0 P11=0" + tail_);
             MovedTo(p.Exit);
             break;
         case EntityKind::ArcPattern:
@@ -375,9 +375,8 @@ void Generator::MultiPart(const EntityRec& part, const std::vector<EntityRec>& p
         // The group: up to the record before the tool changes.
         std::size_t end = first + 1;
         const std::int16_t station = partRecords[first].StationNo;
-        while (end < partRecords.size() &&
-               !(partRecords[end].Tool.IsValid() && CallsTool(partRecords[end].Kind) &&
-                 partRecords[end].StationNo != station))
+        while (end < partRecords.size() && !(partRecords[end].Tool.IsValid() && CallsTool(partRecords[end].Kind) &&
+                                             partRecords[end].StationNo != station))
             ++end;
         LastStation = 0;
         double offsetX = part.Values[3], offsetY = part.Values[4];
@@ -537,7 +536,8 @@ WriteResult WriteProgram(DialogueSession& session, const std::string& directoryN
     const std::string prefix = UpperCase(name + ".");
     for (const std::string& entry : ListDirectory(path, false)) {
         const std::string full = path + entry;
-        if (full != target && UpperCase(entry).starts_with(prefix) && entry.find('.', prefix.size()) == std::string::npos) {
+        if (full != target && UpperCase(entry).starts_with(prefix) &&
+            entry.find('.', prefix.size()) == std::string::npos) {
             std::error_code error;
             fs::remove(full, error);
         }

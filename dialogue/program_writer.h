@@ -18,13 +18,13 @@ namespace kirvana {
 // What a generation needs beside the drawing.
 struct GeneratorInput {
     std::string ProgName, ProgDir, ProgText;
-    bool Imperial = false;                  // G70 and lengths in inches
-    StationTable Table;                     // turret numbers, autoindex stations, header tools
-    std::int16_t MachineOrientation = 1;    // 1: G102 is the clockwise arc
-    bool ProfilerArcSwap = false;           // G102 and G103 trade places
-    bool ProfilerArcCentre = false;         // I and J are written with the sign turned
-    std::string Today;                      // "dd-mm-yyyy"; today when empty
-    std::string PartDrawing;                // the `.prw` a Multi-Part repeats
+    bool Imperial = false;                // G70 and lengths in inches
+    StationTable Table;                   // turret numbers, autoindex stations, header tools
+    std::int16_t MachineOrientation = 1;  // 1: G102 is the clockwise arc
+    bool ProfilerArcSwap = false;         // G102 and G103 trade places
+    bool ProfilerArcCentre = false;       // I and J are written with the sign turned
+    std::string Today;                    // "dd-mm-yyyy"; today when empty
+    std::string PartDrawing;              // the `.prw` a Multi-Part repeats
 };
 GeneratorInput GeneratorInputOf(const DialogueSession& session);
 
