@@ -91,7 +91,8 @@ Composed ComposePunch(double x, double y, double indexAngle, int punchOption, co
     } else {
         p.Start = p.Middle = p.End = p.Entry = p.Exit = p.Position;
     }
-    TakeTool(rec, tool, indexAngle);
+    // A Move is not a punching entity: it carries no tool.
+    if (punchOption != 1) TakeTool(rec, tool, indexAngle);
     return Done(std::move(rec));
 }
 
@@ -295,10 +296,22 @@ Composed ComposeArc(const ArcFields& fields, double indexAngle, bool indexWithAr
         CopySettings(plasmaSettings, rec.Settings);
     } else {
         // The step goes the way of the sweep.
-        const double step = f.Sweep < 0 ? -std::fabs(f.AngularPitch) : std::fabs(f.AngularPitch);
+        double step = f.Sweep < 0 ? -std::fabs(f.AngularPitch) : std::fabs(f.AngularPitch);
+        std::int32_t hits = f.HitsValue;
+        if (f.NibblePitch > 0 && f.NibblePitch < NibbleFormPitch) {
+            // Nibbled: the hits the machine makes of the arc at this pitch, one more than the
+            // whole pitches along it; a full circle has no hit at its end.
+            const double length = std::fabs(f.Sweep) / 360 * (f.Radius * Pi * 2);
+            const double whole = std::trunc(length / f.NibblePitch);
+            const std::int32_t n = whole >= 32766 ? 32767 : static_cast<std::int32_t>(whole) + 1;
+            if (n > 1) {
+                step = f.Sweep / (n - 1);
+                hits = std::fabs(f.Sweep) == 360 ? n - 1 : n;
+            }
+        }
         rec.Values[3] = ToSingle(f.NibblePitch);
         rec.Values[12] = ToSingle(step);
-        rec.Counts[1] = static_cast<std::int16_t>(f.HitsValue);
+        rec.Counts[1] = static_cast<std::int16_t>(hits);
         rec.Counts[2] = indexWithArc ? TrueWord : FalseWord;
     }
     TakeTool(rec, tool, indexAngle);

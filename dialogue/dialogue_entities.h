@@ -131,6 +131,8 @@ struct ArcFields {
     // nibble pitch; a nibble pitch the angular pitch and hits; hits the angular pitch.
     void Change(Field field, double value);
 };
+// A punched arc whose nibble pitch is below this is nibbled (G37), otherwise hit (G28).
+inline constexpr double NibbleFormPitch = 10;
 Composed ComposeArc(const ArcFields& fields, double indexAngle, bool indexWithArc, std::int16_t compensation,
                     const ScreenTool& tool, const SettingsArray& plasmaSettings);
 

@@ -10,6 +10,7 @@
 #include "core/number.h"
 #include "core/paths.h"
 #include "core/text.h"
+#include "core/words.h"
 #include "translate/convert.h"
 
 namespace fs = std::filesystem;
@@ -33,16 +34,23 @@ std::optional<std::string> Labelled(const std::string& line, std::string_view la
     return std::string(Trim(std::string_view(line).substr(colon + 1)));
 }
 
-// An inch program's header gives its sheet and clamps in inches: the record holds mm.
-bool SheetToMillimetres(const std::string& drawing) {
+// The nibble pitch of an arc nibbled by G37 is the block's step: the drawing keeps the pitch
+// along the arc, which the dialogue would write back as a different step.
+bool TakeNibblePitches(const std::string& drawing, bool inches) {
     DrawingFile file;
     if (!file.Open(drawing)) return false;
-    EntityRec sheet;
-    if (!file.Get(1, sheet)) return false;
-    for (std::size_t slot : {1u, 2u, 7u, 8u, 9u, 10u})
-        sheet.Values[slot] = ToSingle(RoundHalfEven(Number(sheet.Values[slot] * Inch), 4));
-    sheet.Counts[2] = TrueWord;
-    return file.Put(1, sheet) && file.Close();
+    const std::int32_t last = file.LastReadable();
+    for (std::int32_t n = 2; n <= last; ++n) {
+        EntityRec rec;
+        if (!file.Get(n, rec)) return false;
+        if (rec.Kind != EntityKind::ArcPattern || FindNoCase(rec.BlockText, "G37") == std::string::npos) continue;
+        ValueReader reader;
+        const double step = reader.WordNumber(rec.BlockText, "P8=");
+        if (reader.WordMissing || step <= 0) continue;
+        rec.Values[3] = ToSingle(RoundHalfEven(Number(inches ? step * Inch : step), 4));
+        if (!file.Put(n, rec)) return false;
+    }
+    return file.Close();
 }
 
 }  // namespace
@@ -97,8 +105,13 @@ LoadResult LoadProgram(DialogueSession& session, const std::string& directoryNam
 
     // 3. The drawing becomes the dialogue's; names from the header; the tools of the header
     // with the settings of the program's `.stg`; its plasma set or the default one.
-    const bool inches = ReadHeader(kept).InchHeader;
-    if (inches && !SheetToMillimetres(stem + "drw")) return Refused("File Fault : " + stem + "drw");
+    DrawingFile reversedDrawing;
+    EntityRec sheet;
+    if (!reversedDrawing.Open(stem + "drw", true) || !reversedDrawing.Get(1, sheet))
+        return Refused("File Fault : " + stem + "drw");
+    reversedDrawing.Close();
+    const bool inches = sheet.Counts[2] != 0;
+    if (!TakeNibblePitches(stem + "drw", inches)) return Refused("File Fault : " + stem + "drw");
     std::error_code error;
     fs::remove(session.WorkFile("prw"), error);
     if (!MoveFileOver(stem + "drw", session.WorkFile("drw"))) return Refused("File Fault : " + session.WorkFile("drw"));
@@ -110,7 +123,7 @@ LoadResult LoadProgram(DialogueSession& session, const std::string& directoryNam
     session.State.ImperialDialogue = inches;
     StationTable& table = session.Table();
     table = session.Tools().MachineTable;
-    for (const auto& [station, text] : ReadHeader(kept).Tools)
+    for (const auto& [station, text] : ReadHeader(ReadLines(stem + "M1").value_or(kept)).Tools)
         if (station >= 1 && station <= static_cast<int>(table.size()))
             SetStationTool(table[static_cast<std::size_t>(station - 1)], text);
     if (FileExists(programStem + ".stg")) ReadProgramSettings(programStem + ".stg", table, dirs.ServiceDir);

@@ -272,7 +272,7 @@ void Generator::ArcPattern(EntityRec rec) {
     if (std::fabs(rec.Values[11]) == 360 && std::fabs(rec.Values[12]) * rec.Counts[1] >= 360) --rec.Counts[1];
     std::string indexWords;
     if (Autoindex(rec)) indexWords = CWord(rec) + (rec.Counts[2] != 0 ? " P10=-999" : " P10=1");
-    if (rec.Values[3] < 10) {
+    if (rec.Values[3] < NibbleFormPitch) {
         Block(" G37" + XY(rec.Points.Position) + indexWords + " R" + Length(rec.Values[1]) +
               " P1=" + Angle(rec.Values[11]) + " P5=" + Angle(rec.Values[10]) + " P8=" + Length(rec.Values[3]) + tail_);
     } else {

@@ -6,8 +6,8 @@
 #include <fstream>
 
 #include "analysis/drawing_file.h"
-#include "core/paths.h"
 #include "analysis/tool_outline.h"
+#include "core/paths.h"
 #include "dialogue/program_writer.h"
 #include "tests/dialogue/dialogue_fixture.h"
 
@@ -91,7 +91,8 @@ TEST_F(ProgramWriterTest, TwoPunchesWithTheSameToolTheSecondHasNoT) {
     Punch(100, 50, 1);
     Punch(120, 50, 1);
     Punch(140, 50, 2);
-    EXPECT_EQ(Body(Generate()), (std::vector<std::string>{"N0030 X100 Y50 T01", "N0032 X120 Y50", "N0034 X140 Y50 T02"}));
+    EXPECT_EQ(Body(Generate()),
+              (std::vector<std::string>{"N0030 X100 Y50 T01", "N0032 X120 Y50", "N0034 X140 Y50 T02"}));
 }
 
 TEST_F(ProgramWriterTest, OnlyAnAutoindexStationGetsACWord) {
@@ -220,9 +221,18 @@ TEST_F(ProgramWriterTest, MultiPartRepeatsEachToolGroupOverTheCells) {
     auto body = Body(Generate());
     // Group one, station 1: cells (20,30), (130,30), then up a row walking back: (130,85), (20,85).
     EXPECT_EQ(body, (std::vector<std::string>{
-                        "N0030 X30 Y40 T01", "N0032 X40 Y40", "N0034 X140 Y40", "N0036 X150 Y40",
-                        "N0038 X140 Y95", "N0040 X150 Y95", "N0042 X30 Y95", "N0044 X40 Y95",
-                        "N0046 X50 Y60 T02", "N0048 X160 Y60", "N0050 X160 Y115", "N0052 X50 Y115",
+                        "N0030 X30 Y40 T01",
+                        "N0032 X40 Y40",
+                        "N0034 X140 Y40",
+                        "N0036 X150 Y40",
+                        "N0038 X140 Y95",
+                        "N0040 X150 Y95",
+                        "N0042 X30 Y95",
+                        "N0044 X40 Y95",
+                        "N0046 X50 Y60 T02",
+                        "N0048 X160 Y60",
+                        "N0050 X160 Y115",
+                        "N0052 X50 Y115",
                     }));
 }
 
@@ -233,9 +243,12 @@ TEST_F(ProgramWriterTest, WriteRefusesBadNames) {
         return false;
     };
     EXPECT_EQ(WriteProgram(session, "", "P", never).Message, (std::vector<std::string>{"Invalid Directory Name !"}));
-    EXPECT_EQ(WriteProgram(session, "../x", "P", never).Message, (std::vector<std::string>{"Invalid Directory Name !"}));
-    EXPECT_EQ(WriteProgram(session, "Dorvenis", " ", never).Message, (std::vector<std::string>{"Invalid Program Name !"}));
-    EXPECT_EQ(WriteProgram(session, "Dorvenis", "a/b", never).Message, (std::vector<std::string>{"Invalid Program Name !"}));
+    EXPECT_EQ(WriteProgram(session, "../x", "P", never).Message,
+              (std::vector<std::string>{"Invalid Directory Name !"}));
+    EXPECT_EQ(WriteProgram(session, "Dorvenis", " ", never).Message,
+              (std::vector<std::string>{"Invalid Program Name !"}));
+    EXPECT_EQ(WriteProgram(session, "Dorvenis", "a/b", never).Message,
+              (std::vector<std::string>{"Invalid Program Name !"}));
 }
 
 TEST_F(ProgramWriterTest, WriteAsksToCreateADirectoryAndToOverwrite) {
