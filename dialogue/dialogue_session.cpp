@@ -123,6 +123,7 @@ bool DialogueSession::ReadSheet() {
     State.SheetY = sheet.Values[2];
     for (std::size_t i = 0; i < 4; ++i) State.ClampPos[i] = sheet.Values[7 + i];
     State.SheetDefined = State.SheetX > 0 && State.SheetY > 0;
+    State.ImperialDialogue = sheet.Counts[2] != 0;
     // The last point: the end of the last entity.
     State.LastX = State.LastY = 0;
     EntityRec last;
@@ -133,25 +134,27 @@ bool DialogueSession::ReadSheet() {
     return true;
 }
 
-std::vector<std::string> DialogueSession::Start() {
+bool DialogueSession::ReadWorkFiles() {
     State.EditMode = false;
     State.OffsetX = 0;
     CopyMachineTable(tooling_, 0);
     tooling_.DialoguePlasma = ProgramPlasmaSetting(dirs_, WorkFile("pls"));
-    if (!FileExists(WorkFile("cfg")) || !FileExists(WorkFile("drw"))) {
-        if (!Clear()) return {"File Fault : " + WorkFile("drw")};
-        return {};
-    }
-    if (!ReadCfg() || !ReadSheet()) {
-        std::vector<std::string> notice = {DamagedDialogueNotice, EmptyDialogueNotice};
-        if (!Clear()) notice.push_back("File Fault : " + WorkFile("drw"));
-        return notice;
-    }
+    if (!FileExists(WorkFile("cfg")) || !FileExists(WorkFile("drw")) || !ReadCfg() || !ReadSheet()) return false;
     ProgramTurret header;
     if (FileExists(WorkFile("trt"))) ReadProgramTurret(WorkFile("trt"), Table(), header, dirs_.ServiceDir);
     State.MultiPartMode = FileExists(WorkFile("prw"));
     State.EntityCursor = State.EntityCount;
-    return {};
+    return true;
+}
+
+std::vector<std::string> DialogueSession::Start() {
+    const bool present = FileExists(WorkFile("cfg")) && FileExists(WorkFile("drw"));
+    if (ReadWorkFiles()) return {};
+    // Missing work files start an empty dialogue; damaged ones say so.
+    std::vector<std::string> notice;
+    if (present) notice = {DamagedDialogueNotice, EmptyDialogueNotice};
+    if (!Clear()) notice.push_back("File Fault : " + WorkFile("drw"));
+    return notice;
 }
 
 bool DialogueSession::Leave() {
@@ -266,6 +269,7 @@ bool DialogueSession::ConfirmSheet(const SheetFields& fields) {
     bool defined = false;
     EntityRec sheet = ComposeSheet(fields, State.EntityCount, defined);
     sheet.Compensation = machine_.MachineType;
+    sheet.Counts[2] = State.ImperialDialogue ? TrueWord : FalseWord;
     DrawingFile file;
     if (!file.Open(WorkFile("drw"))) return false;
     if (!file.Put(1, sheet) || !file.Close()) return false;

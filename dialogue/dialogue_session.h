@@ -118,9 +118,12 @@ public:
     // The dialogue's plasma set as a record's 24 settings.
     SettingsArray PlasmaSettingsArray() const;
 
-    // Reads the sheet values and the count from record 1 of the drawing; false when the file
-    // is missing or damaged.
+    // Reads the sheet values and the count from record 1 of the drawing (the unit too: the
+    // Sheet's `Counts[2]` is -1 for inches); false when the file is missing or damaged.
     bool ReadSheet();
+    // Restores the state from the work files (`.cfg`, `.drw`, `.trt`, `.pls`) without writing
+    // any; false when `.cfg` or `.drw` is missing or damaged.
+    bool ReadWorkFiles();
 
 private:
     bool WriteCfg() const;

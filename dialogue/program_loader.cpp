@@ -126,6 +126,8 @@ LoadResult LoadProgram(DialogueSession& session, const std::string& directoryNam
     for (const auto& [station, text] : ReadHeader(ReadLines(stem + "M1").value_or(kept)).Tools)
         if (station >= 1 && station <= static_cast<int>(table.size()))
             SetStationTool(table[static_cast<std::size_t>(station - 1)], text);
+    ProgramTurret turret;
+    if (FileExists(programStem + ".trt")) ReadProgramTurret(programStem + ".trt", table, turret, dirs.ServiceDir);
     if (FileExists(programStem + ".stg")) ReadProgramSettings(programStem + ".stg", table, dirs.ServiceDir);
     session.Plasma() = plasma;
 

@@ -423,8 +423,19 @@ GeneratorInput GeneratorInputOf(const DialogueSession& session) {
     input.MachineOrientation = session.Machine().MachineOrientation;
     input.ProfilerArcSwap = session.Machine().ProfilerArcSwap;
     input.ProfilerArcCentre = session.Machine().ProfilerArcCentre;
-    input.PartDrawing = session.WorkFile("prw");
     return input;
+}
+
+std::string PartDrawingOf(const std::string& drawing) {
+    bool ok = false;
+    for (const EntityRec& rec : ReadAll(drawing, ok)) {
+        if (rec.Kind != EntityKind::MultiPart) continue;
+        const std::string name(Trim(rec.Remark));
+        if (!AcceptableName(name)) return {};
+        const std::size_t slash = drawing.rfind('/');
+        return ResolveNoCase((slash == std::string::npos ? std::string() : drawing.substr(0, slash + 1)) + name);
+    }
+    return {};
 }
 
 std::optional<std::vector<std::string>> GenerateProgramLines(const std::string& drawing, const GeneratorInput& input) {
@@ -435,7 +446,7 @@ std::optional<std::vector<std::string>> GenerateProgramLines(const std::string& 
     const bool multiPart = std::any_of(records.begin() + 1, records.end(),
                                        [](const EntityRec& rec) { return rec.Kind == EntityKind::MultiPart; });
     if (multiPart) {
-        partRecords = ReadAll(input.PartDrawing, ok);
+        partRecords = ReadAll(input.PartDrawing.empty() ? PartDrawingOf(drawing) : input.PartDrawing, ok);
         if (!ok) return std::nullopt;
     }
     std::vector<EntityRec> used(records.begin() + 1, records.end());
@@ -485,7 +496,7 @@ bool CheckDrawingTools(const std::string& drawing, const StationTable& table) {
 }
 
 WriteResult WriteProgram(DialogueSession& session, const std::string& directoryName, const std::string& programName,
-                         const AskOperator& ask, const std::string& today) {
+                         const AskOperator& ask, const std::string& today, const std::string& drawingFile) {
     WriteResult result;
     const Directories& dirs = session.Dirs();
     const std::string directory(Trim(directoryName)), name(Trim(programName));
@@ -513,7 +524,9 @@ WriteResult WriteProgram(DialogueSession& session, const std::string& directoryN
     const std::string target = ResolveNoCase(path + name + ".prg");
     if (FileExists(target) && !ask({"Program", name, "Already Exists !", "Overwrite It ?"})) return result;
     // 4. The tooling: the part's drawing in a Multi-Part.
-    const std::string checked = session.State.MultiPartMode ? session.WorkFile("prw") : session.WorkFile("drw");
+    const std::string drawing = drawingFile.empty() ? session.WorkFile("drw") : drawingFile;
+    const std::string part = PartDrawingOf(drawing);
+    const std::string checked = part.empty() ? drawing : part;
     if (!CheckDrawingTools(checked, session.Table())) {
         result.Message = {write_message::InvalidTooling, write_message::CheckTools};
         return result;
@@ -524,7 +537,7 @@ WriteResult WriteProgram(DialogueSession& session, const std::string& directoryN
     GeneratorInput input = GeneratorInputOf(session);
     input.Today = today;
     const std::string generated = session.WorkFile("prg");
-    if (!GenerateProgram(session.WorkFile("drw"), generated, input) || !FileExists(generated)) {
+    if (!GenerateProgram(drawing, generated, input) || !FileExists(generated)) {
         result.Message = {write_message::InvalidDrawing, write_message::CreationAborted};
         return result;
     }

@@ -24,7 +24,8 @@ struct GeneratorInput {
     bool ProfilerArcSwap = false;         // G102 and G103 trade places
     bool ProfilerArcCentre = false;       // I and J are written with the sign turned
     std::string Today;                    // "dd-mm-yyyy"; today when empty
-    std::string PartDrawing;              // the `.prw` a Multi-Part repeats
+    // The `.prw` a Multi-Part repeats; when empty, the file its `Remark` names beside the drawing.
+    std::string PartDrawing;
 };
 GeneratorInput GeneratorInputOf(const DialogueSession& session);
 
@@ -56,7 +57,12 @@ struct WriteResult {
 };
 // The Write button: `directory` and `program` from the combos. `ask` puts a question and gives
 // the operator's answer.
+// `drawing` is the dialogue's `Dlgprg.drw` unless another is given.
 WriteResult WriteProgram(DialogueSession& session, const std::string& directory, const std::string& program,
-                         const AskOperator& ask, const std::string& today = {});
+                         const AskOperator& ask, const std::string& today = {}, const std::string& drawing = {});
+
+// The `.prw` a drawing's Multi-Part repeats: the file its `Remark` names in the drawing's
+// folder; "" when the drawing has no Multi-Part or the name is not acceptable.
+std::string PartDrawingOf(const std::string& drawing);
 
 }  // namespace kirvana

@@ -48,8 +48,8 @@ std::vector<Hit> Hits(const std::string& stem) {
     std::vector<Hit> hits;
     auto records = Records(stem + "dr1");
     for (std::size_t n = 1; n < records.size(); ++n)
-        hits.push_back(Hit{records[n].Points.Position.X, records[n].Points.Position.Y, records[n].Tool,
-                          records[n].Tool.Extra1});
+        hits.push_back(
+            Hit{records[n].Points.Position.X, records[n].Points.Position.Y, records[n].Tool, records[n].Tool.Extra1});
     return hits;
 }
 
@@ -81,8 +81,7 @@ protected:
         BlendResult blended = BlendProgram("Dorvenis", "RT", stem, BlendSettingsFrom(machine, dirs));
         EXPECT_EQ(blended.CriticalCount, 0) << *ReadLines(dirs.ServiceDir + "Blend.txt")->data();
         EXPECT_FALSE(blended.FileFault);
-        ReverseSettings settings =
-            ReverseSettingsFrom(machine, dirs, session.Table(), MachinePlasmaTool(tooling));
+        ReverseSettings settings = ReverseSettingsFrom(machine, dirs, session.Table(), MachinePlasmaTool(tooling));
         std::int16_t changes = 0;
         ReverseResult reversed = ReversePass(stem, "RT", "Dorvenis", changes, settings);
         EXPECT_EQ(reversed.Result, 0);
@@ -129,9 +128,7 @@ protected:
         std::vector<Hit> selected = Hits(stem);
         std::vector<EntityRec> selectedProfiles = Profiles(Records(stem + "drw"));
         if (!inOrder) {
-            auto byPlace = [](const Hit& a, const Hit& b) {
-                return std::tie(a.X, a.Y) < std::tie(b.X, b.Y);
-            };
+            auto byPlace = [](const Hit& a, const Hit& b) { return std::tie(a.X, a.Y) < std::tie(b.X, b.Y); };
             std::sort(drawn.begin(), drawn.end(), byPlace);
             std::sort(selected.begin(), selected.end(), byPlace);
         }
