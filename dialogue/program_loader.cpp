@@ -58,7 +58,9 @@ bool TakeNibblePitches(const std::string& drawing, bool inches) {
 HeaderNames ReadHeaderNames(const std::vector<std::string>& lines) {
     HeaderNames names;
     for (const std::string& line : lines) {
-        if (CountBlockWords(line) != 0) break;
+        // The header ends at the first block with a word in front of its comment.
+        const std::size_t comment = line.find_first_of("!;(");
+        if (CountBlockWords(std::string_view(line).substr(0, comment)) != 0) break;
         if (auto v = Labelled(line, "PROGRAM NAME"))
             names.Program = *v;
         else if (auto d = Labelled(line, "DIRECTORY"))
@@ -93,8 +95,11 @@ LoadResult LoadProgram(DialogueSession& session, const std::string& directoryNam
     std::int16_t dialect = 0;
     ConvertResult converted = ConvertProgram(stem, dialect, ConvertSettingsFrom(machine, dirs));
     if (converted.Status != ConvertStatus::Done) return Refused(load_message::ErrorsInCode);
-    StationTable stations = session.Tools().MachineTable;
+    // The machine's stations with the program's own table when it has one.
     const std::string programStem = StripExtension(source);
+    StationTable stations = session.Tools().MachineTable;
+    ProgramTurret turret;
+    if (FileExists(programStem + ".trt")) ReadProgramTurret(programStem + ".trt", stations, turret, dirs.ServiceDir);
     const PlasmaSetting plasma = ProgramPlasmaSetting(dirs, programStem + ".pls");
     ReverseSettings settings = ReverseSettingsFrom(machine, dirs, stations, MachinePlasmaTool(session.Tools()));
     PlasmaToSettings(plasma, settings.ProgramSettings);
@@ -122,12 +127,10 @@ LoadResult LoadProgram(DialogueSession& session, const std::string& directoryNam
     session.State.ProgText = names.Description;
     session.State.ImperialDialogue = inches;
     StationTable& table = session.Table();
-    table = session.Tools().MachineTable;
+    table = stations;
     for (const auto& [station, text] : ReadHeader(ReadLines(stem + "M1").value_or(kept)).Tools)
         if (station >= 1 && station <= static_cast<int>(table.size()))
             SetStationTool(table[static_cast<std::size_t>(station - 1)], text);
-    ProgramTurret turret;
-    if (FileExists(programStem + ".trt")) ReadProgramTurret(programStem + ".trt", table, turret, dirs.ServiceDir);
     if (FileExists(programStem + ".stg")) ReadProgramSettings(programStem + ".stg", table, dirs.ServiceDir);
     session.Plasma() = plasma;
 
