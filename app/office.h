@@ -52,5 +52,9 @@ int Drawing(const Args& args);
 int Expand(const Args& args);
 // Starts the installation and prints the display model at each poll tick.
 int Watch(const Args& args);
+// A program from a dialogue drawing, as the dialogue's Write button writes it.
+int Generate(const Args& args);
+// A program into the installation's dialogue work files, as the dialogue's Load button does.
+int LoadDialogue(const Args& args);
 
 }  // namespace kirvana::office

@@ -86,6 +86,11 @@ const Command Commands[] = {
      "watch --root ROOT [--ticks N] [--interval MS] [--start] [--until-idle]   follow the machine tick by tick"},
     {"expand", Expand,
      "expand STEM [--root ROOT]        expand STEM + \"drw\" into single hits in STEM + \"dr1\", print the hits"},
+    {"generate", Generate,
+     "generate DRW --root ROOT --dir DIR --program NAME [--yes] [--date DD-MM-YYYY]   write a program from a "
+     "dialogue drawing"},
+    {"load-dialogue", LoadDialogue,
+     "load-dialogue --root ROOT --dir DIR --program NAME   load a program into the dialogue's work files"},
 };
 
 // The list of commands: on stdout with exit code 0 when asked for, on stderr with 2 after a
