@@ -77,8 +77,10 @@ std::string ParseCharacterList(std::string_view text, std::vector<std::string>* 
     std::string result;
     if (Trim(text).empty()) return result;
     for (std::string_view item : CommaItems(text)) {
-        if (auto code = CodeOf(item)) result += *code;
-        else Note(problems, "character list \"" + std::string(text) + "\": \"" + std::string(item) + "\" left out");
+        if (auto code = CodeOf(item))
+            result += *code;
+        else
+            Note(problems, "character list \"" + std::string(text) + "\": \"" + std::string(item) + "\" left out");
     }
     return result;
 }

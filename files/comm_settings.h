@@ -25,11 +25,11 @@ inline constexpr std::int16_t HandshakeXonXoff = 1;
 inline constexpr std::int16_t HandshakeRtsCts = 2;
 
 struct CommSettings {
-    std::string Line2;                 // kept, not used
-    std::int32_t CommPort = 0;         // 0: no transfer (unless a device path stands in line 3)
-    std::string PortDevicePath;        // line 3 when it names a device ("/dev/ttyUSB0")
+    std::string Line2;           // kept, not used
+    std::int32_t CommPort = 0;   // 0: no transfer (unless a device path stands in line 3)
+    std::string PortDevicePath;  // line 3 when it names a device ("/dev/ttyUSB0")
     std::string BaudRate, Parity, DataBits, StopBits;
-    std::string Settings;              // lines 4 to 7 joined by ",": "9600,n,8,1"
+    std::string Settings;  // lines 4 to 7 joined by ",": "9600,n,8,1"
     std::int16_t Handshake = 0;
     bool DtrFlag = false;
     std::int16_t StartTrigger = TriggerNone;

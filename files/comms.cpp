@@ -16,7 +16,10 @@ SendProgress SendProgressOf(const std::string& name, std::uintmax_t done, std::u
 
 CommsModule::CommsModule(const CommSettings& settings, ReceivePlaces places, SerialPort& port,
                          std::function<void()> handleEvents)
-    : settings_(settings), port_(port), handleEvents_(std::move(handleEvents)), receiver_(settings, std::move(places)) {}
+    : settings_(settings),
+      port_(port),
+      handleEvents_(std::move(handleEvents)),
+      receiver_(settings, std::move(places)) {}
 
 bool CommsModule::OpenReceivePort() {
     // 1. The receive files are named, the flags cleared.
@@ -119,8 +122,8 @@ SendResult CommsModule::SendProgram(const std::string& directory, const std::str
         out += settings_.LineEnd;
         if (!SendText(out)) return fail();
         // The bytes done: up to the next line's start, all of them after the last line.
-        std::uintmax_t done = n + 1 < lines.size() ? static_cast<std::uintmax_t>(lines[n + 1].data() - file->data())
-                                                   : file->size();
+        std::uintmax_t done =
+            n + 1 < lines.size() ? static_cast<std::uintmax_t>(lines[n + 1].data() - file->data()) : file->size();
         if (progress) progress(SendProgressOf(name, done, file->size()));
     }
     // 5. The trailer; the port drains and goes back to the receiver.

@@ -50,7 +50,8 @@ int DeletePrograms(const FileJobRequest& r, FileJobOperator& op) {
         op.Tell(WarningText({"No Programs Selected !"}));
         return 0;
     }
-    std::string question = n == 1 ? "Delete " + Quoted(r.Programs[0]) + " !" : "Delete " + std::to_string(n) + " Programs !";
+    std::string question =
+        n == 1 ? "Delete " + Quoted(r.Programs[0]) + " !" : "Delete " + std::to_string(n) + " Programs !";
     if (!op.Ask(WarningText({question}))) return 0;
     int deleted = 0;
     for (const std::string& name : r.Programs) {
@@ -77,8 +78,7 @@ int RenameOrCopyAs(const FileJobRequest& r, FileJobOperator& op, bool rename) {
         return 0;
     }
     if (!op.Ask(WarningText({(rename ? "Rename " : "Copy ") + Quoted(old), "As " + Quoted(name) + " ?"}))) return 0;
-    if (FileExists(r.Directory + name + ".prg") &&
-        !op.Ask(WarningText({name, "Already Exists !", "Overwrite It ?"})))
+    if (FileExists(r.Directory + name + ".prg") && !op.Ask(WarningText({name, "Already Exists !", "Overwrite It ?"})))
         return 0;
     // The program and its settings under the new name; then the rest of the new name's set and,
     // for a rename, the old set go.
@@ -216,14 +216,22 @@ bool RenameDirectory(const DirectoryJobRequest& r, const StoreContext& context, 
 
 FileJobText FileJobCaptions(FileJob job) {
     switch (job) {
-        case FileJob::DeletePrograms: return {"DELETE  (&1)", {"DELETE PROGRAM(S)", "FROM DIRECTORY"}};
-        case FileJob::RenameProgram: return {"RENAME (&2)", {"RENAME PROGRAM", "IN DIRECTORY", "AS"}};
-        case FileJob::CopyProgramAs: return {"COPY AS (&3)", {"COPY PROGRAM", "AS"}};
-        case FileJob::MovePrograms: return {"MOVE TO (&4)", {"MOVE PROGRAM(S)", "TO"}};
-        case FileJob::CopyPrograms: return {"COPY TO (&5)", {"COPY PROGRAM(S)", "TO"}};
-        case FileJob::CreateDirectory: return {"CREATE  (&6)", {"CREATE NEW DIRECTORY", "DIRECTORY &NAME"}};
-        case FileJob::DeleteDirectory: return {"DELETE  (&7)", {"DELETE DIRECTORY"}};
-        case FileJob::RenameDirectory: return {"RENAME (&8)", {"RENAME DIRECTORY", "&AS"}};
+        case FileJob::DeletePrograms:
+            return {"DELETE  (&1)", {"DELETE PROGRAM(S)", "FROM DIRECTORY"}};
+        case FileJob::RenameProgram:
+            return {"RENAME (&2)", {"RENAME PROGRAM", "IN DIRECTORY", "AS"}};
+        case FileJob::CopyProgramAs:
+            return {"COPY AS (&3)", {"COPY PROGRAM", "AS"}};
+        case FileJob::MovePrograms:
+            return {"MOVE TO (&4)", {"MOVE PROGRAM(S)", "TO"}};
+        case FileJob::CopyPrograms:
+            return {"COPY TO (&5)", {"COPY PROGRAM(S)", "TO"}};
+        case FileJob::CreateDirectory:
+            return {"CREATE  (&6)", {"CREATE NEW DIRECTORY", "DIRECTORY &NAME"}};
+        case FileJob::DeleteDirectory:
+            return {"DELETE  (&7)", {"DELETE DIRECTORY"}};
+        case FileJob::RenameDirectory:
+            return {"RENAME (&8)", {"RENAME DIRECTORY", "&AS"}};
     }
     return {"", {}};
 }
@@ -241,21 +249,31 @@ int RunFileJob(const FileJobRequest& request, const StoreContext& context, FileJ
     // Work files a job cut short may have left.
     DeleteTempFiles(context.ControllerDir);
     switch (request.Job) {
-        case FileJob::DeletePrograms: return DeletePrograms(request, op);
-        case FileJob::RenameProgram: return RenameOrCopyAs(request, op, true);
-        case FileJob::CopyProgramAs: return RenameOrCopyAs(request, op, false);
-        case FileJob::MovePrograms: return MoveOrCopyTo(request, op, true);
-        case FileJob::CopyPrograms: return MoveOrCopyTo(request, op, false);
-        default: return 0;
+        case FileJob::DeletePrograms:
+            return DeletePrograms(request, op);
+        case FileJob::RenameProgram:
+            return RenameOrCopyAs(request, op, true);
+        case FileJob::CopyProgramAs:
+            return RenameOrCopyAs(request, op, false);
+        case FileJob::MovePrograms:
+            return MoveOrCopyTo(request, op, true);
+        case FileJob::CopyPrograms:
+            return MoveOrCopyTo(request, op, false);
+        default:
+            return 0;
     }
 }
 
 bool RunDirectoryJob(const DirectoryJobRequest& request, const StoreContext& context, FileJobOperator& op) {
     switch (request.Job) {
-        case FileJob::CreateDirectory: return CreateDirectory(request, op);
-        case FileJob::DeleteDirectory: return DeleteDirectory(request, context, op);
-        case FileJob::RenameDirectory: return RenameDirectory(request, context, op);
-        default: return false;
+        case FileJob::CreateDirectory:
+            return CreateDirectory(request, op);
+        case FileJob::DeleteDirectory:
+            return DeleteDirectory(request, context, op);
+        case FileJob::RenameDirectory:
+            return RenameDirectory(request, context, op);
+        default:
+            return false;
     }
 }
 

@@ -152,7 +152,8 @@ TEST_F(Sending, AnyCharacterStarts) {
 }
 
 TEST_F(Sending, CtsDsrAndLineEventsStart) {
-    for (auto [trigger, change] : {std::pair{TriggerCts, 0}, std::pair{TriggerDsr, 1}, std::pair{TriggerLineEvent, 2}}) {
+    for (auto [trigger, change] :
+         {std::pair{TriggerCts, 0}, std::pair{TriggerDsr, 1}, std::pair{TriggerLineEvent, 2}}) {
         settings.StartTrigger = trigger;
         port = FakePort();
         int turns = 0;

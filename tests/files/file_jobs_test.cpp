@@ -256,8 +256,8 @@ TEST_F(FileJobs, AReadOnlyDestinationLosesNothing) {
     fs::permissions(dir.Path(), fs::perms::all);
     fs::permissions(dir.Path() + "Programs", fs::perms::all);
     fs::permissions(A(), fs::perms::all);
-    fs::permissions(B(), fs::perms::owner_read | fs::perms::owner_exec | fs::perms::group_read |
-                             fs::perms::group_exec | fs::perms::others_read | fs::perms::others_exec);
+    fs::permissions(B(), fs::perms::owner_read | fs::perms::owner_exec | fs::perms::group_read | fs::perms::group_exec |
+                             fs::perms::others_read | fs::perms::others_exec);
     for (const auto& entry : fs::directory_iterator(A())) fs::permissions(entry.path(), fs::perms::all);
     EXPECT_EXIT(
         {

@@ -176,10 +176,16 @@ TEST_F(Receiving, AShortStreamFilesNothing) {
 }
 
 TEST_F(Receiving, NamesThatLeaveTheRootAreRefusedAndKept) {
-    const std::vector<std::pair<std::string, std::string>> cases = {
-        {"..", "P"},          {"../../etc", "P"}, {"/tmp", "P"},          {"D", "../escape"},
-        {"D", "/etc/passwd"}, {"D", "a/b"},       {"D", std::string(200, 'N')}, {"D", std::string("x\0y", 3)},
-        {"D\x01", "P"},       {"D", "C:evil"}};
+    const std::vector<std::pair<std::string, std::string>> cases = {{"..", "P"},
+                                                                    {"../../etc", "P"},
+                                                                    {"/tmp", "P"},
+                                                                    {"D", "../escape"},
+                                                                    {"D", "/etc/passwd"},
+                                                                    {"D", "a/b"},
+                                                                    {"D", std::string(200, 'N')},
+                                                                    {"D", std::string("x\0y", 3)},
+                                                                    {"D\x01", "P"},
+                                                                    {"D", "C:evil"}};
     int n = 0;
     for (const auto& [directory, name] : cases) {
         ProgramReceiver r(settings, places);
@@ -246,8 +252,8 @@ TEST_F(Receiving, AFullDiskRefusesTheProgramAndSaysSo) {
             r.Prepare();
             r.ReceiveChars(Framed("D", "BIG", std::string(3000, 'X') + "\r\n"));
             std::vector<ReceivedProgram> results = r.TakeResults();
-            bool refused = results.size() == 1 && !results[0].Filed &&
-                           results[0].Refusal == "File Fault : " + r.ReceiveTmpPath();
+            bool refused =
+                results.size() == 1 && !results[0].Filed && results[0].Refusal == "File Fault : " + r.ReceiveTmpPath();
             std::_Exit(refused && !fs::exists(dir.Path() + "Programs/D/BIG.prg") ? 0 : 1);
         },
         ::testing::ExitedWithCode(0), "");
