@@ -6,11 +6,16 @@ namespace {
 
 QSerialPort::Parity ParityOf(char letter) {
     switch (letter) {
-        case 'E': return QSerialPort::EvenParity;
-        case 'O': return QSerialPort::OddParity;
-        case 'M': return QSerialPort::MarkParity;
-        case 'S': return QSerialPort::SpaceParity;
-        default: return QSerialPort::NoParity;
+        case 'E':
+            return QSerialPort::EvenParity;
+        case 'O':
+            return QSerialPort::OddParity;
+        case 'M':
+            return QSerialPort::MarkParity;
+        case 'S':
+            return QSerialPort::SpaceParity;
+        default:
+            return QSerialPort::NoParity;
     }
 }
 
@@ -44,9 +49,9 @@ bool QtSerialPort::Open(const std::string& device, const CommSettings& settings,
                port_.setDataBits(static_cast<QSerialPort::DataBits>(line.DataBits)) &&
                port_.setStopBits(line.StopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
     // RTS/CTS wins when both handshakes are named: the port has one flow control at a time.
-    QSerialPort::FlowControl flow = (settings.Handshake & HandshakeRtsCts)     ? QSerialPort::HardwareControl
+    QSerialPort::FlowControl flow = (settings.Handshake & HandshakeRtsCts)    ? QSerialPort::HardwareControl
                                     : (settings.Handshake & HandshakeXonXoff) ? QSerialPort::SoftwareControl
-                                                                               : QSerialPort::NoFlowControl;
+                                                                              : QSerialPort::NoFlowControl;
     set = set && port_.setFlowControl(flow);
     if (!set) {
         error = device + ": " + port_.errorString().toStdString();
@@ -86,8 +91,10 @@ LineSignals QtSerialPort::Signals() {
 
 void QtSerialPort::Pump(int ms) {
     if (!port_.isOpen()) return;
-    if (port_.bytesToWrite() > 0) port_.waitForBytesWritten(ms);
-    else port_.waitForReadyRead(ms);
+    if (port_.bytesToWrite() > 0)
+        port_.waitForBytesWritten(ms);
+    else
+        port_.waitForReadyRead(ms);
 }
 
 }  // namespace kirvana

@@ -62,7 +62,8 @@ public:
         std::string got;
         auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(ms);
         while (true) {
-            auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+            auto left =
+                std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
             if (left.count() <= 0) break;
             pollfd p{outside_, POLLIN, 0};
             if (poll(&p, 1, static_cast<int>(left.count())) <= 0 || !(p.revents & POLLIN)) continue;
