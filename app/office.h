@@ -56,5 +56,10 @@ int Watch(const Args& args);
 int Generate(const Args& args);
 // A program into the installation's dialogue work files, as the dialogue's Load button does.
 int LoadDialogue(const Args& args);
+// Sends a program over the serial port of Control.cms (or --port), as the send screen does.
+int Send(const Args& args);
+// Receives programs from the serial port into the program store until ended (or after one
+// stream with --once).
+int Receive(const Args& args);
 
 }  // namespace kirvana::office

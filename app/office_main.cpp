@@ -91,6 +91,8 @@ const Command Commands[] = {
      "dialogue drawing"},
     {"load-dialogue", LoadDialogue,
      "load-dialogue --root ROOT --dir DIR --program NAME   load a program into the dialogue's work files"},
+    {"send", Send, "send --root ROOT --dir DIR --program NAME [--port DEV]   send a program over the RS232 port"},
+    {"receive", Receive, "receive --root ROOT [--port DEV] [--once]   receive programs from the RS232 port"},
 };
 
 // The list of commands: on stdout with exit code 0 when asked for, on stderr with 2 after a
