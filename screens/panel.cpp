@@ -14,6 +14,7 @@
 #include "screens/message_form.h"
 #include "screens/pad_forms.h"
 #include "screens/panel_style.h"
+#include "screens/program_form.h"
 #include "screens/shutdown_form.h"
 #include "screens/splash_form.h"
 #include "screens/user_form.h"
@@ -51,6 +52,7 @@ void Panel::RegisterForms() {
     forms_.Register("NumberForm", [this] { return std::make_unique<NumberForm>(*this); });
     forms_.Register("KeyboardForm", [this] { return std::make_unique<KeyboardForm>(*this); });
     forms_.Register("UserForm", [this] { return std::make_unique<UserForm>(*this); });
+    RegisterProgramForms(*this, forms_);
 }
 
 int Panel::Start(const std::string& root) {

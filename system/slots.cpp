@@ -180,7 +180,8 @@ void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link,
 }
 
 SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLink* link,
-                            const std::string& directoryName, const std::string& programName) {
+                            const std::string& directoryName, const std::string& programName,
+                            const SelectProgress& progress) {
     const Directories& dirs = process.Config.Dirs;
     const MachineData& machine = process.Config.Machine;
     std::string directory(Trim(directoryName)), name(Trim(programName));
@@ -198,6 +199,9 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     if (!FileExists(programPath)) return refuse("Program Does Not Exist !");
     // 5. Never while the machine runs.
     if (process.Running) return refuse("Can Not Select New Program\n\nWhile Machine Is Running !");
+    auto tell = [&](SelectStage stage) {
+        if (progress) progress(stage);
+    };
     // 6. No hit file channel to close (the poll cycle opens the file at each tick); the slot
     // is emptied.
     int slot = process.Config.ActiveSlot;
@@ -215,6 +219,7 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     };
     // A file that cannot be read or written refuses the selection as a failed pass does.
     auto fileFault = [&](const std::string& file) { return fail(record.ProgramName + "\n\nFile Fault : " + file); };
+    tell(SelectStage::Copy);
     // 8. The cleaned source in the slot.
     NoteFile(dirs.ServiceDir, programPath);
     auto source = ReadLines(programPath);
@@ -224,6 +229,7 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     if (machine.ProfilerKind == 2) {
         if (std::string file = CopyPlasmaSettings(dirs, programStem, stem); !file.empty()) return fileFault(file);
     }
+    tell(SelectStage::Convert);
     // 10. Translation; the comment marks by dialect.
     ConvertResult converted = ConvertProgram(stem, record.SourceDialect, ConvertSettingsFrom(machine, dirs));
     if (converted.Status == ConvertStatus::FileFault) return fileFault(converted.Fault);
@@ -231,9 +237,11 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
         return fail(record.ProgramName + "\n\n" + ConvertStatusText(converted.Status));
     SetCommentMarks(record, false);
     // 11. The Blend pass. 12. The Reverse pass judges; with errors the slot is left empty.
+    tell(SelectStage::Blend);
     BlendResult blended =
         BlendProgram(record.ProgramDirName, record.ProgramName, stem, BlendSettingsFrom(machine, dirs));
     if (blended.FileFault) return fileFault(blended.FaultFile);
+    tell(SelectStage::Reverse);
     ReverseResult reversed = ReverseSlot(process, slot, stem, record);
     if (reversed.FileFault) return fileFault(reversed.FaultFile);
     if (reversed.Result > 0) return fail(record.ProgramName + "\n\nCan Not Be Selected Due To Errors in Code !");
@@ -246,6 +254,7 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
         record.HitFileRecords = HitFileRecords(stem);
     }
     if (record.ActiveStation < 1) record.ActiveStation = 1;
+    tell(SelectStage::Index);
     // 15, 16. The maps of the card's program counter (the six counts were zeroed with the
     // record at step 6).
     std::string mapFault;
@@ -278,6 +287,7 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     // ProgramButtonCaption of the record, shown by the front end.
     process.Poll.LastSlotShown = slot;
     process.Poll.LastRecordShown = -1;
+    tell(SelectStage::Download);
     // 22 to 28. The card's part, as one operation with its deadline.
     const int faultsBefore = link ? link->FaultCount() : 0;
     {
