@@ -11,8 +11,7 @@ namespace {
 // The change whose old tool the record uses in that station, or nullptr.
 const ToolChange* ChangeOf(const EntityRec& rec, const std::vector<ToolChange>& changes) {
     for (const ToolChange& change : changes)
-        if (rec.StationNo == change.Station && SameTool(rec.Tool, change.OldTool))
-            return &change;
+        if (rec.StationNo == change.Station && SameTool(rec.Tool, change.OldTool)) return &change;
     return nullptr;
 }
 

@@ -16,6 +16,7 @@
 #include "screens/panel_style.h"
 #include "screens/shutdown_form.h"
 #include "screens/splash_form.h"
+#include "screens/tooling_forms.h"
 #include "screens/user_form.h"
 #include "screens/warning_form.h"
 #include "system/poll_cycle.h"
@@ -51,6 +52,7 @@ void Panel::RegisterForms() {
     forms_.Register("NumberForm", [this] { return std::make_unique<NumberForm>(*this); });
     forms_.Register("KeyboardForm", [this] { return std::make_unique<KeyboardForm>(*this); });
     forms_.Register("UserForm", [this] { return std::make_unique<UserForm>(*this); });
+    RegisterToolingForms(*this, forms_);
 }
 
 int Panel::Start(const std::string& root) {

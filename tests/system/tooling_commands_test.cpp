@@ -246,3 +246,20 @@ TEST_F(ToolingCommandTest, ADrawingThatCannotBeRewrittenStaysWhole) {
     EXPECT_FALSE(RewriteDrawingTools(drawing, {unused}));
     EXPECT_EQ(Text(drawing), before);
 }
+
+TEST(SettingTexts, BoxesAreReadAsTheFilesAre) {
+    PunchSetting punch = PunchSettingFromTexts({"50", "60%", "0.25", "x", "1.5", "3"});
+    EXPECT_EQ(punch.FeedPercent, 50);
+    EXPECT_EQ(punch.AccelPercent, 60);
+    EXPECT_FLOAT_EQ(punch.PreDelay, 0.25F);
+    EXPECT_FLOAT_EQ(punch.PostDelay, 0);
+    EXPECT_FLOAT_EQ(punch.RamTimer, 3);
+    EXPECT_EQ(PunchSettingFromTexts({"70000"}).FeedPercent, 0);
+    EXPECT_EQ(PunchSettingFromTexts({}).AccelPercent, 100);
+    PlasmaSetting plasma =
+        PlasmaSettingFromTexts(PlasmaSettingTexts({20000, 15000, 500, 750, 1.5F, 2.5F, 150, 1.2F, 0.5F, 2}));
+    EXPECT_EQ(plasma.CutSpeed, 15000);
+    EXPECT_FLOAT_EQ(plasma.Kerf, 1.2F);
+    EXPECT_EQ(plasma.TorchType, 2);
+    EXPECT_FALSE(PlasmaSettingIsSet(PlasmaSettingFromTexts({})));
+}
