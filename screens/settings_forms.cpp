@@ -41,15 +41,18 @@ SettingsForm::SettingsForm(Panel& panel, std::string name, const char* caption, 
     left->addWidget(ToolingLabel(panel, "SAVED SETTINGS", this));
     list_ = new QListWidget(this);
     list_->setObjectName("SettingsList");
-    list_->setFixedWidth(250);
-    list_->setStyleSheet(QString("QListWidget { background: %1; color: %2; font-size: 19px; } "
-                                 "QListWidget::item { min-height: 38px; } QScrollBar:vertical { width: 48px; }")
-                             .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
+    list_->setFixedWidth(210);
+    list_->setStyleSheet(
+        QString("QListWidget { background: %1; color: %2; font-size: 19px; } "
+                "QListWidget::item { min-height: 38px; } QScrollBar:vertical { width: 48px; }")
+            .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
     left->addWidget(list_, 1);
     body->addLayout(left);
     auto* grid = new QGridLayout();
+    grid->setVerticalSpacing(5);
     grid->addWidget(ToolingLabel(panel, "DESCRIPTION :", this), 0, 0);
-    description_ = ValueBox(panel, this, "DescriptionBox", 300);
+    description_ = ValueBox(panel, this, "DescriptionBox", 240);
+    description_->setFixedHeight(48);
     grid->addWidget(description_, 0, 1, 1, 2);
     for (int n = 1; n <= rows; ++n) {
         QLabel* label = ToolingLabel(panel, "", this);
@@ -59,9 +62,10 @@ SettingsForm::SettingsForm(Panel& panel, std::string name, const char* caption, 
         combo->setEditable(true);
         // Values come from the list or through the pad, never typed past its filter.
         combo->lineEdit()->setReadOnly(true);
-        combo->setMinimumSize(180, 48);
+        combo->setFixedSize(170, 48);
         combo->setStyleSheet("QComboBox { font-size: 19px; } QComboBox QAbstractItemView { font-size: 19px; }");
-        QPushButton* pad = ToolingButton(panel, "...", this, QString("PadButton%1").arg(n), TouchSize);
+        QPushButton* pad = ToolingButton(panel, "...", this, QString("PadButton%1").arg(n), 64);
+        pad->setFixedSize(64, 48);
         labels_.push_back(label);
         combos_.push_back(combo);
         pads_.push_back(pad);
@@ -187,8 +191,7 @@ bool SettingsForm::FormKey(int code, QKeyEvent&) {
     return PressMarkedButton(this, code);
 }
 
-PunchSettingsForm::PunchSettingsForm(Panel& panel)
-    : SettingsForm(panel, "PunchSettingsForm", "TOOL SETTINGS", 6, 600) {
+PunchSettingsForm::PunchSettingsForm(Panel& panel) : SettingsForm(panel, "PunchSettingsForm", "TOOL SETTINGS", 6, 600) {
     apply_[0] = AddButton("APPLY TO &TOOL", "ApplyButton1");
     apply_[1] = AddButton("APPLY TO &ALL", "ApplyButton2");
     FinishButtons();
@@ -224,12 +227,13 @@ int PunchSettingsForm::PadMode(int n) const { return n <= 2 ? DigitsAndMinus : D
 
 void PunchSettingsForm::Apply(bool all) {
     Conversation talk = panel_.Talk();
-    ToolingChange change = ApplyTurretSettings(panel_.State(), talk, all ? 0 : station_, PunchSettingFromTexts(Texts()));
+    ToolingChange change =
+        ApplyTurretSettings(panel_.State(), talk, all ? 0 : station_, PunchSettingFromTexts(Texts()));
     if (!change.FileFault.empty()) Warn(change.FileFault);
 }
 
 PlasmaSettingsForm::PlasmaSettingsForm(Panel& panel)
-    : SettingsForm(panel, "PlasmaSettingsForm", "PLASMA SETTINGS", 10, 740) {
+    : SettingsForm(panel, "PlasmaSettingsForm", "PLASMA SETTINGS", 10, 720) {
     apply_ = AddButton("&APPLY", "ApplyButton");
     FinishButtons();
     connect(apply_, &QPushButton::clicked, this, [this] { Apply(); });
@@ -269,8 +273,7 @@ int PlasmaSettingsForm::PadMode(int n) const {
 
 void PlasmaSettingsForm::Apply() {
     Conversation talk = panel_.Talk();
-    ToolingChange change =
-        ApplyProgramPlasma(panel_.State(), talk, Description(), PlasmaSettingFromTexts(Texts()));
+    ToolingChange change = ApplyProgramPlasma(panel_.State(), talk, Description(), PlasmaSettingFromTexts(Texts()));
     if (!change.FileFault.empty()) Warn(change.FileFault);
 }
 

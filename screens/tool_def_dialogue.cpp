@@ -20,20 +20,20 @@ namespace {
 // The labels of each shape's boxes, in the order of the shape list; the Special frame's name
 // stands apart, its one box is the angle.
 const std::array<std::vector<const char*>, ToolShapeCount> FrameLabels = {{
-    {"TOOL &DIAMETER :"},                                                           // Diameter
-    {"TOOL &WIDTH :", "TOOL &ANGLE :"},                                             // Square
-    {"TOOL &WIDTH :", "CORNER &RADIUS :", "TOOL &ANGLE :"},                         // Rad-Square
-    {"TOOL &LENGTH :", "TOOL &WIDTH :", "TOOL &ANGLE :"},                           // Rectangle
-    {"TOOL &LENGTH :", "TOOL &WIDTH :", "CORNER &RADIUS :", "TOOL &ANGLE :"},       // Rad-Rect
-    {"TOOL &LENGTH :", "TOOL &WIDTH :", "TOOL &ANGLE :"},                           // Obround
-    {"TOOL &DIAMETER :", "TOOL &HEIGHT :", "TOOL &ANGLE :"},                        // Single-D
-    {"TOOL &DIAMETER :", "TOOL &HEIGHT :", "TOOL &ANGLE :"},                        // Double-D
-    {"TOOL &LENGTH :", "TOOL &WIDTH :", "TOOL &ANGLE :"},                           // Cannon-D
-    {"TOOL &WIDTH (A/F) :", "TOOL &ANGLE :"},                                       // Hexagon
-    {"TOOL &DIAMETER :", "TOOL &HEIGHT :", "KEY &WIDTH :", "TOOL &ANGLE :"},        // Keyway
-    {"TOOL &LENGTH :", "TOOL &WIDTH :", "TOOL &ANGLE :"},                           // Louvre
-    {"TOOL &LENGTH :", "WEB &WIDTH :", "TOOL &RADIUS :", "TOOL &ANGLE :"},          // Cruciform
-    {"TOOL &ANGLE :"},                                                              // Special
+    {"TOOL &DIAMETER :"},                                                      // Diameter
+    {"TOOL &WIDTH :", "TOOL &ANGLE :"},                                        // Square
+    {"TOOL &WIDTH :", "CORNER &RADIUS :", "TOOL &ANGLE :"},                    // Rad-Square
+    {"TOOL &LENGTH :", "TOOL &WIDTH :", "TOOL &ANGLE :"},                      // Rectangle
+    {"TOOL &LENGTH :", "TOOL &WIDTH :", "CORNER &RADIUS :", "TOOL &ANGLE :"},  // Rad-Rect
+    {"TOOL &LENGTH :", "TOOL &WIDTH :", "TOOL &ANGLE :"},                      // Obround
+    {"TOOL &DIAMETER :", "TOOL &HEIGHT :", "TOOL &ANGLE :"},                   // Single-D
+    {"TOOL &DIAMETER :", "TOOL &HEIGHT :", "TOOL &ANGLE :"},                   // Double-D
+    {"TOOL &LENGTH :", "TOOL &WIDTH :", "TOOL &ANGLE :"},                      // Cannon-D
+    {"TOOL &WIDTH (A/F) :", "TOOL &ANGLE :"},                                  // Hexagon
+    {"TOOL &DIAMETER :", "TOOL &HEIGHT :", "KEY &WIDTH :", "TOOL &ANGLE :"},   // Keyway
+    {"TOOL &LENGTH :", "TOOL &WIDTH :", "TOOL &ANGLE :"},                      // Louvre
+    {"TOOL &LENGTH :", "WEB &WIDTH :", "TOOL &RADIUS :", "TOOL &ANGLE :"},     // Cruciform
+    {"TOOL &ANGLE :"},                                                         // Special
 }};
 constexpr int KeywayRow = 10;
 constexpr int SpecialRow = 13;
@@ -48,7 +48,7 @@ QString Plain(const char* caption) { return QString(caption).remove('&'); }
 ToolDefDialogue::ToolDefDialogue(Panel& panel) : PanelForm(panel, "ToolDefDialogue") {
     const ColourTable& c = panel.Colours();
     setWindowTitle("TOOL DEFINITION");
-    setFixedSize(900, 620);
+    setFixedSize(900, 640);
     setStyleSheet(FormStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(ToolingCaption(panel, "TOOL DEFINITION", this, "ToolDefPanel"));
@@ -56,9 +56,10 @@ ToolDefDialogue::ToolDefDialogue(Panel& panel) : PanelForm(panel, "ToolDefDialog
     list_ = new QListWidget(this);
     list_->setObjectName("ToolTypeList");
     list_->setFixedWidth(250);
-    list_->setStyleSheet(QString("QListWidget { background: %1; color: %2; font-size: 19px; } "
-                                 "QListWidget::item { min-height: 38px; }")
-                             .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
+    list_->setStyleSheet(
+        QString("QListWidget { background: %1; color: %2; font-size: 19px; } "
+                "QListWidget::item { min-height: 32px; } QScrollBar:vertical { width: 48px; }")
+            .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
     for (int i = 0; i < ToolShapeCount; ++i) list_->addItem(ShapeAt(i).Name);
     body->addWidget(list_);
     auto* right = new QVBoxLayout();
@@ -109,7 +110,8 @@ void ToolDefDialogue::BuildFrame(int shape) {
         labels_[static_cast<std::size_t>(shape)][n] = label;
         grid->addWidget(label, row, 0);
         // DiameterBox1, RadSquareBox2, SingleDBox3...
-        QPushButton* box = ValueBox(panel_, frame, QString(ShapeAt(shape).Name).remove('-') + "Box" + QString::number(n + 1), 200);
+        QPushButton* box =
+            ValueBox(panel_, frame, QString(ShapeAt(shape).Name).remove('-') + "Box" + QString::number(n + 1), 200);
         boxes_[static_cast<std::size_t>(shape)][n] = box;
         grid->addWidget(box, row, 1);
         const int boxNumber = static_cast<int>(n) + 1;
@@ -146,7 +148,8 @@ void ToolDefDialogue::Activate() {
         for (int n = 1; n <= 4; ++n)
             if (Box(shape, n)) Box(shape, n)->setText("");
     for (int n = 1; n <= 4; ++n)
-        if (Box(boxes.ShapeIndex, n)) Box(boxes.ShapeIndex, n)->setText(Q(boxes.Boxes[static_cast<std::size_t>(n - 1)]));
+        if (Box(boxes.ShapeIndex, n))
+            Box(boxes.ShapeIndex, n)->setText(Q(boxes.Boxes[static_cast<std::size_t>(n - 1)]));
     special_->setEditText(Q(boxes.SpecialName));
     keywayState_ = boxes.KeywayState;
     ShowKeyway();
@@ -168,8 +171,7 @@ void ToolDefDialogue::SetBox(int shape, int n, const std::string& text) {
 
 void ToolDefDialogue::EnterBox(int shape, int n) {
     double value = 0;
-    if (panel_.EnterNumber(value, S(Box(shape, n)->text()), LengthMode))
-        SetBox(shape, n, FormatNumber(value, -1));
+    if (panel_.EnterNumber(value, S(Box(shape, n)->text()), LengthMode)) SetBox(shape, n, FormatNumber(value, -1));
     FocusAfterEntry();
 }
 

@@ -28,7 +28,9 @@ public:
     QListWidget* ToolTypeList() { return list_; }
     QStackedWidget* Frames() { return frames_; }
     // Box n (from 1) of the frame of shape row `shape`; nullptr beyond its boxes.
-    QPushButton* Box(int shape, int n) { return boxes_[static_cast<std::size_t>(shape)][static_cast<std::size_t>(n - 1)]; }
+    QPushButton* Box(int shape, int n) {
+        return boxes_[static_cast<std::size_t>(shape)][static_cast<std::size_t>(n - 1)];
+    }
     QLabel* BoxLabel(int shape, int n) {
         return labels_[static_cast<std::size_t>(shape)][static_cast<std::size_t>(n - 1)];
     }

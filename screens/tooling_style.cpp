@@ -31,9 +31,10 @@ QPushButton* ValueBox(Panel& panel, QWidget* parent, const QString& objectName, 
     box->setObjectName(objectName);
     box->setMinimumSize(minWidth, TouchSize);
     box->setAutoDefault(false);
-    box->setStyleSheet(QString("QPushButton { background: %1; color: %2; font-size: 19px; border: 2px inset #808080; "
-                               "text-align: left; padding-left: 8px; } QPushButton:focus { border: 3px solid #000000; }")
-                           .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
+    box->setStyleSheet(
+        QString("QPushButton { background: %1; color: %2; font-size: 19px; border: 2px inset #808080; "
+                "text-align: left; padding-left: 8px; } QPushButton:focus { border: 3px solid #000000; }")
+            .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
     return box;
 }
 

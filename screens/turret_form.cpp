@@ -45,10 +45,11 @@ TurretForm::TurretForm(Panel& panel) : PanelForm(panel, "TurretForm") {
     left->addWidget(listLabel_);
     list_ = new QListWidget(this);
     list_->setObjectName("StationList");
-    list_->setStyleSheet(QString("QListWidget { background: %1; color: %2; font-size: 19px; font-family: monospace; } "
-                                 "QListWidget::item { min-height: 40px; } "
-                                 "QScrollBar:vertical { width: 48px; }")
-                             .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
+    list_->setStyleSheet(
+        QString("QListWidget { background: %1; color: %2; font-size: 19px; font-family: monospace; } "
+                "QListWidget::item { min-height: 40px; } "
+                "QScrollBar:vertical { width: 48px; }")
+            .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
     list_->verticalScrollBar()->setObjectName("TurretBar");
     left->addWidget(list_, 1);
     body->addLayout(left, 1);
