@@ -17,6 +17,7 @@
 #include "screens/program_form.h"
 #include "screens/shutdown_form.h"
 #include "screens/splash_form.h"
+#include "screens/tooling_forms.h"
 #include "screens/user_form.h"
 #include "screens/warning_form.h"
 #include "system/poll_cycle.h"
@@ -53,6 +54,7 @@ void Panel::RegisterForms() {
     forms_.Register("KeyboardForm", [this] { return std::make_unique<KeyboardForm>(*this); });
     forms_.Register("UserForm", [this] { return std::make_unique<UserForm>(*this); });
     RegisterProgramForms(*this, forms_);
+    RegisterToolingForms(*this, forms_);
 }
 
 int Panel::Start(const std::string& root) {

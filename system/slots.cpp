@@ -59,8 +59,6 @@ StationBlock StationBlockOf(const Station& station) {
     return block;
 }
 
-namespace {
-
 PlasmaBlock PlasmaBlockOf(const PlasmaSetting& s) {
     PlasmaBlock block;
     block.P101To104 = {s.RapidSpeed, s.CutSpeed, s.MinCornerSpeed, s.FreezeSpeed};
@@ -72,6 +70,8 @@ PlasmaBlock PlasmaBlockOf(const PlasmaSetting& s) {
     block.P110 = s.TorchType;
     return block;
 }
+
+namespace {
 
 // Copies the program to the slot's `.org` through "Temp.org": every line trimmed, empty lines
 // left out. The file that could not be written, or "" when done.
