@@ -34,8 +34,8 @@ QPushButton* CommandForm::AddButton(const std::string& caption, const QString& o
     return button;
 }
 
-QPushButton* CommandForm::AddValueBox(QGridLayout* grid, int row, const std::string& caption,
-                                      const QString& objectName, int mode) {
+QPushButton* CommandForm::AddValueBox(QGridLayout* grid, int row, const std::string& caption, const QString& objectName,
+                                      int mode) {
     const ColourTable& c = panel_.Colours();
     auto* label = new QLabel(Q(caption), this);
     auto* box = new QPushButton("0", this);

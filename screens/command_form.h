@@ -9,8 +9,8 @@
 #include <QVBoxLayout>
 #include <string>
 
-#include "system/machine_commands.h"
 #include "screens/panel_form.h"
+#include "system/machine_commands.h"
 
 namespace kirvana {
 
@@ -27,8 +27,7 @@ protected:
     QPushButton* AddValueBox(QGridLayout* grid, int row, const std::string& caption, const QString& objectName,
                              int mode);
     // A read-only text of the model, with its caption on the left.
-    QLabel* AddValueText(QGridLayout* grid, int row, int column, const std::string& caption,
-                         const QString& objectName);
+    QLabel* AddValueText(QGridLayout* grid, int row, int column, const std::string& caption, const QString& objectName);
     // A heading over a group.
     QLabel* AddHeading(const std::string& text);
     // A heading over a column of a grid, in its row 0.

@@ -186,8 +186,7 @@ PositionForm::PositionForm(Panel& panel, bool rotary)
         modes_[mode]->setCheckable(true);
         group->addButton(modes_[mode]);
         row->addWidget(modes_[mode]);
-        connect(modes_[mode], &QPushButton::clicked, this,
-                [this, mode] { Mode() = static_cast<PositionMode>(mode); });
+        connect(modes_[mode], &QPushButton::clicked, this, [this, mode] { Mode() = static_cast<PositionMode>(mode); });
     }
     layout_->addLayout(row);
     AddExit();

@@ -40,7 +40,7 @@ MachineForm::MachineForm(Panel& panel) : CommandForm(panel, "MachineForm", "MACH
     AddHeading("FEED OVERRIDE");
     auto* feeds = new QGridLayout();
     for (int i = 0; i < 4; ++i) {
-        feed_[i] = AddButton(FeedButtons[i].Caption, QString("FeedButton%1").arg(i));
+        feed_[i] = AddButton(FeedButtons[i].Caption, QString("FeedButton%1").arg(i), 130);
         connect(feed_[i], &QPushButton::clicked, this, [this, i] {
             Conversation talk = panel_.Talk();
             StepFeed(panel_.State(), talk, FeedButtons[i].Step);
@@ -77,8 +77,8 @@ LoadForm::LoadForm(Panel& panel) : CommandForm(panel, "LoadForm", "LOAD POSITION
             int i = (button - 1) * 2 + n;
             boxes_[i] = AddValueBox(grid, n, LoadBoxCaptions[i], QString("LoadBox%1").arg(i), -6);
         }
-        load_[button - 1] = AddButton("LOAD &" + std::string(button == 1 ? "A" : "B"),
-                                      QString("LoadButton%1").arg(button));
+        load_[button - 1] =
+            AddButton("LOAD &" + std::string(button == 1 ? "A" : "B"), QString("LoadButton%1").arg(button));
         grid->addWidget(load_[button - 1], 0, 2, 2, 1);
         layout_->addLayout(grid);
         connect(load_[button - 1], &QPushButton::clicked, this, [this, button] {
@@ -101,14 +101,16 @@ MoveForm::MoveForm(Panel& panel) : CommandForm(panel, "MoveForm", "MOVE / PUNCH"
     list_ = new QListWidget(this);
     list_->setObjectName("MoveList");
     list_->setMinimumWidth(280);
-    list_->setStyleSheet("QListWidget { font-size: 19px; font-weight: bold; background: #ffffff; color: #000000; }"
-                         " QListWidget::item { min-height: 48px; }"
-                         " QListWidget::item:selected { background: #000080; color: #ffffff; }"
-                         " QScrollBar:vertical { width: 48px; }");
+    list_->setStyleSheet(
+        "QListWidget { font-size: 19px; font-weight: bold; background: #ffffff; color: #000000; }"
+        " QListWidget::item { min-height: 48px; }"
+        " QListWidget::item:selected { background: #000080; color: #ffffff; }"
+        " QScrollBar:vertical { width: 48px; }");
     row->addWidget(list_, 1);
     auto* right = new QVBoxLayout();
     auto* grid = new QGridLayout();
-    for (int i = 0; i < 3; ++i) boxes_[i] = AddValueBox(grid, i, MoveBoxCaptions[i], QString("MoveBox%1").arg(i + 1), -6);
+    for (int i = 0; i < 3; ++i)
+        boxes_[i] = AddValueBox(grid, i, MoveBoxCaptions[i], QString("MoveBox%1").arg(i + 1), -6);
     right->addLayout(grid);
     for (int i = 0; i < 2; ++i) {
         move_[i] = AddButton(MoveButtonCaptions[i], QString("MoveButton%1").arg(i + 1));

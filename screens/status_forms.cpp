@@ -52,15 +52,16 @@ MachineStatusForm::MachineStatusForm(Panel& panel)
     runTime_ = AddValueText(grid, 0, 0, "RUN TIME :", "RunTimeText");
     hits_ = AddValueText(grid, 1, 0, "HITS :", "HitCountText");
     for (int n = 0; n < 4; ++n) {
-        clamps_[n] = AddValueText(grid, 2 + n, 0, "CLAMP " + std::to_string(n + 1) + " :",
-                                  QString("ClampText%1").arg(n + 1));
+        clamps_[n] =
+            AddValueText(grid, 2 + n, 0, "CLAMP " + std::to_string(n + 1) + " :", QString("ClampText%1").arg(n + 1));
         clampLabels_[n] = qobject_cast<QLabel*>(grid->itemAtPosition(2 + n, 0)->widget());
     }
     station_ = AddValueText(grid, 6, 0, "STATION :", "StationText");
     tool_ = AddValueText(grid, 7, 0, "TOOL :", "ToolText");
     tool_->setMinimumWidth(300);
     const std::array<const char*, 3> offsets = {"X OFFSET :", "Y OFFSET :", "Z OFFSET :"};
-    for (int i = 0; i < 3; ++i) offsets_[i] = AddValueText(grid, 8 + i, 0, offsets[i], QString("OffsetText%1").arg(i + 1));
+    for (int i = 0; i < 3; ++i)
+        offsets_[i] = AddValueText(grid, 8 + i, 0, offsets[i], QString("OffsetText%1").arg(i + 1));
     layout_->addLayout(grid);
     AddExit();
 }
@@ -85,8 +86,7 @@ void MachineStatusForm::ShowModel() {
     for (int i = 0; i < 3; ++i) offsets_[i]->setText(Q(status.OffsetTexts[i]));
 }
 
-PlasmaStatusForm::PlasmaStatusForm(Panel& panel)
-    : CommandForm(panel, "PlasmaStatusForm", "PLASMA STATUS", 860, 700) {
+PlasmaStatusForm::PlasmaStatusForm(Panel& panel) : CommandForm(panel, "PlasmaStatusForm", "PLASMA STATUS", 860, 700) {
     auto* top = new QGridLayout();
     torch_ = AddValueText(top, 0, 0, "TORCH HEIGHT :", "TorchHeightText");
     side_ = AddValueText(top, 0, 2, "TOOL OFFSET :", "OffsetSideText");

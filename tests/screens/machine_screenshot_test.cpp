@@ -21,18 +21,29 @@ void Save(Panel& panel, const std::string& name) {
         << name;
 }
 
-const std::vector<std::string> MachineScreens = {"MachineForm",    "LoadForm",       "MoveForm",
-                                                 "XYJogForm",      "XYPositionForm", "TCPositionForm",
-                                                 "SetupForm",      "StatusMenuForm", "MachineStatusForm",
-                                                 "PlasmaStatusForm"};
+const std::vector<std::string> MachineScreens = {"MachineForm",       "LoadForm",        "MoveForm",  "XYJogForm",
+                                                 "XYPositionForm",    "TCPositionForm",  "SetupForm", "StatusMenuForm",
+                                                 "MachineStatusForm", "PlasmaStatusForm"};
 
 }  // namespace
 
 TEST_F(MachineFormsTest, ScreenshotsOfTheMachineAndStatusScreens) {
-    for (auto [name, value] : {std::pair{"Q10", 0.0}, {"Q11", 1250.0}, {"Q12", 2400.0}, {"Q13", 1250.0},
-                               {"M821", 25.0}, {"M820", 1.0}, {"M822", 3.0}, {"M876", 1.0}, {"Q17", 754.0},
-                               {"M835", 310.0}, {"M836", 905.5}, {"M837", 1480.0}, {"M885", 1.0}, {"M887", 1.0},
-                               {"M872", 2.0}, {"M873", 1.0}})
+    for (auto [name, value] : {std::pair{"Q10", 0.0},
+                               {"Q11", 1250.0},
+                               {"Q12", 2400.0},
+                               {"Q13", 1250.0},
+                               {"M821", 25.0},
+                               {"M820", 1.0},
+                               {"M822", 3.0},
+                               {"M876", 1.0},
+                               {"Q17", 754.0},
+                               {"M835", 310.0},
+                               {"M836", 905.5},
+                               {"M837", 1480.0},
+                               {"M885", 1.0},
+                               {"M887", 1.0},
+                               {"M872", 2.0},
+                               {"M873", 1.0}})
         sim_.SetVariable(name, value);
     for (int n = 0; n < 10; ++n) sim_.SetVariable("P" + std::to_string(101 + n), 10 * (n + 1));
     StartPanel();
@@ -53,13 +64,14 @@ TEST_F(MachineFormsTest, ScreenshotsOfTheMachineAndStatusScreens) {
     }
     // A refusal over the screen that gave it.
     CardStatus(16384 | 8192);
-    ASSERT_TRUE(WithForm([&] { Key(key::F3); }, [&](QWidget* form) {
-        WhenModal([&](QWidget* warning) {
-            Save(P(), "machine_refusal");
-            warning->close();
-        });
-        Child(form, "ReferenceButton0")->click();
-    }));
+    ASSERT_TRUE(WithForm([&] { Key(key::F3); },
+                         [&](QWidget* form) {
+                             WhenModal([&](QWidget* warning) {
+                                 Save(P(), "machine_refusal");
+                                 warning->close();
+                             });
+                             Child(form, "ReferenceButton0")->click();
+                         }));
 }
 
 TEST_F(MachineFormsTest, EveryMachineScreenFitsThePanelWithTouchSizedButtons) {
