@@ -11,6 +11,7 @@
 #include "navigation/pad_entry.h"
 #include "navigation/program_change.h"
 #include "screens/front_end.h"
+#include "screens/machine_forms.h"
 #include "screens/message_form.h"
 #include "screens/pad_forms.h"
 #include "screens/panel_style.h"
@@ -55,6 +56,7 @@ void Panel::RegisterForms() {
     forms_.Register("UserForm", [this] { return std::make_unique<UserForm>(*this); });
     RegisterProgramForms(*this, forms_);
     RegisterToolingForms(*this, forms_);
+    RegisterMachineForms(forms_, *this);
 }
 
 int Panel::Start(const std::string& root) {
