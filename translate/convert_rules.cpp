@@ -455,7 +455,7 @@ void ImplicitHitRule(std::string& block, const ConvertState& state) {
         block.insert(at, " G81 ");
         return;
     }
-    // 5. The "T" of a block that only has a tool gets " G80 ": a tool selection alone never hits.
+    // 5. Else the first "T" gets " G80 " instead: a tool selection alone never hits.
     at = Find(block, 'T');
     if (at != npos) block.insert(at, " G80 ");
 }

@@ -168,7 +168,9 @@ bool TranslationRun::CallFix() {
     // The copy back is written beside M2 and renamed over it, in place of deleting M2 first:
     // M2 is never missing.
     if (!CopyLines(m2, tmp, true) || !CopyLines(tmp, m2, false)) return false;
-    std::remove(tmp.c_str());
+    // M2 is complete: a work copy that cannot be deleted changes nothing, and the next call fix
+    // writes it anew.
+    (void)std::remove(tmp.c_str());
     return true;
 }
 
