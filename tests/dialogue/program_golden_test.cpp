@@ -105,8 +105,8 @@ TEST_F(ProgramGoldenTest, MultiPartInInches) {
                          BoxLength("1.25", true)),
                     0, 0, ToolOf(2), session.PlasmaSettingsArray()));
     Punch(BoxLength("7", true), BoxLength("5", true), 5, 45);
-    NestFields nest{BoxLength("96", true), BoxLength("39", true), 3, 2, BoxLength("0.5", true),
-                    BoxLength("0.5", true), BoxLength("1", true), BoxLength("1.5", true), 0};
+    NestFields nest{BoxLength("96", true), BoxLength("39", true),  3, 2, BoxLength("0.5", true), BoxLength("0.5", true),
+                    BoxLength("1", true),  BoxLength("1.5", true), 0};
     ASSERT_TRUE(session.ConfirmMultiPart(nest).Ok);
     Compare("multi_part_inches.prg");
 }
