@@ -11,8 +11,7 @@ inline constexpr int PageUp = 33, PageDown = 34, End = 35, Home = 36, Left = 37,
 }  // namespace
 
 DialogueKeyResult DialogueKey(int keyCode) {
-    if (keyCode >= '1' && keyCode <= '9')
-        return {DialogueCommand::OpenScreen, ScreenOfButton(keyCode - '0')};
+    if (keyCode >= '1' && keyCode <= '9') return {DialogueCommand::OpenScreen, ScreenOfButton(keyCode - '0')};
     switch (keyCode) {
         case code::Left:
             return {DialogueCommand::CursorBack};

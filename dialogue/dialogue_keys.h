@@ -10,19 +10,19 @@ namespace kirvana {
 
 enum class DialogueCommand {
     None,
-    CursorBack,       // left arrow, EntitySelect 0
-    CursorForward,    // right arrow, EntitySelect 1
-    CursorBackTen,    // page down
-    CursorForwardTen, // page up
-    CursorFirst,      // home
-    CursorLast,       // end
-    Delete,           // L or delete
-    Edit,             // E
-    Clear,            // C
-    Write,            // W
-    Load,             // R
-    Leave,            // X
-    OpenScreen,       // 1 to 9: `Screen`
+    CursorBack,        // left arrow, EntitySelect 0
+    CursorForward,     // right arrow, EntitySelect 1
+    CursorBackTen,     // page down
+    CursorForwardTen,  // page up
+    CursorFirst,       // home
+    CursorLast,        // end
+    Delete,            // L or delete
+    Edit,              // E
+    Clear,             // C
+    Write,             // W
+    Load,              // R
+    Leave,             // X
+    OpenScreen,        // 1 to 9: `Screen`
 };
 
 struct DialogueKeyResult {
