@@ -244,6 +244,16 @@ bool ArcFields::Settle() {
     } else {
         Sweep = Round3(FinishAngle - StartAngle);
         if (Sweep == 0) Sweep = 360;
+        // The three points of the same arc.
+        auto at = [this](double angle, double& x, double& y) {
+            double dx = 0, dy = 0;
+            PolarToXY(Radius, angle, dx, dy);
+            x = Round4(CentreX + dx);
+            y = Round4(CentreY + dy);
+        };
+        at(StartAngle, X1, Y1);
+        at(StartAngle + Sweep / 2, XM, YM);
+        at(StartAngle + Sweep, X2, Y2);
     }
     return Radius != 0;
 }
@@ -392,6 +402,47 @@ EntityRec ComposeSheet(const SheetFields& f, std::int32_t entityCount, bool& she
     rec.RecordNo = entityCount;
     rec.Counts[1] = static_cast<std::int16_t>(std::min<std::int32_t>(entityCount, 32767));
     return rec;
+}
+
+LineFields LineFieldsOf(const EntityRec& rec) {
+    LineFields f;
+    f.X1 = rec.Points.Start.X;
+    f.Y1 = rec.Points.Start.Y;
+    f.X2 = rec.Points.End.X;
+    f.Y2 = rec.Points.End.Y;
+    f.LengthValue = rec.Values[1];
+    f.AngleValue = rec.Values[10];
+    f.PitchValue = std::fabs(rec.Values[2]);
+    f.HitsValue = rec.Counts[1];
+    f.FinishByHand = true;
+    return f;
+}
+
+GridFields GridFieldsOf(const EntityRec& rec) {
+    GridFields f;
+    f.X = rec.Points.Start.X;
+    f.Y = rec.Points.Start.Y;
+    f.Row = {rec.Values[1], rec.Values[2], rec.Counts[1]};
+    f.Column = {rec.Values[3], rec.Values[4], rec.Counts[2]};
+    f.Angle = rec.Values[10];
+    return f;
+}
+
+ArcFields ArcFieldsOf(const EntityRec& rec) {
+    ArcFields f;
+    f.Option = 1;
+    f.CentreX = rec.Points.Position.X;
+    f.CentreY = rec.Points.Position.Y;
+    f.Radius = rec.Values[1];
+    f.StartAngle = rec.Values[10];
+    f.FinishAngle = Round3(NormaliseAngle(static_cast<double>(rec.Values[10]) + rec.Values[11]));
+    f.Settle();
+    // The sweep stands as recorded (a finish equal to the start is a full circle either way).
+    f.Sweep = rec.Values[11];
+    f.AngularPitch = std::fabs(rec.Values[12]);
+    f.NibblePitch = rec.Values[3];
+    f.HitsValue = rec.Counts[1];
+    return f;
 }
 
 LastPoint EndOf(const EntityRec& rec) { return LastPoint{rec.Points.Exit.X, rec.Points.Exit.Y}; }

@@ -123,9 +123,10 @@ struct ArcFields {
     double AngularPitch = 0, NibblePitch = 0;
     std::int32_t HitsValue = 0;
     enum Field { AngularPitchField, NibblePitchField, HitsField };
-    // The geometry from the boxes of the option: centre, radius, angles and sweep. A polar arc
-    // runs counter-clockwise from start to finish (a sweep of 360 when they meet); a three
-    // point arc passes through its middle point. False when the points are on one line.
+    // The geometry from the boxes of the option: centre, radius, angles and sweep, and the
+    // boxes of the other option follow. A polar arc runs from start to finish, the way of
+    // finish - start (a sweep of 360 when they meet); a three point arc passes through its
+    // middle point. False when the points are on one line.
     bool Settle();
     // The pitch fields and the hits follow each other: an angular pitch gives the hits and the
     // nibble pitch; a nibble pitch the angular pitch and hits; hits the angular pitch.
@@ -158,6 +159,11 @@ struct SheetFields {
     int ClampCount = 0;  // the machine's clamps: how many boxes are shown
 };
 EntityRec ComposeSheet(const SheetFields& fields, std::int32_t entityCount, bool& sheetDefined);
+
+// The boxes of a screen opened by Edit, from the record at the cursor.
+LineFields LineFieldsOf(const EntityRec& rec);
+GridFields GridFieldsOf(const EntityRec& rec);
+ArcFields ArcFieldsOf(const EntityRec& rec);
 
 // The end point of an entity: where the next screen starts.
 LastPoint EndOf(const EntityRec& rec);

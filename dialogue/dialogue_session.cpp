@@ -144,6 +144,7 @@ bool DialogueSession::ReadWorkFiles() {
     if (FileExists(WorkFile("trt"))) ReadProgramTurret(WorkFile("trt"), Table(), header, dirs_.ServiceDir);
     State.MultiPartMode = FileExists(WorkFile("prw"));
     State.EntityCursor = State.EntityCount;
+    if (plot_ != nullptr) plot_->RedrawDrawing();
     return true;
 }
 
@@ -175,7 +176,9 @@ bool DialogueSession::Clear() {
     RemoveFile(WorkFile("prw"));
     RemoveFile(WorkFile("tmp"));
     std::vector<EntityRec> records = {EmptySheet(machine_.MachineType)};
-    return WriteDrawing(WorkFile("drw"), records);
+    const bool written = WriteDrawing(WorkFile("drw"), records);
+    if (plot_ != nullptr) plot_->RedrawDrawing();
+    return written;
 }
 
 bool DialogueSession::ScreenAllowed(DialogueScreen screen) const {
@@ -194,8 +197,14 @@ bool DialogueSession::ScreenAllowed(DialogueScreen screen) const {
 }
 
 void DialogueSession::MoveCursor(std::int32_t delta) {
+    const std::int32_t from = State.EntityCursor;
     State.EntityCursor = std::clamp(State.EntityCursor + delta, std::int32_t{1}, std::max(State.EntityCount, 1));
+    if (plot_ != nullptr && from != State.EntityCursor) plot_->MoveHighlight(from, State.EntityCursor);
 }
+
+void DialogueSession::CursorHome() { MoveCursor(1 - State.EntityCursor); }
+
+void DialogueSession::CursorEnd() { MoveCursor(State.EntityCount - State.EntityCursor); }
 
 std::string DialogueSession::CursorCountText() const {
     return std::to_string(State.EntityCursor) + " / " + std::to_string(State.EntityCount);
@@ -252,13 +261,24 @@ bool DialogueSession::InsertAtCursor(const EntityRec& rec) {
 }
 
 bool DialogueSession::ConfirmEntity(const EntityRec& rec) {
+    // 2. The entity at the cursor off the plot.
+    const bool onEntity = State.EntityCursor > 1 && State.EntityCursor <= State.EntityCount;
+    if (plot_ != nullptr && onEntity)
+        if (auto old = Entity(State.EntityCursor)) plot_->EraseEntity(*old);
+    // 6. In place of it when editing, otherwise after it.
     bool written = false;
-    if (State.EditMode && State.EntityCursor > 1 && State.EntityCursor <= State.EntityCount)
+    const bool editing = State.EditMode && onEntity;
+    if (editing)
         written = ReplaceAtCursor(rec);
     else
         written = InsertAtCursor(rec);
     State.EditMode = false;
     if (!written) return false;
+    // 7. Drawn, and its end is where the next screen starts.
+    if (plot_ != nullptr) {
+        if (editing) plot_->RedrawDrawing();
+        plot_->DrawEntity(rec);
+    }
     const LastPoint end = EndOf(rec);
     State.LastX = ToSingle(end.X);
     State.LastY = ToSingle(end.Y);
@@ -315,6 +335,7 @@ Composed DialogueSession::ConfirmMultiPart(const NestFields& fields) {
     State.EntityCursor = 2;
     State.MultiPartMode = true;
     State.EditMode = false;
+    if (plot_ != nullptr) plot_->RedrawDrawing();
     return result;
 }
 
@@ -338,6 +359,7 @@ bool DialogueSession::DeleteAtCursor() {
         State.MultiPartMode = false;
         if (!ReadSheet()) return false;
         State.EntityCursor = State.EntityCount;
+        if (plot_ != nullptr) plot_->RedrawDrawing();
         return true;
     }
     const std::string drawing = WorkFile("drw"), copy = WorkFile("tmp");
@@ -359,6 +381,7 @@ bool DialogueSession::DeleteAtCursor() {
         return false;
     }
     RemoveFile(copy);
+    if (plot_ != nullptr) plot_->EraseEntity(*rec);
     State.EntityCount = static_cast<std::int32_t>(records.size());
     State.EntityCursor = std::min(State.EntityCursor - 1, State.EntityCount);
     return true;

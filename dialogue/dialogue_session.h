@@ -57,6 +57,19 @@ inline constexpr const char* EmptyDialogueNotice = "An Empty Dialogue Is Started
 // The refusal of a screen that needs a sheet, or no Multi-Part.
 inline constexpr const char* NeedsSheetNotice = "Define The Sheet First !";
 
+// What the dialogue asks of the plot on box 0, which the plot module answers; without one the
+// dialogue draws nothing.
+class DialoguePlot {
+public:
+    virtual ~DialoguePlot() = default;
+    virtual void EraseEntity(const EntityRec& rec) = 0;
+    virtual void DrawEntity(const EntityRec& rec) = 0;
+    // The whole drawing again (after an edit, a delete of the Multi-Part, a clear or a load).
+    virtual void RedrawDrawing() = 0;
+    // The cursor moved from record `from` to record `to` (1 is "Beginning").
+    virtual void MoveHighlight(std::int32_t from, std::int32_t to) = 0;
+};
+
 class DialogueSession {
 public:
     DialogueSession(const Directories& dirs, const MachineData& machine, Tooling& tooling);
@@ -83,8 +96,8 @@ public:
 
     // The cursor: clamped to 1 through the count.
     void MoveCursor(std::int32_t delta);
-    void CursorHome() { State.EntityCursor = 1; }
-    void CursorEnd() { State.EntityCursor = State.EntityCount; }
+    void CursorHome();
+    void CursorEnd();
     // "n / m" and the kind's name or "Beginning".
     std::string CursorCountText() const;
     std::string CursorDescription();
@@ -106,6 +119,9 @@ public:
     // Delete at the cursor: the Multi-Part gives the part's drawing back; another entity is
     // left out of a copy. False when nothing was deleted.
     bool DeleteAtCursor();
+
+    void SetPlot(DialoguePlot* plot) { plot_ = plot; }
+    DialoguePlot* Plot() const { return plot_; }
 
     // What the screens start from.
     LastPoint Last() const { return LastPoint{State.LastX, State.LastY}; }
@@ -134,6 +150,7 @@ private:
     const Directories& dirs_;
     const MachineData& machine_;
     Tooling& tooling_;
+    DialoguePlot* plot_ = nullptr;
 };
 
 }  // namespace kirvana

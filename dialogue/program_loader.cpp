@@ -141,6 +141,7 @@ LoadResult LoadProgram(DialogueSession& session, const std::string& directoryNam
     written = WriteProgramTurret(session.WorkFile("trt"), table, ProgramTurret{}) && written;
     if (!written) return Refused("File Fault : " + session.WorkFile("trt"));
     session.State.EntityCursor = session.State.EntityCount;
+    if (session.Plot() != nullptr) session.Plot()->RedrawDrawing();
     LoadResult result;
     result.Loaded = true;
     result.Records = session.State.EntityCount;

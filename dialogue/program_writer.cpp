@@ -40,10 +40,9 @@ bool CallsTool(std::int16_t kind) {
            HasPunchTool(kind);
 }
 
-std::vector<EntityRec> ReadAll(const std::string& path, bool& ok) {
+std::vector<EntityRec> ReadRecords(DrawingFile& file, bool& ok) {
     std::vector<EntityRec> records;
-    DrawingFile file;
-    ok = file.Open(path, true) && file.Count() >= 1;
+    ok = file.IsOpen() && file.Count() >= 1;
     if (!ok) return records;
     const std::int32_t last = file.LastReadable();
     for (std::int32_t n = 1; n <= last; ++n) {
@@ -53,6 +52,12 @@ std::vector<EntityRec> ReadAll(const std::string& path, bool& ok) {
     }
     ok = !records.empty() && records.front().Kind == EntityKind::Sheet;
     return records;
+}
+
+std::vector<EntityRec> ReadAll(const std::string& path, bool& ok) {
+    DrawingFile file;
+    ok = file.Open(path, true);
+    return ok ? ReadRecords(file, ok) : std::vector<EntityRec>{};
 }
 
 PointF Shifted(PointF p, double dx, double dy) { return PointF{ToSingle(p.X + dx), ToSingle(p.Y + dy)}; }
@@ -78,8 +83,13 @@ public:
     void End();
 
 private:
-    // One block: "N" and the number, then the words.
+    // One block: "N" and the number, then the words. A program beyond the limit is cut off
+    // and marked too long.
     void Block(const std::string& words) {
+        if (Lines.size() >= MaxProgramBlocks) {
+            TooLong = true;
+            return;
+        }
         if (!firstBlock_) LineNo += LineStep;
         firstBlock_ = false;
         Lines.push_back("N" + ZeroPad(LineNo, 4) + words);
@@ -120,6 +130,7 @@ private:
     std::string tail_;
 
 public:
+    bool TooLong = false;
     std::int32_t LineNo = 10;
     static constexpr std::int16_t LineStep = 2;
     bool ProfileOn = false;
@@ -370,6 +381,11 @@ void Generator::MultiPart(const EntityRec& part, const std::vector<EntityRec>& p
     const std::int32_t columns = std::max<std::int32_t>(part.Counts[1], 1);
     const std::int32_t rows = std::max<std::int32_t>(part.Counts[2], 1);
     const double stepX = part.Values[11], stepY = part.Values[12];
+    if (static_cast<std::int64_t>(columns) * rows * static_cast<std::int64_t>(partRecords.size()) >
+        static_cast<std::int64_t>(MaxProgramBlocks)) {
+        TooLong = true;
+        return;
+    }
     std::size_t first = 1;  // record 1 of the part is its Sheet
     while (first < partRecords.size()) {
         // The group: up to the record before the tool changes.
@@ -438,30 +454,57 @@ std::string PartDrawingOf(const std::string& drawing) {
     return {};
 }
 
-std::optional<std::vector<std::string>> GenerateProgramLines(const std::string& drawing, const GeneratorInput& input) {
-    bool ok = false;
-    std::vector<EntityRec> records = ReadAll(drawing, ok);
-    if (!ok) return std::nullopt;
-    std::vector<EntityRec> partRecords;
-    const bool multiPart = std::any_of(records.begin() + 1, records.end(),
-                                       [](const EntityRec& rec) { return rec.Kind == EntityKind::MultiPart; });
-    if (multiPart) {
-        partRecords = ReadAll(input.PartDrawing.empty() ? PartDrawingOf(drawing) : input.PartDrawing, ok);
-        if (!ok) return std::nullopt;
-    }
-    std::vector<EntityRec> used(records.begin() + 1, records.end());
-    if (multiPart) used.insert(used.end(), partRecords.begin() + 1, partRecords.end());
+namespace {
 
+std::optional<std::vector<std::string>> Generated(const std::vector<EntityRec>& records,
+                                                  const std::vector<EntityRec>& partRecords,
+                                                  const GeneratorInput& input) {
+    std::vector<EntityRec> used(records.begin() + 1, records.end());
+    if (!partRecords.empty()) used.insert(used.end(), partRecords.begin() + 1, partRecords.end());
     Generator generator(input);
     generator.Header(records.front(), used);
-    for (std::size_t n = 1; n < records.size(); ++n) {
+    for (std::size_t n = 1; n < records.size() && !generator.TooLong; ++n) {
         if (records[n].Kind == EntityKind::MultiPart)
             generator.MultiPart(records[n], partRecords);
         else
             generator.Entity(records[n]);
     }
     generator.End();
+    if (generator.TooLong) return std::nullopt;
     return std::move(generator.Lines);
+}
+
+bool HasMultiPart(const std::vector<EntityRec>& records) {
+    return std::any_of(records.begin() + 1, records.end(),
+                       [](const EntityRec& rec) { return rec.Kind == EntityKind::MultiPart; });
+}
+
+}  // namespace
+
+std::optional<std::vector<std::string>> GenerateProgramLines(DrawingFile& drawing, DrawingFile* part,
+                                                             const GeneratorInput& input) {
+    bool ok = false;
+    std::vector<EntityRec> records = ReadRecords(drawing, ok);
+    if (!ok) return std::nullopt;
+    std::vector<EntityRec> partRecords;
+    if (HasMultiPart(records)) {
+        if (part == nullptr) return std::nullopt;
+        partRecords = ReadRecords(*part, ok);
+        if (!ok) return std::nullopt;
+    }
+    return Generated(records, partRecords, input);
+}
+
+std::optional<std::vector<std::string>> GenerateProgramLines(const std::string& drawing, const GeneratorInput& input) {
+    bool ok = false;
+    std::vector<EntityRec> records = ReadAll(drawing, ok);
+    if (!ok) return std::nullopt;
+    std::vector<EntityRec> partRecords;
+    if (HasMultiPart(records)) {
+        partRecords = ReadAll(input.PartDrawing.empty() ? PartDrawingOf(drawing) : input.PartDrawing, ok);
+        if (!ok) return std::nullopt;
+    }
+    return Generated(records, partRecords, input);
 }
 
 bool GenerateProgram(const std::string& drawing, const std::string& target, const GeneratorInput& input) {

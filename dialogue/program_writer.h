@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "analysis/drawing_file.h"
 #include "analysis/entity.h"
 #include "dialogue/dialogue_session.h"
 #include "tooling/settings.h"
@@ -33,6 +34,12 @@ GeneratorInput GeneratorInputOf(const DialogueSession& session);
 // records are read from `input.PartDrawing` for a Multi-Part. Empty when the drawing can't be
 // read.
 std::optional<std::vector<std::string>> GenerateProgramLines(const std::string& drawing, const GeneratorInput& input);
+// The same from open files; `part` is the Multi-Part's drawing (nullptr when there is none).
+std::optional<std::vector<std::string>> GenerateProgramLines(DrawingFile& drawing, DrawingFile* part,
+                                                             const GeneratorInput& input);
+// The most blocks a generated program may have: a drawing that would give more (a Multi-Part of
+// thousands of cells) is refused as an invalid drawing instead of filling the disk.
+inline constexpr std::size_t MaxProgramBlocks = 200000;
 // Generates into `target` (through a temporary file). False when nothing was generated.
 [[nodiscard]] bool GenerateProgram(const std::string& drawing, const std::string& target, const GeneratorInput& input);
 

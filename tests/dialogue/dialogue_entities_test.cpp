@@ -239,6 +239,56 @@ TEST(ArcScreen, ValidationTexts) {
     EXPECT_FLOAT_EQ(pattern.Record.Values[12], 30);
 }
 
+TEST(ArcScreen, APolarArcGivesItsThreePoints) {
+    ArcFields f;
+    f.CentreX = 100, f.CentreY = 100, f.Radius = 10, f.StartAngle = 0, f.FinishAngle = 180;
+    ASSERT_TRUE(f.Settle());
+    EXPECT_NEAR(f.X1, 110, 1e-3);
+    EXPECT_NEAR(f.YM, 110, 1e-3);
+    EXPECT_NEAR(f.X2, 90, 1e-3);
+    // Back through the three points: the same arc.
+    f.Option = 0;
+    ASSERT_TRUE(f.Settle());
+    EXPECT_NEAR(f.Sweep, 180, 1e-3);
+    EXPECT_NEAR(f.CentreX, 100, 1e-3);
+}
+
+TEST(EditScreens, BoxesComeBackFromTheRecord) {
+    LineFields line;
+    line.Change(LineFields::StartX, 10);
+    line.Change(LineFields::Length, 100);
+    line.Change(LineFields::Angle, 30);
+    line.Change(LineFields::Pitch, 10);
+    Composed lineRec = ComposeLine(line, 0, 0, RoundTool(), NoSettings());
+    ASSERT_TRUE(lineRec.Ok);
+    LineFields back = LineFieldsOf(lineRec.Record);
+    EXPECT_NEAR(back.X2, line.X2, 1e-3);
+    EXPECT_NEAR(back.LengthValue, 100, 1e-3);
+    EXPECT_NEAR(back.AngleValue, 30, 1e-3);
+    EXPECT_EQ(back.HitsValue, line.HitsValue);
+
+    GridFields grid;
+    grid.X = 5;
+    grid.Row = {40, 10, 0};
+    grid.Column = {0, 20, 3};
+    Composed gridRec = ComposeGrid(grid, 0, RoundTool());
+    ASSERT_TRUE(gridRec.Ok);
+    GridFields gridBack = GridFieldsOf(gridRec.Record);
+    EXPECT_EQ(gridBack.Row.Hits, 5);
+    EXPECT_DOUBLE_EQ(gridBack.Column.Extent, 40);
+
+    ArcFields arc;
+    arc.CentreX = 50, arc.CentreY = 60, arc.Radius = 20, arc.StartAngle = 270, arc.FinishAngle = 90;
+    arc.Change(ArcFields::HitsField, 5);
+    Composed arcRec = ComposeArc(arc, 0, false, 0, RoundTool(), NoSettings());
+    ASSERT_TRUE(arcRec.Ok);
+    ArcFields arcBack = ArcFieldsOf(arcRec.Record);
+    EXPECT_NEAR(arcBack.Sweep, -180, 1e-3);
+    EXPECT_NEAR(arcBack.FinishAngle, 90, 1e-3);
+    EXPECT_NEAR(arcBack.AngularPitch, 45, 1e-3);
+    EXPECT_EQ(arcBack.HitsValue, 5);
+}
+
 TEST(OtherScreens, DwellStopRepositionAndNest) {
     EXPECT_EQ(ComposeDwell(0, {}).Message, "Invalid Dwell Time !");
     Composed dwell = ComposeDwell(-1.5, LastPoint{3, 4});

@@ -192,6 +192,41 @@ TEST_F(DialogueSessionTest, ClearEmptiesTheDrawingAndTheNames) {
     EXPECT_EQ(session.Entity(1)->Kind, 100);
 }
 
+// Records what the dialogue asks of the plot.
+class RecordingPlot : public DialoguePlot {
+public:
+    std::vector<std::string> Calls;
+    void EraseEntity(const EntityRec& rec) override { Calls.push_back("erase " + std::to_string(rec.Kind)); }
+    void DrawEntity(const EntityRec& rec) override { Calls.push_back("draw " + std::to_string(rec.Kind)); }
+    void RedrawDrawing() override { Calls.push_back("redraw"); }
+    void MoveHighlight(std::int32_t from, std::int32_t to) override {
+        Calls.push_back("highlight " + std::to_string(from) + " " + std::to_string(to));
+    }
+};
+
+TEST_F(DialogueSessionTest, ThePlotIsToldWhatChanges) {
+    StartWithSheet();
+    RecordingPlot plot;
+    session.SetPlot(&plot);
+    Add(ComposePunch(10, 10, 0, 0, ToolOf(1), session.Last(), session.Limits()));
+    Add(ComposeDwell(1, session.Last()));
+    EXPECT_EQ(plot.Calls, (std::vector<std::string>{"draw 210", "erase 210", "draw 311"}));
+    plot.Calls.clear();
+    session.MoveCursor(-1);
+    session.CursorHome();
+    session.CursorHome();  // already there: nothing to move
+    EXPECT_EQ(plot.Calls, (std::vector<std::string>{"highlight 3 2", "highlight 2 1"}));
+    plot.Calls.clear();
+    session.MoveCursor(1);
+    ASSERT_EQ(session.Edit(), DialogueScreen::Punch);
+    Add(ComposePunch(20, 10, 0, 0, ToolOf(1), session.Last(), session.Limits()));
+    EXPECT_EQ(plot.Calls, (std::vector<std::string>{"highlight 1 2", "erase 210", "redraw", "draw 210"}));
+    plot.Calls.clear();
+    ASSERT_TRUE(session.DeleteAtCursor());
+    ASSERT_TRUE(session.Clear());
+    EXPECT_EQ(plot.Calls, (std::vector<std::string>{"erase 210", "redraw"}));
+}
+
 TEST_F(DialogueSessionTest, RepositionRefusedWithZeroShift) {
     StartWithSheet();
     double offset = 0;

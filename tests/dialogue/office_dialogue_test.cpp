@@ -91,7 +91,8 @@ TEST_F(OfficeDialogueTest, BadNamesAndBadUsage) {
     OfficeRun missing = Office("load-dialogue --root " + Root() + " --dir Dorvenis --program NOSUCH");
     EXPECT_EQ(missing.Code, 1);
     EXPECT_NE(missing.Output.find("Program Does Not Exist !"), std::string::npos);
-    OfficeRun notDrawing = Office("generate " + Root() + "Control.cfg --root " + Root() + " --dir Dorvenis --program Y");
+    OfficeRun notDrawing =
+        Office("generate " + Root() + "Control.cfg --root " + Root() + " --dir Dorvenis --program Y");
     EXPECT_EQ(notDrawing.Code, 1);
     EXPECT_EQ(Office("generate --help").Code, 0);
 }

@@ -321,6 +321,18 @@ TEST_F(ProgramWriterTest, WriteRefreshesTheStationOfAToolThatMoved) {
                             [](const std::string& line) { return line.find(" ! T3=") != std::string::npos; }));
 }
 
+TEST_F(ProgramWriterTest, AMultiPartOfTooManyCellsIsAnInvalidDrawing) {
+    StartWithSheet(1, 1);
+    Punch(0.5, 0.5, 1);
+    NestFields nest{2500, 1000, 1000, 1000, 0, 0, 0, 0, 0};
+    ASSERT_TRUE(session.ConfirmMultiPart(nest).Ok);
+    auto yes = [](const std::vector<std::string>&) { return true; };
+    WriteResult result = WriteProgram(session, "Dorvenis", "HUGE", yes);
+    EXPECT_FALSE(result.Written);
+    EXPECT_EQ(result.Message, (std::vector<std::string>{"Invalid Drawing !", "Program Creation Aborted !"}));
+    EXPECT_FALSE(FileExists(dirs.ProgramRoot + "Dorvenis/HUGE.prg"));
+}
+
 TEST_F(ProgramWriterTest, AnUnreadableDrawingIsAnInvalidDrawing) {
     StartWithSheet();
     std::filesystem::remove(session.WorkFile("drw"));
