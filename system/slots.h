@@ -68,6 +68,8 @@ std::string SlotStem(const Directories& dirs, int slot);
 std::string SlotFile(const Directories& dirs, int slot, const char* extension);
 // The station block of a station of a slot's table.
 StationBlock StationBlockOf(const Station& station);
+// The plasma settings block of a plasma set.
+PlasmaBlock PlasmaBlockOf(const PlasmaSetting& setting);
 // The caption of the slot's program button on FrontEnd, naming the key F10 or F11.
 std::string ProgramButtonCaption(int slot, const SlotRecord& record);
 // The comment marks of a dialect, at selection or at the start-up load (dialect 5 differs).
