@@ -11,7 +11,8 @@
 #include <fstream>
 #include <string>
 
-#include "navigation/program_store.h"
+#include "files/program_store.h"
+#include "navigation/program_choice.h"
 #include "navigation/program_view.h"
 #include "screens/panel.h"
 #include "screens/program_form.h"

@@ -4,7 +4,7 @@
 #include <QKeyEvent>
 
 #include "navigation/navigation.h"
-#include "navigation/program_store.h"
+#include "navigation/program_choice.h"
 #include "screens/panel.h"
 #include "screens/panel_style.h"
 

@@ -6,6 +6,7 @@
 
 #include "core/paths.h"
 #include "core/text.h"
+#include "files/program_store.h"
 
 #include "screens/panel.h"
 #include "screens/panel_style.h"
@@ -126,7 +127,8 @@ void ProgListForm::Activate() {
     if (startDirectory_.empty()) startDirectory_ = panel_.State().Config.Dirs.ProgramDirName;
     directories_->blockSignals(true);
     directories_->clear();
-    for (const std::string& name : FillDirectories(panel_.State().Config.Dirs.ProgramRoot)) {
+    for (const std::string& name :
+         FillDirectories(panel_.State().Config.Dirs.ProgramRoot, panel_.State().Config.Dirs.ProgramRoot)) {
         directories_->addItem(Q(name));
         if (UpperCase(name) == UpperCase(startDirectory_)) directories_->setCurrentRow(directories_->count() - 1);
     }

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "navigation/program_store.h"
+#include "navigation/program_choice.h"
 #include "screens/program_form_frame.h"
 
 namespace kirvana {

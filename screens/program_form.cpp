@@ -5,7 +5,8 @@
 
 #include "core/names.h"
 #include "core/paths.h"
-#include "navigation/program_store.h"
+#include "files/program_store.h"
+#include "navigation/program_choice.h"
 #include "screens/batch_form.h"
 #include "screens/edit_prog_form.h"
 #include "screens/form_registry.h"
@@ -154,7 +155,8 @@ void ProgramForm::Activate() {
     std::string directory = slot.Present ? slot.ProgramDirName : p.Config.Dirs.ProgramDirName;
     directories_->clear();
     QStringList names;
-    for (const std::string& name : FillDirectories(p.Config.Dirs.ProgramRoot)) names << Q(name);
+    for (const std::string& name : FillDirectories(p.Config.Dirs.ProgramRoot, p.Config.Dirs.ProgramRoot))
+        names << Q(name);
     directories_->addItems(names);
     directories_->setCurrentText(Q(directory));
     FillProgramCombo(directory);

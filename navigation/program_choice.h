@@ -1,6 +1,6 @@
-// The program store as the program screens list it: the directories under the programs root,
-// the programs of a directory, the search over every directory, and the checks of a program
-// chosen in a list.
+// The choice of a program on the program screens: the search over every directory of the
+// program store, and the checks of a program chosen in a list. The lists themselves are the
+// program store's (files/program_store.h).
 #pragma once
 
 #include <optional>
@@ -9,23 +9,14 @@
 
 namespace kirvana {
 
-// The directory that holds the shared sub-programs: never listed.
-inline constexpr const char* SubprogramDirectory = "EXSUBS";
-
-// The subdirectories of the programs root, sorted by name with case ignored, without "EXSUBS".
-std::vector<std::string> FillDirectories(const std::string& programRoot);
-// The programs of a directory (its `*.prg`, the extension in any case), without extension,
-// sorted by name with case ignored. `directoryPath` ends in "/".
-std::vector<std::string> FillPrograms(const std::string& directoryPath);
-
 // A row of SearchForm's list.
 struct ProgramMatch {
     std::string Directory;
     std::string Program;
     bool operator==(const ProgramMatch&) const = default;
 };
-// Every program of every directory of the root whose name holds `text`, case ignored, by
-// directory and then by name.
+// Every program of every directory of the root (as the lists show them: never "EXSUBS") whose
+// name holds `text`, case ignored, by directory and then by name.
 std::vector<ProgramMatch> SearchPrograms(const std::string& programRoot, const std::string& text);
 // SearchForm's label: the text in quotation marks.
 std::string SearchLabel(const std::string& text);

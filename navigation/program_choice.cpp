@@ -1,54 +1,18 @@
-#include "navigation/program_store.h"
+#include "navigation/program_choice.h"
 
-#include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 
 #include "core/names.h"
 #include "core/paths.h"
 #include "core/text.h"
+#include "files/program_store.h"
 
 namespace kirvana {
 
-namespace fs = std::filesystem;
-
-namespace {
-
-bool HasProgramExtension(const std::string& name) {
-    return name.size() > 4 && UpperCase(std::string_view(name).substr(name.size() - 4)) == ".PRG";
-}
-
-}  // namespace
-
-std::vector<std::string> FillDirectories(const std::string& programRoot) {
-    std::vector<std::string> names = ListDirectory(programRoot, true);
-    std::erase_if(names, [](const std::string& name) { return UpperCase(name) == SubprogramDirectory; });
-    return names;
-}
-
-std::vector<std::string> FillPrograms(const std::string& directoryPath) {
-    std::vector<std::string> names;
-    std::error_code error;
-    for (fs::directory_iterator it(directoryPath, error), end; !error && it != end; it.increment(error)) {
-        std::string name = it->path().filename().string();
-        std::error_code kindError;
-        if (!HasProgramExtension(name) || it->is_directory(kindError)) continue;
-        names.push_back(name.substr(0, name.size() - 4));
-    }
-    // Upper-cased once, so the sort of a large directory compares without copying.
-    std::vector<std::pair<std::string, std::string>> keyed;
-    keyed.reserve(names.size());
-    for (std::string& name : names) keyed.emplace_back(UpperCase(name), std::move(name));
-    std::sort(keyed.begin(), keyed.end());
-    names.clear();
-    for (auto& [key, name] : keyed) names.push_back(std::move(name));
-    return names;
-}
-
 std::vector<ProgramMatch> SearchPrograms(const std::string& programRoot, const std::string& text) {
     std::vector<ProgramMatch> found;
-    for (const std::string& directory : FillDirectories(programRoot))
+    for (const std::string& directory : FillDirectories(programRoot, programRoot))
         for (const std::string& program : FillPrograms(programRoot + directory + "/"))
             if (FindNoCase(program, text) != std::string::npos) found.push_back({directory, program});
     return found;

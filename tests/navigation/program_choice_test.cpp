@@ -1,10 +1,11 @@
-// The program store as the program screens list it, and BatchForm's edit and set states.
+// The search and the checks of a program chosen on the program screens, and BatchForm's edit and
+// set states.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
 #include "navigation/batch_edit.h"
-#include "navigation/program_store.h"
+#include "navigation/program_choice.h"
 #include "tests/core/temp_dir.h"
 
 using namespace kirvana;
@@ -27,18 +28,6 @@ protected:
 };
 
 }  // namespace
-
-TEST_F(ProgramStoreTest, DirectoriesAreSortedAndExsubsNeverAppears) {
-    EXPECT_EQ(FillDirectories(root_.Path()), (std::vector<std::string>{"archive", "Dorvenis", "Exsubs2"}));
-    // Any case of the name is the same directory on the system's file system.
-    std::filesystem::rename(root_.Path() + "EXSUBS", root_.Path() + "ExSubs");
-    EXPECT_EQ(FillDirectories(root_.Path()), (std::vector<std::string>{"archive", "Dorvenis", "Exsubs2"}));
-}
-
-TEST_F(ProgramStoreTest, ProgramsAreThePrgFilesWithoutExtension) {
-    EXPECT_EQ(FillPrograms(root_.Path() + "Dorvenis/"), (std::vector<std::string>{"cover02", "PLATE01"}));
-    EXPECT_TRUE(FillPrograms(root_.Path() + "missing/").empty());
-}
 
 TEST_F(ProgramStoreTest, SearchWalksEveryDirectoryIgnoringCaseButNotExsubs) {
     std::vector<ProgramMatch> found = SearchPrograms(root_.Path(), "plate");
