@@ -425,3 +425,18 @@ TEST_F(ToolingFormsTest, F2OnAProfilerOfKindOneOpensNothing) {
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     EXPECT_EQ(P().Forms().Loaded("PlasmaSettingsForm"), nullptr);
 }
+
+TEST_F(ToolingFormsTest, ATurretWithoutProfilerHasOnlyTheToolSettings) {
+    MachineType(10);
+    ASSERT_EQ(Start(), 0);
+    std::string caption;
+    bool profilerButton = true;
+    OnModal([&](QWidget* modal) {
+        auto* form = static_cast<TurretForm*>(modal);
+        caption = form->SettingsButton(1)->text().toStdString();
+        profilerButton = form->SettingsButton(2)->isVisible();
+    });
+    Key(key::F2);
+    EXPECT_EQ(caption, "TOOL &SETTINGS");
+    EXPECT_FALSE(profilerButton);
+}
