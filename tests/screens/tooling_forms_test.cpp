@@ -4,6 +4,7 @@
 // fails its checks on the screen, and files that cannot be written are said.
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 
 #include "controller/cardsim/card_simulator.h"
 #include "screens/pad_forms.h"
@@ -276,6 +277,15 @@ TEST_F(ToolingFormsTest, ToolDefinitionShowsEveryShapeInItsUnitAndTheSpecialName
         dialogue->PadButton()->click();
         EXPECT_EQ(dialogue->SpecialCombo()->currentText(), "ABCDEFGHIJKLMNOPQR");
         dialogue->SetBox(13, 1, "-90");
+        // The caption drags the screen.
+        QWidget* caption = dialogue->findChild<QWidget*>("ToolDefPanel");
+        const QPoint before = dialogue->pos();
+        QTest::mousePress(caption, Qt::LeftButton, {}, QPoint(20, 10));
+        QMouseEvent move(QEvent::MouseMove, QPointF(60, 40), caption->mapToGlobal(QPointF(60, 40)), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QApplication::sendEvent(caption, &move);
+        QTest::mouseRelease(caption, Qt::LeftButton, {}, QPoint(60, 40));
+        EXPECT_EQ(dialogue->pos() - before, QPoint(40, 30));
         dialogue->OkButton()->click();
     });
     P().OpenForm("ToolDefDialogue");
