@@ -417,10 +417,20 @@ TEST_F(ToolingFormsTest, PlasmaSettingsFromTheTurretApplyWriteAndSendThePlasmaBl
 TEST_F(ToolingFormsTest, F2WithoutTurretOpensPlasmaSettingsOnAPlasmaMachineAndNothingOnAnother) {
     MachineType(2);
     ASSERT_EQ(Start(), 0);
-    std::string opened;
-    OnModal([&](QWidget* modal) { opened = modal->objectName().toStdString(); });
+    std::string opened, description, rapid, cut;
+    OnModal([&](QWidget* modal) {
+        opened = modal->objectName().toStdString();
+        // No program's set in the empty slot: the default set shows.
+        auto* form = static_cast<PlasmaSettingsForm*>(modal);
+        description = form->DescriptionBox()->text().toStdString();
+        rapid = form->SettingsCombo(1)->currentText().toStdString();
+        cut = form->SettingsCombo(2)->currentText().toStdString();
+    });
     Key(key::F2);
     EXPECT_EQ(opened, "PlasmaSettingsForm");
+    EXPECT_EQ(description, "Mild steel 2 mm");
+    EXPECT_EQ(rapid, "20000");
+    EXPECT_EQ(cut, "2500");
     opened.clear();
     OnModal([&](QWidget* modal) { opened = modal->objectName().toStdString(); });
     F().MainButton(2)->click();
