@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 
+#include "analysis/drawing_file.h"
 #include "controller/cardsim/card_simulator.h"
 #include "screens/pad_forms.h"
 #include "screens/settings_forms.h"
@@ -165,7 +166,7 @@ TEST_F(ToolingFormsTest, DefineToolTakesTheBoxesThroughThePadAndWritesTheTables)
     std::string padName;
     OnModal([&](QWidget* modal) {
         auto* turret = static_cast<TurretForm*>(modal);
-        turret->StationList()->setCurrentRow(3);
+        turret->StationList()->setCurrentRow(4);
         OnModal([&](QWidget* inner) {
             auto* dialogue = static_cast<ToolDefDialogue*>(inner);
             EXPECT_EQ(dialogue->ToolTypeList()->count(), 14);
@@ -190,17 +191,30 @@ TEST_F(ToolingFormsTest, DefineToolTakesTheBoxesThroughThePadAndWritesTheTables)
             EXPECT_FALSE(dialogue->isVisible());
         });
         turret->ToolButton()->click();
-        EXPECT_EQ(turret->StationList()->item(3)->text(), "04      Rectangle 20x10 a90");
+        EXPECT_EQ(turret->StationList()->item(4)->text(), "05      Rectangle 20x10 idx90");
     });
     Key(key::F2);
     EXPECT_EQ(padName, "NumberForm");
-    EXPECT_EQ(Row(4).ToolText, "Rectangle 20x10 a90");
+    // Station 5 is an autoindex station: its angle is an index angle.
+    EXPECT_EQ(Row(5).ToolText, "Rectangle 20x10 idx90");
     auto slotLines = ReadLines(dir_.Path() + "Actvprg1.trt");
     ASSERT_TRUE(slotLines);
-    EXPECT_EQ((*slotLines)[4], "Rectangle 20x10 a90, 100, 100, 0, 0, 0, 0");
+    EXPECT_EQ((*slotLines)[5], "Rectangle 20x10 idx90, 100, 100, 0, 0, 0, 0");
     auto programLines = ReadLines(dir_.Path() + "Programs/Dorvenis/PLATE01.trt");
     ASSERT_TRUE(programLines);
-    EXPECT_EQ((*programLines)[4], "Rectangle 20x10 a90, 100, 100, 0, 0, 0, 0");
+    EXPECT_EQ((*programLines)[5], "Rectangle 20x10 idx90, 100, 100, 0, 0, 0, 0");
+    // Leaving the turret gave the drawing's hits of station 5 the new tool.
+    DrawingFile drawing;
+    ASSERT_TRUE(drawing.Open(dir_.Path() + "Actvprg1.drw", true));
+    int hits = 0;
+    for (std::int32_t n = 2; n <= drawing.LastReadable(); ++n) {
+        EntityRec rec;
+        drawing.Get(n, rec);
+        if (rec.StationNo != 5) continue;
+        ++hits;
+        EXPECT_EQ(DescribeTool(rec.Tool, false), "Rectangle 20x10 idx90") << n;
+    }
+    EXPECT_GT(hits, 0);
 }
 
 TEST_F(ToolingFormsTest, AToolThatFailsItsChecksKeepsTheScreenOpenWithItsMessage) {
