@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QVBoxLayout>
 
 #include "core/number.h"
@@ -51,7 +52,9 @@ ToolDefDialogue::ToolDefDialogue(Panel& panel) : PanelForm(panel, "ToolDefDialog
     setFixedSize(900, 640);
     setStyleSheet(FormStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(ToolingCaption(panel, "TOOL DEFINITION", this, "ToolDefPanel"));
+    caption_ = ToolingCaption(panel, "TOOL DEFINITION", this, "ToolDefPanel");
+    caption_->installEventFilter(this);
+    layout->addWidget(caption_);
     auto* body = new QHBoxLayout();
     list_ = new QListWidget(this);
     list_->setObjectName("ToolTypeList");
@@ -204,6 +207,23 @@ bool ToolDefDialogue::Confirm() {
     CopyTool(result.Tool, buffer_);
     accepted_ = true;
     accept();
+    return true;
+}
+
+bool ToolDefDialogue::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != caption_) return PanelForm::eventFilter(watched, event);
+    const QEvent::Type type = event->type();
+    if (type != QEvent::MouseButtonPress && type != QEvent::MouseMove && type != QEvent::MouseButtonRelease)
+        return PanelForm::eventFilter(watched, event);
+    const QPoint at = static_cast<QMouseEvent*>(event)->globalPosition().toPoint();
+    if (type == QEvent::MouseButtonPress) {
+        dragging_ = true;
+        dragOffset_ = at - pos();
+    } else if (type == QEvent::MouseMove) {
+        if (dragging_) move(at - dragOffset_);
+    } else {
+        dragging_ = false;
+    }
     return true;
 }
 

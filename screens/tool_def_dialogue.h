@@ -46,6 +46,8 @@ public:
 
 protected:
     bool FormKey(int code, QKeyEvent& event) override;
+    // ToolDefPanel, the caption, drags the screen.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void BuildFrame(int shape);
@@ -65,6 +67,9 @@ private:
     std::array<std::array<QPushButton*, 4>, ToolShapeCount> boxes_{};
     std::array<std::array<QLabel*, 4>, ToolShapeCount> labels_{};
     QLabel* unit_;
+    QLabel* caption_;
+    QPoint dragOffset_;
+    bool dragging_ = false;
     QPushButton* keyway_ = nullptr;
     QComboBox* special_ = nullptr;
     QPushButton* pad_ = nullptr;

@@ -108,7 +108,8 @@ void TurretForm::Activate() {
     const Process& process = panel_.State();
     const std::int16_t profiler = process.Config.Machine.ProfilerKind;
     settings_[0]->setText(Q(SettingsButtonCaption(profiler)));
-    settings_[1]->setVisible(profiler >= 1);
+    // The plasma settings belong to a plasma profiler.
+    settings_[1]->setVisible(profiler == 2);
     // The sixth setting's caption follows Punch.dat.
     std::vector<std::string> labels = TurretSettingLabels(process.Tools.Punch);
     for (std::size_t i = 0; i < 6; ++i) settingLabels_[i]->setText(Q(labels[i]));

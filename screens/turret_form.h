@@ -32,7 +32,6 @@ public:
     QPushButton* PositionButton(int n) { return position_[static_cast<std::size_t>(n - 1)]; }
     QPushButton* PunchButton() { return punch_; }
     QPushButton* ExitButton() { return exit_; }
-    const TurretEdits& Edits() const { return edits_; }
 
 protected:
     bool FormKey(int code, QKeyEvent& event) override;

@@ -111,7 +111,8 @@ ToolingChange ApplyProgramPlasma(Process& process, Conversation& talk, const std
         else if (FileExists(ResolveNoCase(stem + ".prg")) && !SavePlasmaSetting(stem + ".pls", description, setting))
             result.FileFault = FileFaultText(stem + ".pls");
     }
-    if (process.PlasmaBlockAllowed) SendPlasmaBlock(talk, PlasmaBlockOf(setting));
+    if (process.PlasmaBlockAllowed && process.Config.Machine.ProfilerKind == 2)
+        SendPlasmaBlock(talk, PlasmaBlockOf(setting));
     return result;
 }
 

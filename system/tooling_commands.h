@@ -53,7 +53,7 @@ ToolingChange ApplyTurretSettings(Process& process, Conversation& talk, int stat
 
 // PlasmaSettingsForm.ApplyButton: the set becomes the program's, is written to the slot's and
 // the program's `.pls` (when the slot holds a program), and goes to the card as the plasma
-// block.
+// block on a plasma profiler.
 ToolingChange ApplyProgramPlasma(Process& process, Conversation& talk, const std::string& description,
                                  const PlasmaSetting& setting);
 

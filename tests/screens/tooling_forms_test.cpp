@@ -4,7 +4,9 @@
 // fails its checks on the screen, and files that cannot be written are said.
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 
+#include "analysis/drawing_file.h"
 #include "controller/cardsim/card_simulator.h"
 #include "screens/pad_forms.h"
 #include "screens/settings_forms.h"
@@ -164,7 +166,7 @@ TEST_F(ToolingFormsTest, DefineToolTakesTheBoxesThroughThePadAndWritesTheTables)
     std::string padName;
     OnModal([&](QWidget* modal) {
         auto* turret = static_cast<TurretForm*>(modal);
-        turret->StationList()->setCurrentRow(3);
+        turret->StationList()->setCurrentRow(4);
         OnModal([&](QWidget* inner) {
             auto* dialogue = static_cast<ToolDefDialogue*>(inner);
             EXPECT_EQ(dialogue->ToolTypeList()->count(), 14);
@@ -189,17 +191,30 @@ TEST_F(ToolingFormsTest, DefineToolTakesTheBoxesThroughThePadAndWritesTheTables)
             EXPECT_FALSE(dialogue->isVisible());
         });
         turret->ToolButton()->click();
-        EXPECT_EQ(turret->StationList()->item(3)->text(), "04      Rectangle 20x10 a90");
+        EXPECT_EQ(turret->StationList()->item(4)->text(), "05      Rectangle 20x10 idx90");
     });
     Key(key::F2);
     EXPECT_EQ(padName, "NumberForm");
-    EXPECT_EQ(Row(4).ToolText, "Rectangle 20x10 a90");
+    // Station 5 is an autoindex station: its angle is an index angle.
+    EXPECT_EQ(Row(5).ToolText, "Rectangle 20x10 idx90");
     auto slotLines = ReadLines(dir_.Path() + "Actvprg1.trt");
     ASSERT_TRUE(slotLines);
-    EXPECT_EQ((*slotLines)[4], "Rectangle 20x10 a90, 100, 100, 0, 0, 0, 0");
+    EXPECT_EQ((*slotLines)[5], "Rectangle 20x10 idx90, 100, 100, 0, 0, 0, 0");
     auto programLines = ReadLines(dir_.Path() + "Programs/Dorvenis/PLATE01.trt");
     ASSERT_TRUE(programLines);
-    EXPECT_EQ((*programLines)[4], "Rectangle 20x10 a90, 100, 100, 0, 0, 0, 0");
+    EXPECT_EQ((*programLines)[5], "Rectangle 20x10 idx90, 100, 100, 0, 0, 0, 0");
+    // Leaving the turret gave the drawing's hits of station 5 the new tool.
+    DrawingFile drawing;
+    ASSERT_TRUE(drawing.Open(dir_.Path() + "Actvprg1.drw", true));
+    int hits = 0;
+    for (std::int32_t n = 2; n <= drawing.LastReadable(); ++n) {
+        EntityRec rec;
+        drawing.Get(n, rec);
+        if (rec.StationNo != 5) continue;
+        ++hits;
+        EXPECT_EQ(DescribeTool(rec.Tool, false), "Rectangle 20x10 idx90") << n;
+    }
+    EXPECT_GT(hits, 0);
 }
 
 TEST_F(ToolingFormsTest, AToolThatFailsItsChecksKeepsTheScreenOpenWithItsMessage) {
@@ -276,6 +291,15 @@ TEST_F(ToolingFormsTest, ToolDefinitionShowsEveryShapeInItsUnitAndTheSpecialName
         dialogue->PadButton()->click();
         EXPECT_EQ(dialogue->SpecialCombo()->currentText(), "ABCDEFGHIJKLMNOPQR");
         dialogue->SetBox(13, 1, "-90");
+        // The caption drags the screen.
+        QWidget* caption = dialogue->findChild<QWidget*>("ToolDefPanel");
+        const QPoint before = dialogue->pos();
+        QTest::mousePress(caption, Qt::LeftButton, {}, QPoint(20, 10));
+        QMouseEvent move(QEvent::MouseMove, QPointF(60, 40), caption->mapToGlobal(QPointF(60, 40)), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QApplication::sendEvent(caption, &move);
+        QTest::mouseRelease(caption, Qt::LeftButton, {}, QPoint(60, 40));
+        EXPECT_EQ(dialogue->pos() - before, QPoint(40, 30));
         dialogue->OkButton()->click();
     });
     P().OpenForm("ToolDefDialogue");
@@ -407,10 +431,20 @@ TEST_F(ToolingFormsTest, PlasmaSettingsFromTheTurretApplyWriteAndSendThePlasmaBl
 TEST_F(ToolingFormsTest, F2WithoutTurretOpensPlasmaSettingsOnAPlasmaMachineAndNothingOnAnother) {
     MachineType(2);
     ASSERT_EQ(Start(), 0);
-    std::string opened;
-    OnModal([&](QWidget* modal) { opened = modal->objectName().toStdString(); });
+    std::string opened, description, rapid, cut;
+    OnModal([&](QWidget* modal) {
+        opened = modal->objectName().toStdString();
+        // No program's set in the empty slot: the default set shows.
+        auto* form = static_cast<PlasmaSettingsForm*>(modal);
+        description = form->DescriptionBox()->text().toStdString();
+        rapid = form->SettingsCombo(1)->currentText().toStdString();
+        cut = form->SettingsCombo(2)->currentText().toStdString();
+    });
     Key(key::F2);
     EXPECT_EQ(opened, "PlasmaSettingsForm");
+    EXPECT_EQ(description, "Mild steel 2 mm");
+    EXPECT_EQ(rapid, "20000");
+    EXPECT_EQ(cut, "2500");
     opened.clear();
     OnModal([&](QWidget* modal) { opened = modal->objectName().toStdString(); });
     F().MainButton(2)->click();
@@ -424,4 +458,19 @@ TEST_F(ToolingFormsTest, F2OnAProfilerOfKindOneOpensNothing) {
     Spin(50);
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     EXPECT_EQ(P().Forms().Loaded("PlasmaSettingsForm"), nullptr);
+}
+
+TEST_F(ToolingFormsTest, ATurretWithoutProfilerHasOnlyTheToolSettings) {
+    MachineType(10);
+    ASSERT_EQ(Start(), 0);
+    std::string caption;
+    bool profilerButton = true;
+    OnModal([&](QWidget* modal) {
+        auto* form = static_cast<TurretForm*>(modal);
+        caption = form->SettingsButton(1)->text().toStdString();
+        profilerButton = form->SettingsButton(2)->isVisible();
+    });
+    Key(key::F2);
+    EXPECT_EQ(caption, "TOOL &SETTINGS");
+    EXPECT_FALSE(profilerButton);
 }

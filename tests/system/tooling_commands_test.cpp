@@ -181,6 +181,11 @@ TEST_F(ToolingCommandTest, PlasmaSettingsAreTheProgramsWrittenBesideItAndSent) {
     EXPECT_EQ(p.Slots[0].PlasmaSettings.CutSpeed, 15000);
     EXPECT_EQ(Sent(), (std::vector<std::string>{"P101=20000", "P102=15000", "P103=500", "P104=750", "P105=1.5",
                                                 "P106=2.5", "P107=150", "P108=1", "P109=0", "P110=2"}));
+    // A profiler of another kind keeps the set, and the card hears nothing of it.
+    card.Exchanges.clear();
+    p.Config.Machine.ProfilerKind = 1;
+    ApplyProgramPlasma(p, talk, "Thin sheet", s);
+    EXPECT_TRUE(Sent().empty());
     for (const std::string& file : {SlotFile(p.Config.Dirs, 1, "pls"), std::string("Programs/Dorvenis/PLATE01.pls")}) {
         std::string description;
         PlasmaSetting read;
