@@ -101,7 +101,9 @@ bool CommandForm::Refused(const Refusal& refusal) {
 }
 
 bool CommandForm::FormKey(int code, QKeyEvent&) {
-    if (code == 0 || code > 'Z') return false;
+    // Only letters and digits are caption keys; F keys, arrows and the rest go on to MainKey.
+    bool letter = code >= 'A' && code <= 'Z', digit = code >= '0' && code <= '9';
+    if (!letter && !digit) return false;
     for (QPushButton* button : findChildren<QPushButton*>())
         if (button->isVisible() && button->isEnabled() && MnemonicOf(S(button->text())) == code) {
             button->click();
