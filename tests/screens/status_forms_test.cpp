@@ -19,6 +19,8 @@ TEST_F(MachineFormsTest, StatusMenuOpensFromF4AndItsButtonAndOpensItsPages) {
                              EXPECT_EQ(FormOpenedBy([&] { QTest::keyClick(form, Qt::Key_M); }), "MachineStatusForm");
                              EXPECT_EQ(FormOpenedBy([&] { QTest::keyClick(form, Qt::Key_P); }), "PlasmaStatusForm");
                              EXPECT_EQ(FormOpenedBy([&] { Child(form, "MenuButton1")->click(); }), "PlasmaStatusForm");
+                             EXPECT_EQ(FormOpenedBy([&] { Child(form, "MenuButton2")->click(); }), "ViewProgForm");
+                             EXPECT_EQ(FormOpenedBy([&] { QTest::keyClick(form, Qt::Key_V); }), "ViewProgForm");
                          }));
 }
 
