@@ -49,6 +49,31 @@ namespace {
 
 std::string Single(float value) { return FormatNumber(Number(value), -1); }
 
+}  // namespace
+
+std::string GatherStateText(const GatherState& state) {
+    std::string r;
+    r += std::string("Gathered     : ") + (state.Gathered ? "True" : "False") + "\n";
+    r += "Block No.    : " + std::to_string(state.BlockNo) + "\n";
+    r += std::string("Measurement  : ") + (state.Imperial ? "Imperial" : "Metric") + "\n";
+    r += std::string("Coordinates  : ") + (state.Incremental ? "Incremental" : "Absolute") + "\n";
+    r += "G92 Offset X : " + Single(state.G92X) + "\n";
+    r += "G92 Offset Y : " + Single(state.G92Y) + "\n";
+    r += "G56 Offset X : " + Single(state.G56X) + "\n";
+    r += "G56 Offset Y : " + Single(state.G56Y) + "\n";
+    r += "Reposition   : " + Single(state.Reposition) + "\n";
+    r += "Mirror Code  : " + std::to_string(state.MirrorCode) + "\n";
+    r += "Station No.  : " + std::to_string(state.Station) + "\n";
+    r += std::string("Profiler     : ") + (state.Profiler ? "On" : "Off") + "\n";
+    r += "X Position   : " + Single(state.X) + "\n";
+    r += "Y Position   : " + Single(state.Y) + "\n";
+    r += "C Position   : " + Single(state.C) + "\n";
+    r += "Hits So Far  : " + std::to_string(state.Hits) + "\n";
+    return r;
+}
+
+namespace {
+
 // The block number of a block text: its N word, 0 when none or negative.
 bool BlockNumber(const std::string& text, std::int16_t& number) {
     ValueReader reader;
@@ -162,22 +187,7 @@ void GatherRun::Finish(GatherState& state) {
     // 6. The state in the report.
     std::string& r = report_;
     r += "******\n\n";
-    r += std::string("Gathered     : ") + (state.Gathered ? "True" : "False") + "\n";
-    r += "Block No.    : " + std::to_string(state.BlockNo) + "\n";
-    r += std::string("Measurement  : ") + (state.Imperial ? "Imperial" : "Metric") + "\n";
-    r += std::string("Coordinates  : ") + (state.Incremental ? "Incremental" : "Absolute") + "\n";
-    r += "G92 Offset X : " + Single(state.G92X) + "\n";
-    r += "G92 Offset Y : " + Single(state.G92Y) + "\n";
-    r += "G56 Offset X : " + Single(state.G56X) + "\n";
-    r += "G56 Offset Y : " + Single(state.G56Y) + "\n";
-    r += "Reposition   : " + Single(state.Reposition) + "\n";
-    r += "Mirror Code  : " + std::to_string(state.MirrorCode) + "\n";
-    r += "Station No.  : " + std::to_string(state.Station) + "\n";
-    r += std::string("Profiler     : ") + (state.Profiler ? "On" : "Off") + "\n";
-    r += "X Position   : " + Single(state.X) + "\n";
-    r += "Y Position   : " + Single(state.Y) + "\n";
-    r += "C Position   : " + Single(state.C) + "\n";
-    r += "Hits So Far  : " + std::to_string(state.Hits) + "\n";
+    r += GatherStateText(state);
     r += "\n******\n";
 }
 

@@ -49,6 +49,9 @@ struct GatherTarget {
     SubCall CallState;
 };
 
+// The sixteen lines of a state in "Gather.txt", from "Gathered     : " to "Hits So Far  : ".
+std::string GatherStateText(const GatherState& state);
+
 // The stop test after a line is read at `depth` with the walk's counts and call states.
 bool GatherReached(const GatherTarget& target, int depth, std::int16_t mainCount, std::int16_t depthCount,
                    const SubCall& depthCallState);
