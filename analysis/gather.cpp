@@ -40,6 +40,10 @@ bool GatherReached(const GatherTarget& target, int depth, std::int16_t mainCount
                    const SubCall& depthCallState) {
     if (mainCount != target.TargetMain) return false;
     if (depth == 0) return target.TargetSub == 0;
+    // The call of the target: the same code and label, so that a block count of a calling
+    // subroutine is not taken for one of the subroutine it calls.
+    if (depthCallState.CallCode != target.CallState.CallCode || depthCallState.Label != target.CallState.Label)
+        return false;
     if (depthCallState.CountX != target.CallState.CountX) return false;
     if (target.CallState.CallCode == 98 && depthCallState.CountY != target.CallState.CountY) return false;
     return depthCount == target.TargetSub;
