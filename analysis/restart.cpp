@@ -84,9 +84,7 @@ std::optional<std::int32_t> SplitCycle(const std::string& drawingPath, const Ent
     if (!split.Create(splitPath)) return std::nullopt;
     ExpandResult result = ExpandRecords(one, split);
     // Record 1 is the Sheet of the slot's drawing with its own number, 1, and the count.
-    EntityRec head;
-    split.Get(1, head);
-    head = sheet;
+    EntityRec head = sheet;
     head.RecordNo = result.Records;
     if (!result.Done || !split.Put(1, head) || !split.Close()) return std::nullopt;
     return result.Records - 1;

@@ -80,9 +80,9 @@ bool MotionTexts(const CorpusProgram& program, const TempDir& dir, const std::st
 // What the Reverse pass knew of one entity it wrote.
 struct Seen {
     EntityRec Entity;
-    GatherState State;               // its modal state at the start of the entity's block
-    std::int32_t HitsAtBlock = 0;    // hits done before the block
-    std::int32_t Repositions = 0;    // G95 entities written before the block
+    GatherState State;                  // its modal state at the start of the entity's block
+    std::int32_t HitsAtBlock = 0;       // hits done before the block
+    std::int32_t Repositions = 0;       // G95 entities written before the block
     std::int32_t HitsBeforeEntity = 0;  // hits of all entities written before this one
 };
 
@@ -210,12 +210,13 @@ TEST(RestartProof, GatherStateIsTheReverseStateAtEveryEntityAndHit) {
             }
         }
     }
-    std::printf("restart points checked: %lld (%lld entities and %lld hits of %lld programs; %lld programs refused "
-                "by the translation or the Reverse pass; %lld entities with hits follow another of their own block; %lld "
-                "entities of nested repetitions share their blocks and repetition with an earlier one)\n",
-                static_cast<long long>(entities + hits), static_cast<long long>(entities),
-                static_cast<long long>(hits), static_cast<long long>(programs), static_cast<long long>(skipped),
-                static_cast<long long>(laterInBlock), static_cast<long long>(sameRecordKey));
+    std::printf(
+        "restart points checked: %lld (%lld entities and %lld hits of %lld programs; %lld programs refused "
+        "by the translation or the Reverse pass; %lld entities with hits follow another of their own block; %lld "
+        "entities of nested repetitions share their blocks and repetition with an earlier one)\n",
+        static_cast<long long>(entities + hits), static_cast<long long>(entities), static_cast<long long>(hits),
+        static_cast<long long>(programs), static_cast<long long>(skipped), static_cast<long long>(laterInBlock),
+        static_cast<long long>(sameRecordKey));
     EXPECT_GE(programs, 12);
     EXPECT_GT(hits, 250);
 }
