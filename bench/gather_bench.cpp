@@ -30,9 +30,9 @@ std::string Directory() {
 void WriteMotion(const std::string& stem) {
     std::ofstream m1(stem + "M1", std::ios::binary | std::ios::trunc);
     m1 << "N0001 G71 G90 T1\n";
-    const char* pattern[] = {"G81 X%d Y%d", "G00 X%d Y%d", "G26 X%d Y%d P1=4 P2=10 P3=2 P4=20 P5=0",
-                             "P8=2.5 G01 X%d Y%d", "G80 X%d Y%d", "P10=1 G68 X%d Y%d S1 Q2", "G81 X%d Y%d",
-                             "G00 X%d Y%d"};
+    const char* pattern[] = {"G81 X%d Y%d",        "G00 X%d Y%d", "G26 X%d Y%d P1=4 P2=10 P3=2 P4=20 P5=0",
+                             "P8=2.5 G01 X%d Y%d", "G80 X%d Y%d", "P10=1 G68 X%d Y%d S1 Q2",
+                             "G81 X%d Y%d",        "G00 X%d Y%d"};
     char line[160];
     for (int n = 2; n <= MainBlocks; ++n) {
         const int x = 100 + (n * 37) % 2000, y = 50 + (n * 53) % 1100;
