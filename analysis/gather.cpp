@@ -105,7 +105,7 @@ private:
     void Error(std::string_view message, bool critical) override;
     void HitsPassed(std::int64_t hits) override;
     bool ChecksTools() const override { return false; }
-    void Finish(GatherState& state);
+    void GatherFinish(GatherState& state);
 
     const GatherTarget& target_;
     std::int16_t hits_ = 0;
@@ -117,7 +117,7 @@ GatherState GatherRun::Run(std::vector<std::string>& repositions) {
     StartState();
     Walk();
     GatherState state;
-    Finish(state);
+    GatherFinish(state);
     repositions = std::move(repositions_);
     return state;
 }
@@ -178,7 +178,7 @@ void GatherRun::HitsPassed(std::int64_t hits) {
     hits_ = static_cast<std::int16_t>(std::min<std::int64_t>(hits_ + hits, INT16_MAX));
 }
 
-void GatherRun::Finish(GatherState& state) {
+void GatherRun::GatherFinish(GatherState& state) {
     // 1-3. Reached or not, the block's number, the mirror code and the modal values.
     state = ModalGatherState(S, settings_.Travel.XLimitMin);
     state.Gathered = reached_ ? -1 : 0;
