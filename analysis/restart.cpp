@@ -144,7 +144,7 @@ std::vector<std::string> WriteProfileRest(const EntityRec& entity, float x, floa
 std::vector<std::string> WriteSubroutineTail(const EntityRec& entity, const GatherState& blockState,
                                              const std::vector<std::string>& m2) {
     std::vector<std::string> lines;
-    const SubCall& spec = entity.CallSpec;
+    const SubCall& asked = entity.CallSpec;
     SubCall state = entity.CallState;
     auto modes = [&](float x, float y) {
         lines.push_back("G93 X" + Num(x) + " Y" + Num(y));
@@ -164,7 +164,7 @@ std::vector<std::string> WriteSubroutineTail(const EntityRec& entity, const Gath
     ValueReader reader;
     for (std::size_t i = 0; i < m2.size(); ++i) {
         std::int16_t n = reader.WordInteger(BeforeComment(m2[i]), 'N');
-        if (!reader.WordMissing && n == static_cast<int>(spec.Label) * 1000) {
+        if (!reader.WordMissing && n == static_cast<int>(asked.Label) * 1000) {
             labelLine = i;
             break;
         }
@@ -174,18 +174,18 @@ std::vector<std::string> WriteSubroutineTail(const EntityRec& entity, const Gath
     body(static_cast<std::size_t>(std::max<int>(entity.SubBlock, 0)));
     // 4. The repetitions still open, as the end of each repetition steps them.
     for (int guard = 0; guard < 32767; ++guard) {
-        if (spec.CallCode != 98) {
+        if (asked.CallCode != 98) {
             state.CountY = static_cast<std::int16_t>(state.CountY - 1);
             if (state.CountY <= 0) break;
             ++state.CountX;
             body(labelLine);
             continue;
         }
-        const bool columns = spec.Order == 1;
+        const bool columns = asked.Order == 1;
         std::int16_t& inner = columns ? state.CountY : state.CountX;
         std::int16_t& outer = columns ? state.CountX : state.CountY;
-        const std::int16_t innerMax = columns ? spec.CountY : spec.CountX;
-        const std::int16_t outerMax = columns ? spec.CountX : spec.CountY;
+        const std::int16_t innerMax = columns ? asked.CountY : asked.CountX;
+        const std::int16_t outerMax = columns ? asked.CountX : asked.CountY;
         float& innerPos = columns ? state.Y : state.X;
         float& outerPos = columns ? state.X : state.Y;
         float& innerPitch = columns ? state.PitchY : state.PitchX;
