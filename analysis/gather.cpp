@@ -40,6 +40,10 @@ bool GatherReached(const GatherTarget& target, int depth, std::int16_t mainCount
                    const SubCall& depthCallState) {
     if (mainCount != target.TargetMain) return false;
     if (depth == 0) return target.TargetSub == 0;
+    // The call of the target: the same code and label, so that a block count of a calling
+    // subroutine is not taken for one of the subroutine it calls.
+    if (depthCallState.CallCode != target.CallState.CallCode || depthCallState.Label != target.CallState.Label)
+        return false;
     if (depthCallState.CountX != target.CallState.CountX) return false;
     if (target.CallState.CallCode == 98 && depthCallState.CountY != target.CallState.CountY) return false;
     return depthCount == target.TargetSub;
@@ -48,6 +52,31 @@ bool GatherReached(const GatherTarget& target, int depth, std::int16_t mainCount
 namespace {
 
 std::string Single(float value) { return FormatNumber(Number(value), -1); }
+
+}  // namespace
+
+std::string GatherStateText(const GatherState& state) {
+    std::string r;
+    r += std::string("Gathered     : ") + (state.Gathered ? "True" : "False") + "\n";
+    r += "Block No.    : " + std::to_string(state.BlockNo) + "\n";
+    r += std::string("Measurement  : ") + (state.Imperial ? "Imperial" : "Metric") + "\n";
+    r += std::string("Coordinates  : ") + (state.Incremental ? "Incremental" : "Absolute") + "\n";
+    r += "G92 Offset X : " + Single(state.G92X) + "\n";
+    r += "G92 Offset Y : " + Single(state.G92Y) + "\n";
+    r += "G56 Offset X : " + Single(state.G56X) + "\n";
+    r += "G56 Offset Y : " + Single(state.G56Y) + "\n";
+    r += "Reposition   : " + Single(state.Reposition) + "\n";
+    r += "Mirror Code  : " + std::to_string(state.MirrorCode) + "\n";
+    r += "Station No.  : " + std::to_string(state.Station) + "\n";
+    r += std::string("Profiler     : ") + (state.Profiler ? "On" : "Off") + "\n";
+    r += "X Position   : " + Single(state.X) + "\n";
+    r += "Y Position   : " + Single(state.Y) + "\n";
+    r += "C Position   : " + Single(state.C) + "\n";
+    r += "Hits So Far  : " + std::to_string(state.Hits) + "\n";
+    return r;
+}
+
+namespace {
 
 // The block number of a block text: its N word, 0 when none or negative.
 bool BlockNumber(const std::string& text, std::int16_t& number) {
@@ -76,7 +105,7 @@ private:
     void Error(std::string_view message, bool critical) override;
     void HitsPassed(std::int64_t hits) override;
     bool ChecksTools() const override { return false; }
-    void Finish(GatherState& state);
+    void GatherFinish(GatherState& state);
 
     const GatherTarget& target_;
     std::int16_t hits_ = 0;
@@ -88,7 +117,7 @@ GatherState GatherRun::Run(std::vector<std::string>& repositions) {
     StartState();
     Walk();
     GatherState state;
-    Finish(state);
+    GatherFinish(state);
     repositions = std::move(repositions_);
     return state;
 }
@@ -149,7 +178,7 @@ void GatherRun::HitsPassed(std::int64_t hits) {
     hits_ = static_cast<std::int16_t>(std::min<std::int64_t>(hits_ + hits, INT16_MAX));
 }
 
-void GatherRun::Finish(GatherState& state) {
+void GatherRun::GatherFinish(GatherState& state) {
     // 1-3. Reached or not, the block's number, the mirror code and the modal values.
     state = ModalGatherState(S, settings_.Travel.XLimitMin);
     state.Gathered = reached_ ? -1 : 0;
@@ -162,22 +191,7 @@ void GatherRun::Finish(GatherState& state) {
     // 6. The state in the report.
     std::string& r = report_;
     r += "******\n\n";
-    r += std::string("Gathered     : ") + (state.Gathered ? "True" : "False") + "\n";
-    r += "Block No.    : " + std::to_string(state.BlockNo) + "\n";
-    r += std::string("Measurement  : ") + (state.Imperial ? "Imperial" : "Metric") + "\n";
-    r += std::string("Coordinates  : ") + (state.Incremental ? "Incremental" : "Absolute") + "\n";
-    r += "G92 Offset X : " + Single(state.G92X) + "\n";
-    r += "G92 Offset Y : " + Single(state.G92Y) + "\n";
-    r += "G56 Offset X : " + Single(state.G56X) + "\n";
-    r += "G56 Offset Y : " + Single(state.G56Y) + "\n";
-    r += "Reposition   : " + Single(state.Reposition) + "\n";
-    r += "Mirror Code  : " + std::to_string(state.MirrorCode) + "\n";
-    r += "Station No.  : " + std::to_string(state.Station) + "\n";
-    r += std::string("Profiler     : ") + (state.Profiler ? "On" : "Off") + "\n";
-    r += "X Position   : " + Single(state.X) + "\n";
-    r += "Y Position   : " + Single(state.Y) + "\n";
-    r += "C Position   : " + Single(state.C) + "\n";
-    r += "Hits So Far  : " + std::to_string(state.Hits) + "\n";
+    r += GatherStateText(state);
     r += "\n******\n";
 }
 

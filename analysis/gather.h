@@ -49,7 +49,11 @@ struct GatherTarget {
     SubCall CallState;
 };
 
-// The stop test after a line is read at `depth` with the walk's counts and call states.
+// The sixteen lines of a state in "Gather.txt", from "Gathered     : " to "Hits So Far  : ".
+std::string GatherStateText(const GatherState& state);
+
+// The stop test after a line is read at `depth` with the walk's counts and call states. Beside
+// the counts, a depth above 0 must run the target's call (its code and label).
 bool GatherReached(const GatherTarget& target, int depth, std::int16_t mainCount, std::int16_t depthCount,
                    const SubCall& depthCallState);
 

@@ -84,9 +84,7 @@ std::optional<std::int32_t> SplitCycle(const std::string& drawingPath, const Ent
     if (!split.Create(splitPath)) return std::nullopt;
     ExpandResult result = ExpandRecords(one, split);
     // Record 1 is the Sheet of the slot's drawing with its own number, 1, and the count.
-    EntityRec head;
-    split.Get(1, head);
-    head = sheet;
+    EntityRec head = sheet;
     head.RecordNo = result.Records;
     if (!result.Done || !split.Put(1, head) || !split.Close()) return std::nullopt;
     return result.Records - 1;
@@ -121,8 +119,8 @@ std::vector<std::string> WriteCycleRest(const EntityRec& entity, std::int16_t hi
             lines.push_back("P7=" + Num(entity.Points.Position.X) + " P8=" + Num(entity.Points.Position.Y) +
                             " P3=" + Num(first) + " P2=" + Num(entity.Values[12]) +
                             " P1=" + std::to_string(entity.Counts[1] - passed) +
-                            (entity.Counts[2] != 0 ? " P10=-999" : " P10=1") +
-                            " P4=-999 P5=-999 P6=-999 P9=1 G28 R" + Num(entity.Values[5]));
+                            (entity.Counts[2] != 0 ? " P10=-999" : " P10=1") + " P4=-999 P5=-999 P6=-999 P9=1 G28 R" +
+                            Num(entity.Values[5]));
             break;
         }
         default:
@@ -138,15 +136,15 @@ std::vector<std::string> WriteProfileRest(const EntityRec& entity, float x, floa
     // G102 turns clockwise on a machine of orientation 1, G103 on the others.
     const bool clockwise = entity.Values[11] < 0;
     const char* code = clockwise == (orientation == 1) ? "G102" : "G103";
-    return {std::string(code) + " X" + Num(end.X) + " Y" + Num(end.Y) +
-            " I" + Num(static_cast<double>(entity.Points.Position.X) - x) +
-            " J" + Num(static_cast<double>(entity.Points.Position.Y) - y)};
+    return {std::string(code) + " X" + Num(end.X) + " Y" + Num(end.Y) + " I" +
+            Num(static_cast<double>(entity.Points.Position.X) - x) + " J" +
+            Num(static_cast<double>(entity.Points.Position.Y) - y)};
 }
 
 std::vector<std::string> WriteSubroutineTail(const EntityRec& entity, const GatherState& blockState,
                                              const std::vector<std::string>& m2) {
     std::vector<std::string> lines;
-    const SubCall& spec = entity.CallSpec;
+    const SubCall& asked = entity.CallSpec;
     SubCall state = entity.CallState;
     auto modes = [&](float x, float y) {
         lines.push_back("G93 X" + Num(x) + " Y" + Num(y));
@@ -166,7 +164,7 @@ std::vector<std::string> WriteSubroutineTail(const EntityRec& entity, const Gath
     ValueReader reader;
     for (std::size_t i = 0; i < m2.size(); ++i) {
         std::int16_t n = reader.WordInteger(BeforeComment(m2[i]), 'N');
-        if (!reader.WordMissing && n == static_cast<int>(spec.Label) * 1000) {
+        if (!reader.WordMissing && n == static_cast<int>(asked.Label) * 1000) {
             labelLine = i;
             break;
         }
@@ -176,18 +174,18 @@ std::vector<std::string> WriteSubroutineTail(const EntityRec& entity, const Gath
     body(static_cast<std::size_t>(std::max<int>(entity.SubBlock, 0)));
     // 4. The repetitions still open, as the end of each repetition steps them.
     for (int guard = 0; guard < 32767; ++guard) {
-        if (spec.CallCode != 98) {
+        if (asked.CallCode != 98) {
             state.CountY = static_cast<std::int16_t>(state.CountY - 1);
             if (state.CountY <= 0) break;
             ++state.CountX;
             body(labelLine);
             continue;
         }
-        const bool columns = spec.Order == 1;
+        const bool columns = asked.Order == 1;
         std::int16_t& inner = columns ? state.CountY : state.CountX;
         std::int16_t& outer = columns ? state.CountX : state.CountY;
-        const std::int16_t innerMax = columns ? spec.CountY : spec.CountX;
-        const std::int16_t outerMax = columns ? spec.CountX : spec.CountY;
+        const std::int16_t innerMax = columns ? asked.CountY : asked.CountX;
+        const std::int16_t outerMax = columns ? asked.CountX : asked.CountY;
         float& innerPos = columns ? state.Y : state.X;
         float& outerPos = columns ? state.X : state.Y;
         float& innerPitch = columns ? state.PitchY : state.PitchX;

@@ -35,11 +35,15 @@ public:
 private:
     void FirstInchCode() override;
     void Keep() override;
+    void BlockStarts() override {
+        if (settings_.OnEntity) blockStart_ = S;
+    }
 
     DrawingFile& drawing_;
     EntityRec sheet_;  // record 1
     bool writeFault_ = false;
     bool recordsFull_ = false;
+    ReverseState blockStart_;  // the state at the start of the block, kept for `OnEntity`
 };
 
 ReverseResult ReverseRun::Run() {
@@ -107,7 +111,11 @@ void ReverseRun::Keep() {
         Error(reverse_message::TooManyRecords, true);
         return;
     }
-    if (!AppendEntity(drawing_, S.RecordCounter, rec_)) writeFault_ = true;
+    if (!AppendEntity(drawing_, S.RecordCounter, rec_)) {
+        writeFault_ = true;
+        return;
+    }
+    if (settings_.OnEntity) settings_.OnEntity(rec_, blockStart_);
 }
 
 }  // namespace

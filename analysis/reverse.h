@@ -21,6 +21,8 @@
 
 namespace kirvana {
 
+struct ReverseState;
+
 // What the pass needs of the installation and the slot, filled by the caller.
 struct ReverseSettings {
     MachineTravel Travel;  // the load position, where the program starts, and the limits
@@ -49,6 +51,9 @@ struct ReverseSettings {
     // The most hits the pass walks over all (the outlines of grids and the limit checks of
     // every pattern), so that loops of huge patterns end too; reported as the block bound.
     std::int64_t MaxHitWork = 50'000'000;
+    // When set, called with each entity written and the modal state as it stood when the walk
+    // began the entity's block: how a check compares the Gather pass's state with this pass's.
+    std::function<void(const EntityRec& entity, const ReverseState& atBlockStart)> OnEntity;
 };
 
 ReverseSettings ReverseSettingsFrom(const MachineData& machine, const Directories& dirs, const StationTable& stations,

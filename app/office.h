@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "analysis/reverse.h"
 #include "controller/card_link.h"
 #include "core/config.h"
 
@@ -46,6 +47,14 @@ int Blend(const Args& args);
 // Reads STEM + "M1" and "M2" back into STEM + "drw" and "Reverse.txt"; prints the critical
 // count and the number of records.
 int Reverse(const Args& args);
+// The Reverse pass's settings for STEM from the installation at ROOT: the machine, its turret
+// or STEM + "trt", the plasma settings of STEM + "pls"; the directories and Machine.dat beside.
+// False, with the reason on stderr.
+bool ReverseSettingsAt(const std::string& root, const std::string& stem, Directories& dirs, MachineData& machine,
+                       ReverseSettings& settings);
+// The restart of STEM at a block or a hit: prints the gathered state and the restart program,
+// sending nothing.
+int Restart(const Args& args);
 // Lists the records of a drawing file.
 int Drawing(const Args& args);
 // Expands STEM + "drw" into STEM + "dr1" and prints the number of hits.

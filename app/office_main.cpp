@@ -81,6 +81,9 @@ const Command Commands[] = {
     {"reverse", Reverse,
      "reverse STEM --root ROOT --program NAME --dir DIR   draw STEM + \"M1\", \"M2\" into STEM + \"drw\", print the "
      "critical errors and records"},
+    {"restart", Restart,
+     "restart STEM --root ROOT (--block N | --record R --hit H) [--reloaded yes|no]   print the state gathered "
+     "for a restart and the text of PROG 5, sending nothing"},
     {"drawing", Drawing, "drawing FILE                     list the records of a drawing file"},
     {"watch", Watch,
      "watch --root ROOT [--ticks N] [--interval MS] [--start] [--until-idle]   follow the machine tick by tick"},

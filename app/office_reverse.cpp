@@ -11,6 +11,23 @@
 
 namespace kirvana::office {
 
+bool ReverseSettingsAt(const std::string& root, const std::string& stem, Directories& dirs, MachineData& machine,
+                       ReverseSettings& settings) {
+    if (!MachineAt(root, dirs, machine)) return false;
+    // The machine's turret, or the slot's own table beside the motion files.
+    Tooling tooling;
+    if (auto fault = ReadToolingData(dirs, machine, tooling)) {
+        std::fprintf(stderr, "%s\n", fault->Message().c_str());
+        return false;
+    }
+    StationTable stations = tooling.MachineTable;
+    ProgramTurret turret;
+    if (FileExists(stem + "trt")) ReadProgramTurret(stem + "trt", stations, turret, dirs.ServiceDir);
+    settings = ReverseSettingsFrom(machine, dirs, stations, MachinePlasmaTool(tooling));
+    if (FileExists(stem + "pls")) PlasmaToSettings(ProgramPlasmaSetting(dirs, stem + "pls"), settings.ProgramSettings);
+    return true;
+}
+
 int Reverse(const Args& args) {
     const char* usage = "reverse STEM --root ROOT --program NAME --dir DIR";
     bool haveRoot = false, haveProgram = false, haveDirectory = false;
@@ -23,18 +40,8 @@ int Reverse(const Args& args) {
     const std::string& stem = args[0];
     Directories dirs;
     MachineData machine;
-    if (!MachineAt(root, dirs, machine)) return 1;
-    // The machine's turret, or the slot's own table beside the motion files.
-    Tooling tooling;
-    if (auto fault = ReadToolingData(dirs, machine, tooling)) {
-        std::fprintf(stderr, "%s\n", fault->Message().c_str());
-        return 1;
-    }
-    StationTable stations = tooling.MachineTable;
-    ProgramTurret turret;
-    if (FileExists(stem + "trt")) ReadProgramTurret(stem + "trt", stations, turret, dirs.ServiceDir);
-    ReverseSettings settings = ReverseSettingsFrom(machine, dirs, stations, MachinePlasmaTool(tooling));
-    if (FileExists(stem + "pls")) PlasmaToSettings(ProgramPlasmaSetting(dirs, stem + "pls"), settings.ProgramSettings);
+    ReverseSettings settings;
+    if (!ReverseSettingsAt(root, stem, dirs, machine, settings)) return 1;
     std::int16_t toolChanges = 0;
     ReverseResult result = ReversePass(stem, program, directory, toolChanges, settings);
     if (result.FileFault) {

@@ -33,6 +33,7 @@ GatherTarget SubTarget(std::int16_t main, std::int16_t sub, std::int16_t code, s
     t.TargetMain = main;
     t.TargetSub = sub;
     t.CallState.CallCode = code;
+    t.CallState.Label = 1;  // every call of these tests is to S1
     t.CallState.CountX = countX;
     t.CallState.CountY = countY;
     return t;
