@@ -86,6 +86,9 @@ const Command Commands[] = {
      "watch --root ROOT [--ticks N] [--interval MS] [--start] [--until-idle]   follow the machine tick by tick"},
     {"expand", Expand,
      "expand STEM [--root ROOT]        expand STEM + \"drw\" into single hits in STEM + \"dr1\", print the hits"},
+    {"plot", Plot,
+     "plot STEM --root ROOT --out FILE.png|FILE.svg [--size WxH] [--view X1,Y1,X2,Y2] [--done N]   draw STEM + "
+     "\"drw\" as a picture, the first N hits done"},
 };
 
 // The list of commands: on stdout with exit code 0 when asked for, on stderr with 2 after a

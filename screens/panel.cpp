@@ -33,6 +33,11 @@ Panel::Panel(PanelOptions options)
         colours_ = config.Colours;
         startNote_ = config.Note;
     };
+    // Plot.cfg of the installation; the cursor modes start clear.
+    steps_.ReadPlotConfig = [this](Process& process) {
+        plotConfig_ = ReadPlotConfig(process.Config.Dirs.RootDir);
+        nav_.ViewMode = 0;
+    };
     link_.SetFaultHandler([this](std::int32_t number, const std::string& description) {
         // A link that fails to open during the start: "Initialisation Failure !" speaks for it.
         if (starting_ && !link_.Enabled()) return;
@@ -76,6 +81,7 @@ Conversation Panel::Talk() { return Conversation(&link_, process_.Card, process_
 
 void Panel::MainKeyPressed(int code) {
     if (ended_) return;
+    modeBeforeKey_ = nav_.ViewMode;
     DoKeyAction(MainKey(nav_, process_.Config.Machine, process_.Card.FormsLocked, code));
 }
 
@@ -96,8 +102,19 @@ void Panel::DoKeyAction(const KeyResult& result) {
         case KeyAction::GraphicsButton:
             GraphicsButton(result.Index);
             return;
+        case KeyAction::CursorKey:
+            PlotCursorKey(result.Index, modeBeforeKey_);
+            if (frontEnd_ && nav_.ViewMode == 0) frontEnd_->SetText("");
+            break;
         case KeyAction::CursorCancel:
+            HidePlotCursor();
             if (frontEnd_) frontEnd_->SetText("");
+            break;
+        case KeyAction::PathKey:
+            PlotPathKey(result.Index);
+            break;
+        case KeyAction::ToggleLimits:
+            RedrawPlot(ActivePlot(), false);
             break;
         default:
             break;
@@ -171,6 +188,7 @@ void Panel::ChangeProgramTo(int slot) {
     // 2 to 4, 6: refused while running, else the switch; 5: the slot's plot box.
     ChangeProgram(process_, *this, &link_, slot);
     if (frontEnd_) frontEnd_->ShowNavigation();
+    RedrawPlot(ActivePlot());
 }
 
 void Panel::GraphicsButton(int index) {
@@ -178,6 +196,7 @@ void Panel::GraphicsButton(int index) {
     if (!frontEnd_) return;
     frontEnd_->ShowNavigation();
     if (!text.empty()) frontEnd_->SetText(text);
+    PlotGraphicsButton(index);
 }
 
 void Panel::CursorButton(int index) {
@@ -185,6 +204,7 @@ void Panel::CursorButton(int index) {
         DoKeyAction({KeyAction::PathKey, {}, index});
         return;
     }
+    PlotCursorKey(index, nav_.ViewMode);
     CursorButtonPressed(nav_, index);
     if (frontEnd_) {
         if (nav_.ViewMode == 0) frontEnd_->SetText("");
@@ -268,6 +288,7 @@ void Panel::PollTimerTick() {
     inTick_ = false;
     if (ended_ || !frontEnd_) return;
     frontEnd_->ShowModel();
+    ShowPlotUpdate();
     for (PanelForm* form : forms_.LoadOrder())
         if (form->isVisible()) form->ShowModel();
 }
@@ -326,6 +347,7 @@ void Panel::ShowFrontEnd() {
         frontEnd_->show();
     }
     frontEnd_->activateWindow();
+    for (int plot = 1; plot <= 2; ++plot) RedrawPlot(plot);
 }
 
 bool Panel::FrontEndVisible() { return frontEnd_ && frontEnd_->isVisible(); }

@@ -284,6 +284,8 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
         DownProgram(talk, dirs.RootDir, dirs.ServiceDir, slot);
         SendSlotBlocks(process, platform, link);
     }
+    // The plot of the slot, its run data reset.
+    platform.RedrawSlotPlot(slot);
     SelectOutcome outcome{true, {}, std::nullopt};
     if (link && link->FaultCount() != faultsBefore) outcome.Fault = link->LastFault();
     return outcome;
