@@ -14,6 +14,7 @@
 #include "screens/message_form.h"
 #include "screens/pad_forms.h"
 #include "screens/panel_style.h"
+#include "screens/plot_box.h"
 #include "screens/shutdown_form.h"
 #include "screens/splash_form.h"
 #include "screens/user_form.h"
@@ -114,7 +115,7 @@ void Panel::DoKeyAction(const KeyResult& result) {
             PlotPathKey(result.Index);
             break;
         case KeyAction::ToggleLimits:
-            RedrawPlot(ActivePlot(), false);
+            RedrawPlot(ActivePlot());
             break;
         default:
             break;
@@ -336,7 +337,11 @@ bool Panel::AskOperator(const std::string& text) {
 void Panel::ShowWarning(const std::string& text) { ShowWarning(text, WarningKind::Notice, 1); }
 
 void Panel::ShowFrontEnd() {
-    if (!frontEnd_) frontEnd_ = std::make_unique<FrontEnd>(*this);
+    if (!frontEnd_) {
+        frontEnd_ = std::make_unique<FrontEnd>(*this);
+        // A box that changes size is drawn anew at its size.
+        for (int plot = 0; plot < 3; ++plot) frontEnd_->Plot(plot)->Resized = [this](int index) { RedrawPlot(index); };
+    }
     frontEnd_->ShowNavigation();
     frontEnd_->ShowModel();
     if (!startNote_.empty()) frontEnd_->SetText(startNote_);

@@ -14,6 +14,8 @@ int Panel::ActivePlot() const { return nav_.DialogueOn ? DialoguePlot : process_
 
 PlotBox* Panel::PlotBoxAt(int plot) { return frontEnd_ ? frontEnd_->Plot(plot) : nullptr; }
 
+// The counters of the run starting anew make the next tick draw the hits done so far again, so
+// that a redraw in the middle of a run keeps them.
 void Panel::RedrawPlot(int plot, bool resetRunData) {
     PlotBox* box = PlotBoxAt(plot);
     if (!box) return;
@@ -65,7 +67,7 @@ void Panel::PlotCursorKey(int index, std::int16_t modeBefore) {
                                                     size.height(), process_.Config.Machine.MachineOrientation);
     if (result.Finished) {
         HidePlotCursor();
-        if (result.ViewSet) RedrawPlot(ActivePlot(), false);
+        if (result.ViewSet) RedrawPlot(ActivePlot());
         return;
     }
     ShowCross(box->Canvas(), colours_, cursor_.Points[cursor_.Active], cursor_.CrossSize, true);

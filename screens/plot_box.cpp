@@ -31,6 +31,11 @@ void PlotBox::Show() {
     update();
 }
 
+void PlotBox::resizeEvent(QResizeEvent* event) {
+    QFrame::resizeEvent(event);
+    if (Resized && !image_.isNull() && NeedsRedraw()) Resized(index_);
+}
+
 void PlotBox::paintEvent(QPaintEvent* event) {
     QFrame::paintEvent(event);
     canvas_.Finish();

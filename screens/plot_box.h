@@ -5,6 +5,7 @@
 
 #include <QFrame>
 #include <QImage>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -31,9 +32,12 @@ public:
     void Show();
     // The box was resized since its last redraw: the picture needs one.
     bool NeedsRedraw() const { return image_.size() != contentsRect().size(); }
+    // Called with the box's index when its size changed after its first drawing.
+    std::function<void(int)> Resized;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     int index_;

@@ -27,6 +27,7 @@ void PlotCanvas::SetDevice(QPaintDevice* device, QSize size) {
 }
 
 void PlotCanvas::Finish() {
+    Flush();
     if (painter_.isActive()) painter_.end();
     penColour_ = -1;
 }
@@ -35,10 +36,22 @@ QPainter* PlotCanvas::Painter() {
     if (!device_) return nullptr;
     if (!painter_.isActive()) {
         if (!painter_.begin(device_)) return nullptr;
-        painter_.setRenderHint(QPainter::Antialiasing, true);
+        painter_.setRenderHint(QPainter::Antialiasing, smooth_);
         penColour_ = -1;
     }
     return &painter_;
+}
+
+void PlotCanvas::Queue(std::int32_t colour, LineStyle style, int width) {
+    if (colour == penColour_ && style == penStyle_ && width == penWidth_) return;
+    Flush();
+    Pen(colour, style, width);
+}
+
+void PlotCanvas::Flush() {
+    if (batch_.empty()) return;
+    if (painter_.isActive()) painter_.drawLines(batch_.data(), static_cast<int>(batch_.size()));
+    batch_.clear();
 }
 
 void PlotCanvas::Pen(std::int32_t colour, LineStyle style, int width) {
@@ -68,10 +81,9 @@ void PlotCanvas::SetView(PlotPoint topLeft, PlotPoint bottomRight) {
 void PlotCanvas::Line(PlotPoint from, PlotPoint to, std::int32_t colour, LineStyle style, int width) {
     QPointF a = ToPixel(from), b = ToPixel(to);
     if (!Reasonable(a) || !Reasonable(b)) return;
-    QPainter* p = Painter();
-    if (!p) return;
-    Pen(colour, style, width);
-    p->drawLine(a, b);
+    if (!Painter()) return;
+    Queue(colour, style, width);
+    batch_.emplace_back(a, b);
 }
 
 bool PlotCanvas::ArcGeometry(PlotPoint centre, double radius, double start, double end, QRectF& box, int& qtStart,
@@ -95,13 +107,26 @@ void PlotCanvas::Arc(PlotPoint centre, double radius, double startAngle, double 
     QRectF box;
     int qtStart = 0, qtSpan = 0;
     if (!ArcGeometry(centre, radius, startAngle, endAngle, box, qtStart, qtSpan)) return;
-    QPainter* p = Painter();
-    if (!p) return;
-    Pen(colour, LineStyle::Solid, 1);
-    if (qtSpan >= 360 * 16)
-        p->drawEllipse(box);
-    else
-        p->drawArc(box, qtStart, qtSpan);
+    if (!Painter()) return;
+    Queue(colour, LineStyle::Solid, 1);
+    // The arc as a polyline whose chords stray from it by under a quarter pixel.
+    const double rx = box.width() / 2, ry = box.height() / 2;
+    const QPointF c = box.center();
+    const double r = std::max(rx, ry);
+    const double span = qtSpan / 16.0 * M_PI / 180, from = qtStart / 16.0 * M_PI / 180;
+    const double step = r > 0.25 ? 2 * std::acos(1 - 0.25 / r) : M_PI / 2;
+    const int pieces = std::clamp(static_cast<int>(std::ceil(std::abs(span) / step)), 1, 720);
+    // Qt's angles turn counter-clockwise on the screen, whose Y grows downwards.
+    auto at = [&](int k) {
+        const double a = from + span * k / pieces;
+        return QPointF(c.x() + rx * std::cos(a), c.y() - ry * std::sin(a));
+    };
+    QPointF last = at(0);
+    for (int k = 1; k <= pieces; ++k) {
+        QPointF next = at(k);
+        batch_.emplace_back(last, next);
+        last = next;
+    }
 }
 
 void PlotCanvas::FillRect(PlotPoint corner1, PlotPoint corner2, std::int32_t colour) {
@@ -112,6 +137,7 @@ void PlotCanvas::FillRect(PlotPoint corner1, PlotPoint corner2, std::int32_t col
     if (!std::isfinite(a.x() + a.y() + b.x() + b.y())) return;
     QPainter* p = Painter();
     if (!p) return;
+    Flush();
     p->fillRect(QRectF(clamp(a), clamp(b)).normalized(), PlotColour(colour));
 }
 
@@ -124,6 +150,7 @@ void PlotCanvas::Polygon(const std::vector<PlotPoint>& points, std::int32_t colo
     }
     QPainter* p = Painter();
     if (!p) return;
+    Flush();
     Pen(colour, LineStyle::Solid, 1);
     p->setBrush(filled ? QBrush(PlotColour(colour)) : Qt::NoBrush);
     p->drawPolygon(polygon);
@@ -168,6 +195,7 @@ void PlotCanvas::FillOutline(const std::vector<OutlinePiece>& pieces, std::int32
     path.closeSubpath();
     QPainter* p = Painter();
     if (!p) return;
+    Flush();
     p->fillPath(path, PlotColour(colour));
 }
 

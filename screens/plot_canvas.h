@@ -3,10 +3,12 @@
 // are kept apart and painted on top by PaintOverlays.
 #pragma once
 
+#include <QLineF>
 #include <QPaintDevice>
 #include <QPainter>
 #include <QSize>
 #include <array>
+#include <vector>
 
 #include "plot/canvas.h"
 
@@ -21,6 +23,11 @@ public:
 
     // The device drawn on from the next call on, of this size in pixels; nullptr for none.
     void SetDevice(QPaintDevice* device, QSize size);
+    // Smoothed (antialiased) lines: finer, and some times slower.
+    void SetSmooth(bool smooth) {
+        Finish();
+        smooth_ = smooth;
+    }
     // Ends the painting on the device, so that it can be shown or saved.
     void Finish();
     // The shapes over the box, painted with the painter of whoever shows the box.
@@ -41,6 +48,10 @@ public:
 private:
     QPainter* Painter();
     void Pen(std::int32_t colour, LineStyle style, int width);
+    // Lines and arcs wait in one batch of segments while the pen stays; any other drawing, a
+    // change of pen and Finish paint the batch with one call.
+    void Queue(std::int32_t colour, LineStyle style, int width);
+    void Flush();
     // The arc's box in pixels and its start and span in Qt's 16ths of a degree.
     bool ArcGeometry(PlotPoint centre, double radius, double start, double end, QRectF& box, int& qtStart,
                      int& qtSpan) const;
@@ -53,6 +64,8 @@ private:
     std::int32_t penColour_ = -1;
     LineStyle penStyle_ = LineStyle::Solid;
     int penWidth_ = -1;
+    bool smooth_ = true;
+    std::vector<QLineF> batch_;
     std::array<Overlay, OverlayCount> overlays_{};
 };
 

@@ -153,6 +153,17 @@ TEST_F(PanelTest, HitsOfARunAreDrawnInTheDoneColourAsThePollFindsThem) {
     EXPECT_EQ(PixelsOf(*box, done), 0);
 }
 
+TEST_F(PanelTest, AResizedBoxIsDrawnAtItsNewSize) {
+    ASSERT_EQ(Start(), 0);
+    Select(1, "GRID03");
+    PlotBox* box = F().Plot(1);
+    const QSize before = box->Picture().size();
+    F().resize(1280, 960);
+    Spin(50);
+    EXPECT_NE(box->Picture().size(), before);
+    EXPECT_EQ(box->Picture().size(), box->contentsRect().size());
+}
+
 TEST_F(PanelTest, ScreenshotOfTheDemoProgramPlotted) {
     ASSERT_EQ(Start(), 0);
     Select(1, "GRID03");
