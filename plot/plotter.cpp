@@ -123,7 +123,6 @@ void Plotter::PlotHit(int plot, const ToolRecord& tool, PlotPoint position, doub
     // 1. The tool's fitted angle plus the C angle of the hit.
     const double angle = HitAngle(tool, extra1);
     // 2. The display list, built anew only when the tool differs from the one it was built from.
-    shapeEmphasis_ = emphasis;
     if (!shapes_.Built || !SameShapeTool(tool, shapes_.Tool)) {
         BuildShapeList(tool, toolsDir_, shapes_);
         ++listsBuilt_;

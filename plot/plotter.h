@@ -81,7 +81,6 @@ private:
     std::string toolsDir_;
     std::string partDir_;
     ShapeList shapes_;
-    bool shapeEmphasis_ = false;
     std::vector<OutlinePiece> pieces_;
     bool trailSet_ = false;
     PlotPoint trailLast_;

@@ -19,6 +19,8 @@ PlotBox* Panel::PlotBoxAt(int plot) { return frontEnd_ ? frontEnd_->Plot(plot) :
 void Panel::RedrawPlot(int plot, bool resetRunData) {
     PlotBox* box = PlotBoxAt(plot);
     if (!box) return;
+    // The path keys start again on the drawing as it now is.
+    if (plot == ActivePlot()) path_ = PathStepper{};
     PlotBoxInput input;
     input.LimitsOn = nav_.LimitsOn;
     if (plot >= 1 && plot <= 2) {
