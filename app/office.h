@@ -59,6 +59,8 @@ int Restart(const Args& args);
 int Drawing(const Args& args);
 // Expands STEM + "drw" into STEM + "dr1" and prints the number of hits.
 int Expand(const Args& args);
+// Draws STEM + "drw" into a PNG or SVG picture, the first N hits as done.
+int Plot(const Args& args);
 // Starts the installation and prints the display model at each poll tick.
 int Watch(const Args& args);
 // A program from a dialogue drawing, as the dialogue's Write button writes it.

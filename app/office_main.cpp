@@ -96,6 +96,9 @@ const Command Commands[] = {
      "load-dialogue --root ROOT --dir DIR --program NAME   load a program into the dialogue's work files"},
     {"send", Send, "send --root ROOT --dir DIR --program NAME [--port DEV]   send a program over the RS232 port"},
     {"receive", Receive, "receive --root ROOT [--port DEV] [--once]   receive programs from the RS232 port"},
+    {"plot", Plot,
+     "plot STEM --root ROOT --out FILE.png|FILE.svg [--size WxH] [--view X1,Y1,X2,Y2] [--done N]   draw STEM + "
+     "\"drw\" as a picture, the first N hits done"},
 };
 
 // The list of commands: on stdout with exit code 0 when asked for, on stderr with 2 after a

@@ -8,6 +8,7 @@
 
 #include "screens/panel.h"
 #include "screens/panel_style.h"
+#include "screens/plot_box.h"
 #include "system/slots.h"
 
 namespace kirvana {
@@ -51,10 +52,9 @@ FrontEnd::FrontEnd(Panel& panel) : QWidget(nullptr), panel_(panel) {
     plotBoxes_ = new QStackedWidget(this);
     plotBoxes_->setObjectName("PlotBox");
     for (int i = 0; i < 3; ++i) {
-        auto* box = new QFrame(plotBoxes_);
-        box->setObjectName(QString("PlotBox%1").arg(i));
-        box->setFrameShape(QFrame::Box);
-        plotBoxes_->addWidget(box);
+        plots_[static_cast<std::size_t>(i)] =
+            new PlotBox(i, panel_.Colours(), panel_.State().Config.Dirs.ToolsDir, plotBoxes_);
+        plotBoxes_->addWidget(plots_[static_cast<std::size_t>(i)]);
     }
     middle->addWidget(plotBoxes_, 1);
     middle->addWidget(BuildButtonColumn());

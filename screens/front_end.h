@@ -14,6 +14,7 @@
 namespace kirvana {
 
 class Panel;
+class PlotBox;
 
 class FrontEnd : public QWidget {
 public:
@@ -44,6 +45,8 @@ public:
     QLabel* HeaderPanel() { return header_; }
     QLabel* TextPanel() { return text_; }
     QStackedWidget* PlotBoxes() { return plotBoxes_; }
+    // PlotBox 0 (the dialogue's), 1 and 2 (the slots').
+    PlotBox* Plot(int index) { return index >= 0 && index < 3 ? plots_[static_cast<std::size_t>(index)] : nullptr; }
     QWidget* MainPanel() { return mainPanel_; }
     QWidget* GraphicsButtonPanel() { return graphicsPanel_; }
     QWidget* PathButtonPanel() { return pathPanel_; }
@@ -67,6 +70,7 @@ private:
     QLabel* header_ = nullptr;
     QLabel* text_ = nullptr;
     QStackedWidget* plotBoxes_ = nullptr;
+    std::array<PlotBox*, 3> plots_{};
     QStackedWidget* column_ = nullptr;
     QWidget* mainPanel_ = nullptr;
     QWidget* graphicsPanel_ = nullptr;

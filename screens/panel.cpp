@@ -15,6 +15,7 @@
 #include "screens/message_form.h"
 #include "screens/pad_forms.h"
 #include "screens/panel_style.h"
+#include "screens/plot_box.h"
 #include "screens/program_form.h"
 #include "screens/shutdown_form.h"
 #include "screens/splash_form.h"
@@ -35,6 +36,11 @@ Panel::Panel(PanelOptions options)
         ColourConfig config = ReadColourConfig("");
         colours_ = config.Colours;
         startNote_ = config.Note;
+    };
+    // Plot.cfg of the installation; the cursor modes start clear.
+    steps_.ReadPlotConfig = [this](Process& process) {
+        plotConfig_ = ReadPlotConfig(process.Config.Dirs.RootDir);
+        nav_.ViewMode = 0;
     };
     link_.SetFaultHandler([this](std::int32_t number, const std::string& description) {
         // A link that fails to open during the start: "Initialisation Failure !" speaks for it.
@@ -82,6 +88,7 @@ Conversation Panel::Talk() { return Conversation(&link_, process_.Card, process_
 
 void Panel::MainKeyPressed(int code) {
     if (ended_) return;
+    modeBeforeKey_ = nav_.ViewMode;
     DoKeyAction(MainKey(nav_, process_.Config.Machine, process_.Card.FormsLocked, code));
 }
 
@@ -102,8 +109,19 @@ void Panel::DoKeyAction(const KeyResult& result) {
         case KeyAction::GraphicsButton:
             GraphicsButton(result.Index);
             return;
+        case KeyAction::CursorKey:
+            PlotCursorKey(result.Index, modeBeforeKey_);
+            if (frontEnd_ && nav_.ViewMode == 0) frontEnd_->SetText("");
+            break;
         case KeyAction::CursorCancel:
+            HidePlotCursor();
             if (frontEnd_) frontEnd_->SetText("");
+            break;
+        case KeyAction::PathKey:
+            PlotPathKey(result.Index);
+            break;
+        case KeyAction::ToggleLimits:
+            RedrawPlot(ActivePlot());
             break;
         default:
             break;
@@ -177,6 +195,7 @@ void Panel::ChangeProgramTo(int slot) {
     // 2 to 4, 6: refused while running, else the switch; 5: the slot's plot box.
     ChangeProgram(process_, *this, &link_, slot);
     if (frontEnd_) frontEnd_->ShowNavigation();
+    RedrawPlot(ActivePlot());
 }
 
 void Panel::GraphicsButton(int index) {
@@ -184,6 +203,7 @@ void Panel::GraphicsButton(int index) {
     if (!frontEnd_) return;
     frontEnd_->ShowNavigation();
     if (!text.empty()) frontEnd_->SetText(text);
+    PlotGraphicsButton(index);
 }
 
 void Panel::CursorButton(int index) {
@@ -191,6 +211,7 @@ void Panel::CursorButton(int index) {
         DoKeyAction({KeyAction::PathKey, {}, index});
         return;
     }
+    PlotCursorKey(index, nav_.ViewMode);
     CursorButtonPressed(nav_, index);
     if (frontEnd_) {
         if (nav_.ViewMode == 0) frontEnd_->SetText("");
@@ -274,6 +295,7 @@ void Panel::PollTimerTick() {
     inTick_ = false;
     if (ended_ || !frontEnd_) return;
     frontEnd_->ShowModel();
+    ShowPlotUpdate();
     for (PanelForm* form : forms_.LoadOrder())
         if (form->isVisible()) form->ShowModel();
 }
@@ -321,7 +343,11 @@ bool Panel::AskOperator(const std::string& text) {
 void Panel::ShowWarning(const std::string& text) { ShowWarning(text, WarningKind::Notice, 1); }
 
 void Panel::ShowFrontEnd() {
-    if (!frontEnd_) frontEnd_ = std::make_unique<FrontEnd>(*this);
+    if (!frontEnd_) {
+        frontEnd_ = std::make_unique<FrontEnd>(*this);
+        // A box that changes size is drawn anew at its size.
+        for (int plot = 0; plot < 3; ++plot) frontEnd_->Plot(plot)->Resized = [this](int index) { RedrawPlot(index); };
+    }
     frontEnd_->ShowNavigation();
     frontEnd_->ShowModel();
     if (!startNote_.empty()) frontEnd_->SetText(startNote_);
@@ -332,6 +358,7 @@ void Panel::ShowFrontEnd() {
         frontEnd_->show();
     }
     frontEnd_->activateWindow();
+    for (int plot = 1; plot <= 2; ++plot) RedrawPlot(plot);
 }
 
 bool Panel::FrontEndVisible() { return frontEnd_ && frontEnd_->isVisible(); }

@@ -14,12 +14,16 @@
 #include "navigation/colours.h"
 #include "navigation/navigation.h"
 #include "navigation/warning.h"
+#include "plot/path_stepper.h"
+#include "plot/plot_config.h"
+#include "plot/view.h"
 #include "screens/form_registry.h"
 #include "system/startup.h"
 
 namespace kirvana {
 
 class FrontEnd;
+class PlotBox;
 class SplashForm;
 
 struct PanelOptions {
@@ -69,6 +73,17 @@ public:
     void CursorButton(int index);
     void CursorCancel();
 
+    // The plot (panel_plot.cpp). RedrawPlot draws the box's drawing anew and, unless told not
+    // to, resets the run data of its slot.
+    void RedrawPlot(int plot, bool resetRunData = true);
+    // The box in use: 0 the dialogue's, 1 and 2 the slots'.
+    int ActivePlot() const;
+    PlotBox* PlotBoxAt(int plot);
+    const PlotConfig& PlotSettings() const { return plotConfig_; }
+    PlotConfig& PlotSettings() { return plotConfig_; }
+    // What the poll's tick left for the plot: the run's start, the hits done, the head moved.
+    void ShowPlotUpdate();
+
     // ShowWarning: the button pressed (from 1), 0 when a warning was already up.
     int ShowWarning(const std::string& text, WarningKind kind, int defaultButton);
     bool WarningResult() const { return warning_.WarningResult(); }
@@ -99,6 +114,7 @@ public:
     void ShowWarning(const std::string& text) override;
     void ShowFrontEnd() override;
     bool FrontEndVisible() override;
+    void RedrawSlotPlot(int slot) override { RedrawPlot(slot); }
     void UnloadFrontEnd() override;
     void SetFormsLocked(bool lock, const std::string& exceptForm) override;
     void SetPollTimer(bool enabled, int intervalMs) override;
@@ -113,6 +129,12 @@ private:
     // Runs a form modally, over FrontEnd; a form already showing is only raised.
     void RunModal(PanelForm* form);
     void CloseFormsForProgramChange();
+    // The plot's side of the graphics buttons, of a cursor key pressed in `modeBefore`, of the
+    // cursor's exit, and of the poll's tick.
+    void PlotGraphicsButton(int index);
+    void PlotCursorKey(int index, std::int16_t modeBefore);
+    void HidePlotCursor();
+    void PlotPathKey(int index);
 
     PanelOptions options_;
     Process process_;
@@ -130,6 +152,10 @@ private:
     bool ended_ = false;
     int exitCode_ = 0;
     std::string startNote_;
+    PlotConfig plotConfig_;
+    PlotCursor cursor_;
+    PathStepper path_;
+    std::int16_t modeBeforeKey_ = 0;
 };
 
 }  // namespace kirvana

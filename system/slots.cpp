@@ -303,6 +303,8 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
         // 25 to 28. The slot's blocks.
         SendSlotBlocks(process, platform, link);
     }
+    // The plot of the slot, its run data reset.
+    platform.RedrawSlotPlot(slot);
     // 29. Left to the screen that runs the selection: the setup screen told of the change,
     // the search text cleared, the program screen closed.
     SelectOutcome outcome{true, {}, std::nullopt};

@@ -58,6 +58,8 @@ public:
     virtual void ShowWarning(const std::string& text) = 0;
     virtual void ShowFrontEnd() = 0;
     virtual bool FrontEndVisible() = 0;
+    // The slot's plot drawn anew after its program changed; a seat without a plot has nothing to do.
+    virtual void RedrawSlotPlot(int /*slot*/) {}
     virtual void UnloadFrontEnd() = 0;
     // Starts a program with a normal window; the result is ignored.
     virtual void StartProgram(const std::string& path) = 0;

@@ -1,0 +1,262 @@
+#include "plot/plotter.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "analysis/drawing_file.h"
+#include "analysis/expand.h"
+#include "core/geometry.h"
+#include "core/names.h"
+#include "core/text.h"
+
+namespace kirvana {
+
+namespace {
+
+bool IsProfile(std::int16_t kind) { return kind == EntityKind::LineProfile || kind == EntityKind::ArcProfile; }
+
+bool Finite(PlotPoint p) { return std::isfinite(p.X) && std::isfinite(p.Y); }
+
+// The records of a part drawn by a Multi-Part entity, at most this many copies of records.
+constexpr std::int64_t MaxPartRecordsDrawn = MaxExpandedHits;
+
+}  // namespace
+
+double HitAngle(const ToolRecord& tool, double extra1) {
+    if (tool.Shape == 'A' || tool.Shape == 'P') return 0;
+    return NormaliseAngle(static_cast<double>(tool.Angle) + extra1);
+}
+
+Plotter::Plotter(Canvas& canvas, const ColourTable& colours, std::string toolsDir)
+    : canvas_(canvas), colours_(colours), toolsDir_(std::move(toolsDir)) {}
+
+std::int32_t Plotter::EntityColour(const EntityRec& rec, int colourMode) const {
+    const bool profile = IsProfile(rec.Kind);
+    const bool validTool = rec.Tool.IsValid();
+    switch (colourMode) {
+        case ColourMode::Erase:
+            return colours_[ColourItem::SheetFill];
+        case ColourMode::RealTime:
+            if (!profile) return colours_[ColourItem::PunchModeRealTimePunching];
+            return validTool ? colours_[ColourItem::ProfileModeRealTimeProfiling]
+                             : colours_[ColourItem::ProfileModeRealTimeMovement];
+        case ColourMode::Highlight:
+            return colours_[ColourItem::HighlightedDrawing];
+        default:
+            break;
+    }
+    if (profile && !validTool) return colours_[ColourItem::SheetFill];
+    if (rec.PathMode == 1) return colours_[ColourItem::BlockSkip1];
+    if (rec.PathMode == 2) return colours_[ColourItem::BlockSkip2];
+    if (!profile) return colours_[ColourItem::BackgroundPunching];
+    if (rec.Compensation == 1) return colours_[ColourItem::BackgroundProfilingG41];
+    if (rec.Compensation == 2) return colours_[ColourItem::BackgroundProfilingG42];
+    return colours_[ColourItem::BackgroundProfilingG40];
+}
+
+void Plotter::PlotEntity(int plot, const EntityRec& rec, int colourMode, bool emphasis) {
+    Dispatch(plot, rec, EntityColour(rec, colourMode), emphasis, false);
+}
+
+void Plotter::Dispatch(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis, bool inPart) {
+    switch (rec.Kind) {
+        case EntityKind::LineProfile:
+            if (rec.Tool.IsValid()) PlotLineProfile(rec, colour);
+            break;
+        case EntityKind::ArcProfile:
+            if (rec.Tool.IsValid()) PlotArcProfile(rec, colour);
+            break;
+        case EntityKind::Punch:
+            PlotPunch(plot, rec, colour, emphasis);
+            break;
+        case EntityKind::LinearPattern:
+            PlotLinearPattern(plot, rec, colour, emphasis);
+            break;
+        case EntityKind::GridPattern:
+            PlotGridPattern(plot, rec, colour, emphasis);
+            break;
+        case EntityKind::ArcPattern:
+            PlotArcPattern(plot, rec, colour, emphasis);
+            break;
+        case EntityKind::Reposition:
+            PlotReposition(rec, colour);
+            break;
+        case EntityKind::MultiPart:
+            // A part inside a part would repeat itself without end.
+            if (!inPart) PlotMultiPart(plot, rec, colour, emphasis);
+            break;
+        default:
+            // The Sheet, moves, dwells and stops aren't drawn.
+            break;
+    }
+}
+
+void Plotter::PlotPunch(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis) {
+    PlotHit(plot, rec.Tool, {rec.Points.Position.X, rec.Points.Position.Y}, rec.Tool.Extra1, colour, emphasis);
+}
+
+// The hits of a pattern as the expansion makes them, each drawn with the pattern's tool.
+static void PlotPatternHits(Plotter& plotter, int plot, const EntityRec& rec, std::int32_t colour, bool emphasis) {
+    std::int64_t hits = 0;
+    ForEachHit(rec, [&](double x, double y, const double* cAngle) {
+        if (++hits > MaxExpandedHits) return false;
+        plotter.PlotHit(plot, rec.Tool, {x, y}, cAngle ? *cAngle : static_cast<double>(rec.Tool.Extra1), colour,
+                        emphasis);
+        return true;
+    });
+}
+
+void Plotter::PlotLinearPattern(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis) {
+    PlotPatternHits(*this, plot, rec, colour, emphasis);
+}
+void Plotter::PlotGridPattern(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis) {
+    PlotPatternHits(*this, plot, rec, colour, emphasis);
+}
+void Plotter::PlotArcPattern(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis) {
+    PlotPatternHits(*this, plot, rec, colour, emphasis);
+}
+
+void Plotter::PlotHit(int plot, const ToolRecord& tool, PlotPoint position, double extra1, std::int32_t colour,
+                      bool emphasis) {
+    if (!Finite(position)) return;
+    // 1. The tool's fitted angle plus the C angle of the hit.
+    const double angle = HitAngle(tool, extra1);
+    // 2. The display list, built anew only when the tool differs from the one it was built from.
+    if (!shapes_.Built || !SameShapeTool(tool, shapes_.Tool)) {
+        BuildShapeList(tool, toolsDir_, shapes_);
+        ++listsBuilt_;
+    }
+    ++hitsDrawn_;
+    const double radians = DegToRad(angle);
+    const double c = std::cos(radians), s = std::sin(radians);
+    auto place = [&](double x, double y) { return PlotPoint{position.X + x * c - y * s, position.Y + x * s + y * c}; };
+    const bool fill = emphasis && plot > 0 && !shapes_.FillSeeds.empty();
+    if (fill) pieces_.clear();
+    // 3. The list turned by the angle and moved to the hit; each line starts where the former
+    // element ended and the last closes on the first.
+    PlotPoint former = UnsetPoint;
+    PlotPoint first = UnsetPoint;
+    int last = 0;
+    while (last < MaxShapeEntries && shapes_.Entries[static_cast<std::size_t>(last)].Op != '*') ++last;
+    for (int i = 0; i < last; ++i) {
+        const ShapeEntry& e = shapes_.Entries[static_cast<std::size_t>(i)];
+        if (e.Op == 'L') {
+            PlotPoint from = place(e.X1, e.Y1), to = place(e.X2, e.Y2);
+            if (i == 0) first = from;
+            PlotPoint storedStart = former;
+            PlotPoint storedEnd = i == last - 1 ? first : UnsetPoint;
+            PlotLine(from, to, colour, storedStart, storedEnd);
+            if (fill) pieces_.push_back({false, storedStart.X, storedStart.Y, storedEnd.X, storedEnd.Y, 0, 0, 0});
+            former = storedEnd;
+        } else {
+            PlotPoint centre = place(e.X1, e.Y1);
+            double start = e.StartAngle + angle, end = e.EndAngle + angle;
+            canvas_.Arc(centre, e.Radius, start, end, colour);
+            if (fill) pieces_.push_back({true, centre.X, centre.Y, 0, 0, e.Radius, start, end});
+            former = UnsetPoint;
+        }
+    }
+    // 4. A solid hit: its outline filled (never on the dialogue's plot).
+    if (fill && !pieces_.empty()) canvas_.FillOutline(pieces_, colour);
+}
+
+void Plotter::PlotLine(PlotPoint from, PlotPoint to, std::int32_t colour, PlotPoint& storedStart,
+                       PlotPoint& storedEnd) {
+    if (!(storedStart == UnsetPoint) && !(storedStart == from)) from = storedStart;
+    storedStart = from;
+    if (!(storedEnd == UnsetPoint) && !(storedEnd == to)) to = storedEnd;
+    storedEnd = to;
+    canvas_.Line(from, to, colour, LineStyle::Solid, 1);
+}
+
+void Plotter::PlotLineProfile(const EntityRec& rec, std::int32_t colour) {
+    PlotPoint from{rec.Points.Start.X, rec.Points.Start.Y}, to{rec.Points.End.X, rec.Points.End.Y};
+    if (Finite(from) && Finite(to)) canvas_.Line(from, to, colour, LineStyle::Solid, 1);
+}
+
+void Plotter::PlotArcProfile(const EntityRec& rec, std::int32_t colour) {
+    PlotPoint centre{rec.Points.Position.X, rec.Points.Position.Y};
+    const double radius = rec.Values[1], first = rec.Values[10], sweep = rec.Values[11];
+    if (!Finite(centre) || !std::isfinite(radius) || !std::isfinite(first) || !std::isfinite(sweep)) return;
+    if (radius <= 0 || sweep == 0) return;
+    const double turn = std::min(std::abs(sweep), 360.0);
+    // Clockwise arcs are drawn from their far end.
+    const double start = sweep > 0 ? first : first - turn;
+    canvas_.Arc(centre, radius, start, start + turn, colour);
+}
+
+void Plotter::PlotReposition(const EntityRec& rec, std::int32_t colour) {
+    // A diamond at the position, and the sheet's shift (I) as a dotted line from it.
+    PlotPoint at{rec.Points.Position.X, rec.Points.Position.Y};
+    if (!Finite(at)) return;
+    constexpr double Size = 5;
+    canvas_.Polygon({{at.X + Size, at.Y}, {at.X, at.Y + Size}, {at.X - Size, at.Y}, {at.X, at.Y - Size}}, colour,
+                    false);
+    const double shift = rec.Values[1];
+    if (std::isfinite(shift) && shift != 0 && shift != NoValue)
+        canvas_.Line(at, {at.X + shift, at.Y}, colour, LineStyle::Dotted, 1);
+}
+
+void Plotter::PlotMultiPart(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis) {
+    std::string name(Trim(rec.Remark));
+    if (name.empty() || !AcceptableName(name)) return;
+    if (name.find('.') == std::string::npos) name += ".prw";
+    DrawingFile part;
+    if (!part.Open(partDir_ + name, true)) return;
+    std::vector<EntityRec> records;
+    const std::int32_t last = part.LastReadable();
+    EntityRec item;
+    for (std::int32_t n = 2; n <= last && n <= MaxPartRecordsDrawn; ++n)
+        if (part.Get(n, item)) records.push_back(item);
+    part.Close();
+    if (records.empty()) return;
+    const double pitchX = rec.Values[11], pitchY = rec.Values[12];
+    if (!std::isfinite(pitchX) || !std::isfinite(pitchY)) return;
+    std::int64_t drawn = 0;
+    EntityRec copy;
+    for (int iy = 0; iy < rec.Counts[2]; ++iy) {
+        for (int ix = 0; ix < rec.Counts[1]; ++ix) {
+            const float dx = static_cast<float>(ix * pitchX), dy = static_cast<float>(iy * pitchY);
+            for (const EntityRec& r : records) {
+                if (++drawn > MaxPartRecordsDrawn) return;
+                CopyEntity(r, copy);
+                for (PointF* p : {&copy.Points.Start, &copy.Points.Middle, &copy.Points.End, &copy.Points.Position,
+                                  &copy.Points.Entry, &copy.Points.Exit}) {
+                    p->X += dx;
+                    p->Y += dy;
+                }
+                Dispatch(plot, copy, colour, emphasis, true);
+            }
+        }
+    }
+}
+
+void Plotter::PlotTrail(PlotPoint to, std::int32_t colour, LineStyle style, int width) {
+    if (!Finite(to)) return;
+    if (trailSet_ && !(to == trailLast_)) canvas_.Line(trailLast_, to, colour, style, width);
+    trailSet_ = true;
+    trailLast_ = to;
+}
+
+void Plotter::MoveTrailTo(PlotPoint to) {
+    if (!Finite(to)) return;
+    trailSet_ = true;
+    trailLast_ = to;
+}
+
+void Plotter::PlotIcon(PlotPoint at, double size, std::int32_t colour, bool visible) {
+    const double half = std::abs(size) / 2;
+    Overlay shape{visible, OverlayForm::Circle, at.X, at.Y, half, 0, colour, false};
+    Overlay line1{visible, OverlayForm::Line, at.X - half, at.Y, at.X + half, at.Y, colour, false};
+    Overlay line2{visible, OverlayForm::Line, at.X, at.Y - half, at.X, at.Y + half, colour, false};
+    canvas_.SetOverlay(OverlayId::IconShape, shape);
+    canvas_.SetOverlay(OverlayId::IconLine1, line1);
+    canvas_.SetOverlay(OverlayId::IconLine2, line2);
+}
+
+void Plotter::ResetRunData() {
+    trailSet_ = false;
+    trailLast_ = UnsetPoint;
+}
+
+}  // namespace kirvana

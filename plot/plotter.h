@@ -1,0 +1,95 @@
+// `PlotEntity` and the routines it dispatches to: one drawing record drawn into a plot box in
+// the colour of its mode, each hit with the real outline of its tool at the tool's angle.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "analysis/entity.h"
+#include "plot/canvas.h"
+#include "plot/colour_config.h"
+#include "plot/shape_list.h"
+
+namespace kirvana {
+
+// The colour mode of PlotEntity.
+namespace ColourMode {
+inline constexpr int Erase = 0;
+inline constexpr int Background = 1;
+inline constexpr int RealTime = 2;
+inline constexpr int Highlight = 3;
+}  // namespace ColourMode
+
+// The dialogue's plot box; 1 and 2 are the active slots.
+inline constexpr int DialoguePlot = 0;
+
+// The stored point of PlotLine that is not set.
+inline constexpr PlotPoint UnsetPoint{-999, -999};
+
+class Plotter {
+public:
+    Plotter(Canvas& canvas, const ColourTable& colours, std::string toolsDir);
+
+    // Where the `.prw` files of Multi-Part entities stand.
+    void SetPartDir(std::string dir) { partDir_ = std::move(dir); }
+    Canvas& Surface() { return canvas_; }
+    const ColourTable& Colours() const { return colours_; }
+
+    // The colour of the record in a colour mode.
+    std::int32_t EntityColour(const EntityRec& rec, int colourMode) const;
+    // Draws the record in the colour of the mode; the caller's record isn't changed.
+    void PlotEntity(int plot, const EntityRec& rec, int colourMode, bool emphasis);
+
+    void PlotPunch(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis);
+    void PlotLinearPattern(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis);
+    void PlotGridPattern(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis);
+    void PlotArcPattern(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis);
+    void PlotLineProfile(const EntityRec& rec, std::int32_t colour);
+    void PlotArcProfile(const EntityRec& rec, std::int32_t colour);
+    void PlotReposition(const EntityRec& rec, std::int32_t colour);
+    void PlotMultiPart(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis);
+
+    // One hit of the tool at the position with the C angle `extra1`.
+    void PlotHit(int plot, const ToolRecord& tool, PlotPoint position, double extra1, std::int32_t colour,
+                 bool emphasis);
+
+    // A line from the last position of the trail to this one, only when it moved; the first
+    // call after a reset only sets the position.
+    void PlotTrail(PlotPoint to, std::int32_t colour, LineStyle style, int width);
+    // The trail's last position moved without a line (a move the trail doesn't show).
+    void MoveTrailTo(PlotPoint to);
+    // The movement icon at the machine's head: a circle of `size` and its cross.
+    void PlotIcon(PlotPoint at, double size, std::int32_t colour, bool visible);
+    // The last line end and the last trail position start anew: done at every redraw.
+    void ResetRunData();
+
+    // The line through the stored points: a set point that differs from an end takes its place.
+    void PlotLine(PlotPoint from, PlotPoint to, std::int32_t colour, PlotPoint& storedStart, PlotPoint& storedEnd);
+
+    const ShapeList& Shapes() const { return shapes_; }
+    // Hits drawn since the plotter was made; a measure for tests and benchmarks.
+    std::int64_t HitsDrawn() const { return hitsDrawn_; }
+    // Times a display list was built.
+    std::int64_t ListsBuilt() const { return listsBuilt_; }
+
+private:
+    void Dispatch(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis, bool inPart);
+
+    Canvas& canvas_;
+    const ColourTable& colours_;
+    std::string toolsDir_;
+    std::string partDir_;
+    ShapeList shapes_;
+    std::vector<OutlinePiece> pieces_;
+    bool trailSet_ = false;
+    PlotPoint trailLast_;
+    std::int64_t hitsDrawn_ = 0;
+    std::int64_t listsBuilt_ = 0;
+};
+
+// The angle a hit is drawn at: the tool's angle plus its C angle, normalised; 0 for a Diameter
+// and the plasma head, which have no direction.
+double HitAngle(const ToolRecord& tool, double extra1);
+
+}  // namespace kirvana

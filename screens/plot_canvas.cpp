@@ -1,0 +1,236 @@
+#include "screens/plot_canvas.h"
+
+#include <QPainterPath>
+#include <cmath>
+
+namespace kirvana {
+
+namespace {
+
+// Pixels beyond this are nonsense from a damaged record, not something to paint.
+constexpr double FarPixel = 1e6;
+
+bool Reasonable(QPointF p) {
+    return std::isfinite(p.x()) && std::isfinite(p.y()) && std::abs(p.x()) < FarPixel && std::abs(p.y()) < FarPixel;
+}
+
+}  // namespace
+
+QColor PlotColour(std::int32_t colour) { return QColor(colour & 0xFF, (colour >> 8) & 0xFF, (colour >> 16) & 0xFF); }
+
+PlotCanvas::~PlotCanvas() { Finish(); }
+
+void PlotCanvas::SetDevice(QPaintDevice* device, QSize size) {
+    Finish();
+    device_ = device;
+    size_ = size;
+}
+
+void PlotCanvas::Finish() {
+    Flush();
+    if (painter_.isActive()) painter_.end();
+    penColour_ = -1;
+}
+
+QPainter* PlotCanvas::Painter() {
+    if (!device_) return nullptr;
+    if (!painter_.isActive()) {
+        if (!painter_.begin(device_)) return nullptr;
+        painter_.setRenderHint(QPainter::Antialiasing, smooth_);
+        penColour_ = -1;
+    }
+    return &painter_;
+}
+
+void PlotCanvas::Queue(std::int32_t colour, LineStyle style, int width) {
+    if (colour == penColour_ && style == penStyle_ && width == penWidth_) return;
+    Flush();
+    Pen(colour, style, width);
+}
+
+void PlotCanvas::Flush() {
+    if (batch_.empty()) return;
+    if (painter_.isActive()) painter_.drawLines(batch_.data(), static_cast<int>(batch_.size()));
+    batch_.clear();
+}
+
+void PlotCanvas::Pen(std::int32_t colour, LineStyle style, int width) {
+    if (colour == penColour_ && style == penStyle_ && width == penWidth_) return;
+    QPen pen(PlotColour(colour));
+    pen.setWidth(std::max(width, 1) == 1 ? 0 : width);  // 0: a cosmetic line of one pixel
+    pen.setStyle(style == LineStyle::Dotted ? Qt::DotLine : Qt::SolidLine);
+    painter_.setPen(pen);
+    penColour_ = colour;
+    penStyle_ = style;
+    penWidth_ = width;
+}
+
+QPointF PlotCanvas::ToPixel(PlotPoint p) const { return {(p.X - topLeft_.X) * scaleX_, (p.Y - topLeft_.Y) * scaleY_}; }
+
+PlotPoint PlotCanvas::ToTable(QPointF pixel) const {
+    return {topLeft_.X + pixel.x() / scaleX_, topLeft_.Y + pixel.y() / scaleY_};
+}
+
+void PlotCanvas::SetView(PlotPoint topLeft, PlotPoint bottomRight) {
+    const double width = bottomRight.X - topLeft.X, height = bottomRight.Y - topLeft.Y;
+    topLeft_ = topLeft;
+    scaleX_ = width != 0 && std::isfinite(width) ? size_.width() / width : 1;
+    scaleY_ = height != 0 && std::isfinite(height) ? size_.height() / height : 1;
+}
+
+void PlotCanvas::Line(PlotPoint from, PlotPoint to, std::int32_t colour, LineStyle style, int width) {
+    QPointF a = ToPixel(from), b = ToPixel(to);
+    if (!Reasonable(a) || !Reasonable(b)) return;
+    if (!Painter()) return;
+    Queue(colour, style, width);
+    batch_.emplace_back(a, b);
+}
+
+bool PlotCanvas::ArcGeometry(PlotPoint centre, double radius, double start, double end, QRectF& box, int& qtStart,
+                             int& qtSpan) const {
+    QPointF c = ToPixel(centre);
+    const double rx = std::abs(radius * scaleX_), ry = std::abs(radius * scaleY_);
+    if (!Reasonable(c) || !std::isfinite(rx) || !std::isfinite(ry) || rx > FarPixel || ry > FarPixel) return false;
+    if (!std::isfinite(start) || !std::isfinite(end) || std::abs(start) > 1e6 || std::abs(end) > 1e6) return false;
+    box = QRectF(c.x() - rx, c.y() - ry, 2 * rx, 2 * ry);
+    const double span = std::min(end - start, 360.0);
+    // Qt turns counter-clockwise as seen; with Y growing down the screen a table angle is seen
+    // mirrored.
+    const bool yUp = scaleY_ < 0;
+    const double from = yUp ? start : -(start + span);
+    qtStart = static_cast<int>(std::lround(from * 16));
+    qtSpan = static_cast<int>(std::lround(span * 16));
+    return true;
+}
+
+void PlotCanvas::Arc(PlotPoint centre, double radius, double startAngle, double endAngle, std::int32_t colour) {
+    QRectF box;
+    int qtStart = 0, qtSpan = 0;
+    if (!ArcGeometry(centre, radius, startAngle, endAngle, box, qtStart, qtSpan)) return;
+    if (!Painter()) return;
+    Queue(colour, LineStyle::Solid, 1);
+    // The arc as a polyline whose chords stray from it by under a quarter pixel.
+    const double rx = box.width() / 2, ry = box.height() / 2;
+    const QPointF c = box.center();
+    const double r = std::max(rx, ry);
+    const double span = qtSpan / 16.0 * M_PI / 180, from = qtStart / 16.0 * M_PI / 180;
+    const double step = r > 0.25 ? 2 * std::acos(1 - 0.25 / r) : M_PI / 2;
+    const int pieces = std::clamp(static_cast<int>(std::ceil(std::abs(span) / step)), 1, 720);
+    // Qt's angles turn counter-clockwise on the screen, whose Y grows downwards.
+    auto at = [&](int k) {
+        const double a = from + span * k / pieces;
+        return QPointF(c.x() + rx * std::cos(a), c.y() - ry * std::sin(a));
+    };
+    QPointF last = at(0);
+    for (int k = 1; k <= pieces; ++k) {
+        QPointF next = at(k);
+        batch_.emplace_back(last, next);
+        last = next;
+    }
+}
+
+void PlotCanvas::FillRect(PlotPoint corner1, PlotPoint corner2, std::int32_t colour) {
+    QPointF a = ToPixel(corner1), b = ToPixel(corner2);
+    auto clamp = [](QPointF q) {
+        return QPointF(std::clamp(q.x(), -FarPixel, FarPixel), std::clamp(q.y(), -FarPixel, FarPixel));
+    };
+    if (!std::isfinite(a.x() + a.y() + b.x() + b.y())) return;
+    QPainter* p = Painter();
+    if (!p) return;
+    Flush();
+    p->fillRect(QRectF(clamp(a), clamp(b)).normalized(), PlotColour(colour));
+}
+
+void PlotCanvas::Polygon(const std::vector<PlotPoint>& points, std::int32_t colour, bool filled) {
+    QPolygonF polygon;
+    for (const PlotPoint& point : points) {
+        QPointF q = ToPixel(point);
+        if (!Reasonable(q)) return;
+        polygon << q;
+    }
+    QPainter* p = Painter();
+    if (!p) return;
+    Flush();
+    Pen(colour, LineStyle::Solid, 1);
+    p->setBrush(filled ? QBrush(PlotColour(colour)) : Qt::NoBrush);
+    p->drawPolygon(polygon);
+    p->setBrush(Qt::NoBrush);
+}
+
+void PlotCanvas::FillOutline(const std::vector<OutlinePiece>& pieces, std::int32_t colour) {
+    QPainterPath path;
+    bool started = false;
+    for (const OutlinePiece& piece : pieces) {
+        if (!piece.IsArc) {
+            QPointF a = ToPixel({piece.X1, piece.Y1}), b = ToPixel({piece.X2, piece.Y2});
+            if (!Reasonable(a) || !Reasonable(b)) return;
+            if (!started) path.moveTo(a);
+            started = true;
+            path.lineTo(b);
+            continue;
+        }
+        QRectF box;
+        int qtStart = 0, qtSpan = 0;
+        if (!ArcGeometry({piece.X1, piece.Y1}, piece.Radius, piece.StartAngle, piece.EndAngle, box, qtStart, qtSpan))
+            return;
+        // An arc is stored counter-clockwise; the outline may pass it from its far end.
+        auto at = [&](double degrees) {
+            const double r = degrees * M_PI / 180;
+            return ToPixel({piece.X1 + piece.Radius * std::cos(r), piece.Y1 + piece.Radius * std::sin(r)});
+        };
+        QPointF first = at(piece.StartAngle), last = at(piece.EndAngle);
+        const double start = qtStart / 16.0, span = qtSpan / 16.0;
+        QPointF qtFirst = scaleY_ < 0 ? first : last;  // where Qt's sweep begins
+        QPointF qtLast = scaleY_ < 0 ? last : first;
+        if (!started) path.moveTo(qtFirst);
+        started = true;
+        QPointF now = path.currentPosition();
+        const double toFirst = QLineF(now, qtFirst).length(), toLast = QLineF(now, qtLast).length();
+        if (toLast < toFirst)
+            path.arcTo(box, start + span, -span);
+        else
+            path.arcTo(box, start, span);
+    }
+    if (!started) return;
+    path.closeSubpath();
+    QPainter* p = Painter();
+    if (!p) return;
+    Flush();
+    p->fillPath(path, PlotColour(colour));
+}
+
+void PlotCanvas::SetOverlay(OverlayId id, const Overlay& overlay) { overlays_[static_cast<std::size_t>(id)] = overlay; }
+
+void PlotCanvas::PaintOverlays(QPainter& painter) const {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing, true);
+    for (const Overlay& o : overlays_) {
+        if (!o.Visible) continue;
+        QColor colour = PlotColour(o.Colour);
+        QPen pen(colour);
+        pen.setWidth(2);
+        painter.setPen(pen);
+        painter.setBrush(o.Filled ? QBrush(colour) : Qt::NoBrush);
+        QPointF a = ToPixel({o.X1, o.Y1});
+        switch (o.Form) {
+            case OverlayForm::Rectangle: {
+                QPointF b = ToPixel({o.X2, o.Y2});
+                if (Reasonable(a) && Reasonable(b)) painter.drawRect(QRectF(a, b).normalized());
+                break;
+            }
+            case OverlayForm::Circle: {
+                const double rx = std::abs(o.X2 * scaleX_), ry = std::abs(o.X2 * scaleY_);
+                if (Reasonable(a) && rx < FarPixel && ry < FarPixel) painter.drawEllipse(a, rx, ry);
+                break;
+            }
+            case OverlayForm::Line: {
+                QPointF b = ToPixel({o.X2, o.Y2});
+                if (Reasonable(a) && Reasonable(b)) painter.drawLine(a, b);
+                break;
+            }
+        }
+    }
+    painter.restore();
+}
+
+}  // namespace kirvana

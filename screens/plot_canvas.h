@@ -1,0 +1,75 @@
+// The plot's Canvas painted with Qt: onto the image a PlotBox shows, a picture file or an SVG.
+// Table millimetres are mapped to the device's pixels by the view; the shapes laid over the box
+// are kept apart and painted on top by PaintOverlays.
+#pragma once
+
+#include <QLineF>
+#include <QPaintDevice>
+#include <QPainter>
+#include <QSize>
+#include <array>
+#include <vector>
+
+#include "plot/canvas.h"
+
+namespace kirvana {
+
+class PlotCanvas : public Canvas {
+public:
+    PlotCanvas() = default;
+    ~PlotCanvas() override;
+    PlotCanvas(const PlotCanvas&) = delete;
+    PlotCanvas& operator=(const PlotCanvas&) = delete;
+
+    // The device drawn on from the next call on, of this size in pixels; nullptr for none.
+    void SetDevice(QPaintDevice* device, QSize size);
+    // Smoothed (antialiased) lines: finer, and some times slower.
+    void SetSmooth(bool smooth) {
+        Finish();
+        smooth_ = smooth;
+    }
+    // Ends the painting on the device, so that it can be shown or saved.
+    void Finish();
+    // The shapes over the box, painted with the painter of whoever shows the box.
+    void PaintOverlays(QPainter& painter) const;
+    // The table point at a pixel of the device, and back.
+    QPointF ToPixel(PlotPoint p) const;
+    PlotPoint ToTable(QPointF pixel) const;
+
+    void SetView(PlotPoint topLeft, PlotPoint bottomRight) override;
+    void Line(PlotPoint from, PlotPoint to, std::int32_t colour, LineStyle style, int width) override;
+    void Arc(PlotPoint centre, double radius, double startAngle, double endAngle, std::int32_t colour) override;
+    void FillRect(PlotPoint corner1, PlotPoint corner2, std::int32_t colour) override;
+    void Polygon(const std::vector<PlotPoint>& points, std::int32_t colour, bool filled) override;
+    void FillOutline(const std::vector<OutlinePiece>& pieces, std::int32_t colour) override;
+    void SetOverlay(OverlayId id, const Overlay& overlay) override;
+    const Overlay& OverlayOf(OverlayId id) const { return overlays_[static_cast<std::size_t>(id)]; }
+
+private:
+    QPainter* Painter();
+    void Pen(std::int32_t colour, LineStyle style, int width);
+    // Lines and arcs wait in one batch of segments while the pen stays; any other drawing, a
+    // change of pen and Finish paint the batch with one call.
+    void Queue(std::int32_t colour, LineStyle style, int width);
+    void Flush();
+    // The arc's box in pixels and its start and span in Qt's 16ths of a degree.
+    bool ArcGeometry(PlotPoint centre, double radius, double start, double end, QRectF& box, int& qtStart,
+                     int& qtSpan) const;
+
+    QPaintDevice* device_ = nullptr;
+    QSize size_;
+    QPainter painter_;
+    PlotPoint topLeft_{0, 0};
+    double scaleX_ = 1, scaleY_ = 1;
+    std::int32_t penColour_ = -1;
+    LineStyle penStyle_ = LineStyle::Solid;
+    int penWidth_ = -1;
+    bool smooth_ = true;
+    std::vector<QLineF> batch_;
+    std::array<Overlay, OverlayCount> overlays_{};
+};
+
+// The 24-bit colour, blue in the high byte, as Qt's colour.
+QColor PlotColour(std::int32_t colour);
+
+}  // namespace kirvana
