@@ -10,6 +10,7 @@
 
 #include "navigation/pad_entry.h"
 #include "navigation/program_change.h"
+#include "screens/file_forms.h"
 #include "screens/front_end.h"
 #include "screens/message_form.h"
 #include "screens/pad_forms.h"
@@ -51,6 +52,7 @@ void Panel::RegisterForms() {
     forms_.Register("NumberForm", [this] { return std::make_unique<NumberForm>(*this); });
     forms_.Register("KeyboardForm", [this] { return std::make_unique<KeyboardForm>(*this); });
     forms_.Register("UserForm", [this] { return std::make_unique<UserForm>(*this); });
+    RegisterFileForms(*this);
 }
 
 int Panel::Start(const std::string& root) {
