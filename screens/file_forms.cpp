@@ -23,9 +23,10 @@ QListWidget* MakeList(QWidget* parent, const char* name, bool several) {
     // A long mount point keeps both ends readable.
     list->setTextElideMode(Qt::ElideMiddle);
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list->setStyleSheet("QListWidget { font-size: 18px; background: white; color: black; }"
-                        "QListWidget::item { min-height: 44px; }"
-                        "QListWidget::item:selected { background: #000080; color: white; }");
+    list->setStyleSheet(
+        "QListWidget { font-size: 18px; background: white; color: black; }"
+        "QListWidget::item { min-height: 44px; }"
+        "QListWidget::item:selected { background: #000080; color: white; }");
     return list;
 }
 
@@ -223,7 +224,7 @@ void FileForm::Activate() {
     // third the new name.
     titles_[0]->setText(Q(text.Titles[0]));
     titles_[1]->setText(job_ == FileJob::DeletePrograms || job_ == FileJob::RenameProgram ? Q(text.Titles[1])
-                                                                                            : "DIRECTORY");
+                                                                                          : "DIRECTORY");
     titles_[2]->setText(text.Titles.size() > 1 && job_ != FileJob::DeletePrograms ? Q(text.Titles.back()) : "");
     fileList_->setSelectionMode(rename ? QAbstractItemView::SingleSelection : QAbstractItemView::MultiSelection);
     fileBox_->setVisible(rename);

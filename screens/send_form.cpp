@@ -29,18 +29,23 @@ QListWidget* List(QWidget* parent, const char* name, bool several) {
     // A long mount point keeps both ends readable.
     list->setTextElideMode(Qt::ElideMiddle);
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list->setStyleSheet("QListWidget { font-size: 18px; background: white; color: black; }"
-                        "QListWidget::item { min-height: 44px; }"
-                        "QListWidget::item:selected { background: #000080; color: white; }");
+    list->setStyleSheet(
+        "QListWidget { font-size: 18px; background: white; color: black; }"
+        "QListWidget::item { min-height: 44px; }"
+        "QListWidget::item:selected { background: #000080; color: white; }");
     return list;
 }
 
 const char* SendFailure(SendResult result) {
     switch (result) {
-        case SendResult::Aborted: return "Transfer Aborted !";
-        case SendResult::PortFault: return "Port Fault : ";
-        case SendResult::FileFault: return "";
-        case SendResult::Sent: break;
+        case SendResult::Aborted:
+            return "Transfer Aborted !";
+        case SendResult::PortFault:
+            return "Port Fault : ";
+        case SendResult::FileFault:
+            return "";
+        case SendResult::Sent:
+            break;
     }
     return "";
 }
@@ -126,7 +131,11 @@ void SendForm::Activate() {
 }
 
 bool SendForm::FormKey(int code, QKeyEvent&) {
-    QPushButton* button = code == 'F' ? force_ : code == 'A' ? abort_ : code == 'O' ? ok_ : code == 'C' ? exit_ : nullptr;
+    QPushButton* button = code == 'F'   ? force_
+                          : code == 'A' ? abort_
+                          : code == 'O' ? ok_
+                          : code == 'C' ? exit_
+                                        : nullptr;
     if (!button) return false;
     if (button->isEnabled()) button->click();
     return true;

@@ -54,8 +54,8 @@ protected:
                                       "\n9600\nn\n8\n1\nXON/XOFF\nFORCE\n17\n2,0\n1,13,1,10\n1,4\n\n\n0,4\n0\n0\n");
     }
     // Runs the job's form: `act` on it, then its OK, with the warnings answered yes.
-    std::vector<std::string> RunJob(FileJob job, const char* form, std::function<void(QWidget*)> act,
-                                    int warnings, const std::string& shot = "") {
+    std::vector<std::string> RunJob(FileJob job, const char* form, std::function<void(QWidget*)> act, int warnings,
+                                    const std::string& shot = "") {
         auto texts = std::make_shared<std::vector<std::string>>();
         WhenModal([&, texts](QWidget* modal) {
             act(modal);
@@ -65,8 +65,10 @@ protected:
             modal->close();
         });
         PanelForm* f = P().Forms().Get(form);
-        if (std::string(form) == "FileForm") static_cast<FileForm*>(f)->SetJob(job);
-        else static_cast<DirectoryForm*>(f)->SetJob(job);
+        if (std::string(form) == "FileForm")
+            static_cast<FileForm*>(f)->SetJob(job);
+        else
+            static_cast<DirectoryForm*>(f)->SetJob(job);
         P().OpenForm(form);
         return *texts;
     }
@@ -140,8 +142,8 @@ TEST_F(FileScreens, CreateAndDeleteADirectoryByTouch) {
     EXPECT_TRUE(created.empty());
     EXPECT_TRUE(IsDirectory(Programs() + "Customer 7"));
     std::vector<std::string> deleted = RunJob(
-        FileJob::DeleteDirectory, "DirectoryForm", [](QWidget* form) { Choose(form, "DirectoryList", "Customer 7"); }, 1,
-        "directory_form_delete");
+        FileJob::DeleteDirectory, "DirectoryForm", [](QWidget* form) { Choose(form, "DirectoryList", "Customer 7"); },
+        1, "directory_form_delete");
     EXPECT_EQ(deleted, std::vector<std::string>{"Delete \"Customer 7\" !\n\n\n"});
     EXPECT_FALSE(IsDirectory(Programs() + "Customer 7"));
 }
@@ -153,7 +155,10 @@ TEST_F(FileScreens, TheReceivePortFilesAndThePollSaysSo) {
     auto* list = static_cast<ListForm*>(P().Forms().Get("ListForm"));
     ASSERT_NE(list->Comms(), nullptr);
     EXPECT_EQ(list->Note(), "");
-    pty.Send("\x18" "Dorvenis\r\n\x19" "WIRED\r\nN10 G90\r\nN20 X5\r\n\x04");
+    pty.Send(
+        "\x18"
+        "Dorvenis\r\n\x19"
+        "WIRED\r\nN10 G90\r\nN20 X5\r\n\x04");
     for (int i = 0; i < 100 && !FileExists(Programs() + "Dorvenis/WIRED.prg"); ++i) Spin(20);
     EXPECT_EQ(ReadFileText(Programs() + "Dorvenis/WIRED.prg"), "N10 G90\nN20 X5\n");
     EXPECT_TRUE(P().State().Display.NewProgramsReceived);
