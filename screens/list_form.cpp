@@ -1,5 +1,7 @@
 #include "screens/list_form.h"
 
+#include <cstdio>
+
 #include "screens/panel.h"
 
 namespace kirvana {
@@ -21,6 +23,7 @@ void ListForm::OpenReceivePort() {
     ReceivePlaces places{dirs.RootDir, dirs.HelpDir, dirs.ProgramRoot, dirs.ProgramDirName};
     comms_ = std::make_unique<CommsModule>(settings_, places, port_, [this] { panel_.ProcessEvents(); });
     if (!comms_->OpenReceivePort()) note_ += (note_.empty() ? "" : "; ") + comms_->LastError();
+    if (!note_.empty()) std::fprintf(stderr, "kirvana: %s\n", note_.c_str());
     ShowReceived();
 }
 
