@@ -292,7 +292,9 @@ bool DrawingFile::Close() {
         const std::string temporary = createdPath_ + ".tmp";
         if (!flushed || std::rename(temporary.c_str(), createdPath_.c_str()) != 0) {
             flushed = false;
-            std::remove(temporary.c_str());
+            // The result already says the file failed; a temporary that cannot be removed is
+            // written anew by the next creation of this file.
+            (void)std::remove(temporary.c_str());
         }
         createdPath_.clear();
     }

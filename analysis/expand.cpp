@@ -1,5 +1,7 @@
 #include "analysis/expand.h"
 
+#include <functional>
+
 #include "analysis/pattern_walk.h"
 #include "analysis/tool_outline.h"
 #include "core/geometry.h"
@@ -83,43 +85,54 @@ private:
     EntityRec hit_;
 };
 
-// Linear Pattern: from Entry, the polar step (pitch, angle) worked out once and added for
-// each further hit.
-void ExpandLinear(const EntityRec& rec, HitWriter& out) {
-    double stepX = 0, stepY = 0;
-    PolarToXY(rec.Values[2], rec.Values[10], stepX, stepY);
-    double x = rec.Points.Entry.X;
-    double y = rec.Points.Entry.Y;
-    for (int k = 1; k <= rec.Counts[1]; ++k) {
-        if (!out.Hit(x, y)) return;
-        x += stepX;
-        y += stepY;
-    }
-}
-
-// Grid Pattern: rows walked to and fro from Entry.
-void ExpandGrid(const EntityRec& rec, HitWriter& out) {
-    WalkGrid(GridParameters(rec), rec.Points.Entry.X, rec.Points.Entry.Y,
-             [&](int, int, double x, double y) { return out.Hit(x, y); });
-}
-
-// Arc Pattern: hit k at the radius copy and the first angle's copy plus k steps, from the
-// centre afresh; the C angle the base, turning with the pattern when Counts[2] says so.
-void ExpandArc(const EntityRec& rec, HitWriter& out) {
-    const double radius = rec.Values[5];
-    const double first = rec.Values[13];
-    const double step = rec.Values[12];
-    const double base = rec.CycleRotate != 0 ? rec.Values[15] : rec.Tool.Extra1;
-    const bool turns = rec.Counts[2] != 0;
-    for (int k = 0; k < rec.Counts[1]; ++k) {
-        double dx = 0, dy = 0;
-        PolarToXY(radius, first + k * step, dx, dy);
-        const double c = turns ? base + k * step : base;
-        if (!out.Hit(rec.Points.Position.X + dx, rec.Points.Position.Y + dy, &c)) return;
-    }
+void ExpandPattern(const EntityRec& rec, HitWriter& out) {
+    ForEachHit(rec, [&](double x, double y, const double* cAngle) { return out.Hit(x, y, cAngle); });
 }
 
 }  // namespace
+
+bool ForEachHit(const EntityRec& rec, const std::function<bool(double, double, const double*)>& visit) {
+    switch (rec.Kind) {
+        case EntityKind::Punch:
+            return visit(rec.Points.Position.X, rec.Points.Position.Y, nullptr);
+        case EntityKind::LinearPattern: {
+            // From Entry, the polar step (pitch, angle) worked out once and added for each
+            // further hit.
+            double stepX = 0, stepY = 0;
+            PolarToXY(rec.Values[2], rec.Values[10], stepX, stepY);
+            double x = rec.Points.Entry.X;
+            double y = rec.Points.Entry.Y;
+            for (int k = 1; k <= rec.Counts[1]; ++k) {
+                if (!visit(x, y, nullptr)) return false;
+                x += stepX;
+                y += stepY;
+            }
+            return true;
+        }
+        case EntityKind::GridPattern:
+            // Rows walked to and fro from Entry.
+            return WalkGrid(GridParameters(rec), rec.Points.Entry.X, rec.Points.Entry.Y,
+                            [&](int, int, double x, double y) { return visit(x, y, nullptr); });
+        case EntityKind::ArcPattern: {
+            // Hit k at the radius copy and the first angle's copy plus k steps, from the centre
+            // afresh; the C angle the base, turning with the pattern when Counts[2] says so.
+            const double radius = rec.Values[5];
+            const double first = rec.Values[13];
+            const double step = rec.Values[12];
+            const double base = rec.CycleRotate != 0 ? rec.Values[15] : rec.Tool.Extra1;
+            const bool turns = rec.Counts[2] != 0;
+            for (int k = 0; k < rec.Counts[1]; ++k) {
+                double dx = 0, dy = 0;
+                PolarToXY(radius, first + k * step, dx, dy);
+                const double c = turns ? base + k * step : base;
+                if (!visit(rec.Points.Position.X + dx, rec.Points.Position.Y + dy, &c)) return false;
+            }
+            return true;
+        }
+        default:
+            return true;
+    }
+}
 
 ExpandResult ExpandRecords(DrawingFile& drawing, DrawingFile& expanded, std::int32_t maxHits) {
     ExpandResult result;
@@ -138,15 +151,15 @@ ExpandResult ExpandRecords(DrawingFile& drawing, DrawingFile& expanded, std::int
                 break;
             case EntityKind::LinearPattern:
                 out.BeginPattern(rec);
-                ExpandLinear(rec, out);
+                ExpandPattern(rec, out);
                 break;
             case EntityKind::GridPattern:
                 out.BeginPattern(rec);
-                ExpandGrid(rec, out);
+                ExpandPattern(rec, out);
                 break;
             case EntityKind::ArcPattern:
                 out.BeginPattern(rec);
-                ExpandArc(rec, out);
+                ExpandPattern(rec, out);
                 break;
             default:
                 break;

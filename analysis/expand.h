@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "analysis/drawing_file.h"
@@ -21,6 +22,12 @@ struct ExpandResult {
 
 // Builds stem + "dr1" from stem + "drw" (a stem ends in "."). A missing drawing writes nothing.
 [[nodiscard]] ExpandResult ExpandDrawing(const std::string& stem, std::int32_t maxHits = MaxExpandedHits);
+
+// The hits of a Punch, Linear, Grid or Arc Pattern in the order the machine punches them, as
+// the expansion makes them: visit(x, y, c) with the C angle of an Arc Pattern's hit, null for
+// the others (their hits keep the tool's). A visit returning false ends the walk, which then
+// returns false. Other kinds have no hits.
+bool ForEachHit(const EntityRec& rec, const std::function<bool(double, double, const double*)>& visit);
 
 // The expansion between two open files; `expanded` is written from record 1 on.
 ExpandResult ExpandRecords(DrawingFile& drawing, DrawingFile& expanded, std::int32_t maxHits = MaxExpandedHits);

@@ -12,6 +12,7 @@
 
 #include "analysis/drawing_file.h"
 #include "analysis/entity.h"
+#include "analysis/program_header.h"
 #include "core/config.h"
 #include "core/words.h"
 #include "tooling/settings.h"
@@ -67,6 +68,7 @@ struct ReverseState {
     float PosX = 0, PosY = 0, PosC = 0;
     float PrevX = 0, PrevY = 0, PrevC = 0;
     float OriginX = 0, OriginY = 0;
+    float G56X = 0, G56Y = 0;  // the part of the origin that G56 shifts gave since the last G53
     float LastHitX = 0, LastHitY = 0;
     float LimitXLow = 0, LimitXHigh = 0, LimitYLow = 0, LimitYHigh = 0;
     std::int16_t Station = 0;
@@ -99,22 +101,6 @@ struct ReverseState {
     double NibbleStep = 2;
     ProgramParameters Parameters;  // P12 to P99 of this pass
 };
-
-// What the header comment lines of M1 say.
-struct ProgramHeader {
-    std::string Material;
-    bool HasMaterial = false;
-    float SheetX = 0, SheetY = 0;
-    std::array<float, 4> Clamps{};
-    // Tool texts the header gives for stations: (station, text).
-    std::vector<std::pair<int, std::string>> Tools;
-    bool InchHeader = false;  // the block that ended the header holds G70
-};
-
-// True when every line uses only the words of the language (comments after ";" aside).
-bool CheckWords(const std::vector<std::string>& lines);
-// The header: the comment lines in front of the first block with a word other than N.
-ProgramHeader ReadHeader(const std::vector<std::string>& lines);
 
 struct ReverseResult {
     // The pass's result: the critical count, or 1 when the words of M1 were rejected. Non-zero

@@ -41,13 +41,15 @@ int main(int argc, char** argv) {
         return 1;
     }
     std::printf("kirvana-cardsim listening on 127.0.0.1:%d; type help for the commands\n", sim.Port());
-    std::fflush(stdout);
+    // The replies are for whoever reads them: with standard output gone there is no one left to
+    // tell, and the simulator goes on serving the card's port.
+    (void)std::fflush(stdout);
     std::string line;
     while (std::getline(std::cin, line)) {
         if (line == "quit" || line == "exit") break;
         if (line.empty()) continue;
         std::printf("%s\n", sim.Command(line).c_str());
-        std::fflush(stdout);
+        (void)std::fflush(stdout);  // as above
     }
     return 0;
 }

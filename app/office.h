@@ -52,6 +52,10 @@ int Drawing(const Args& args);
 int Expand(const Args& args);
 // Starts the installation and prints the display model at each poll tick.
 int Watch(const Args& args);
+// A program from a dialogue drawing, as the dialogue's Write button writes it.
+int Generate(const Args& args);
+// A program into the installation's dialogue work files, as the dialogue's Load button does.
+int LoadDialogue(const Args& args);
 // Sends a program over the serial port of Control.cms (or --port), as the send screen does.
 int Send(const Args& args);
 // Receives programs from the serial port into the program store until ended (or after one

@@ -83,7 +83,9 @@ int Watch(const Args& args) {
         if (tick > 1) std::this_thread::sleep_for(std::chrono::milliseconds(interval));
         seat.Tick();
         PrintTick(tick, process, shownMessages);
-        std::fflush(stdout);
+        // The ticks are a trace for whoever watches: with standard output gone there is no one
+        // to tell, and the run goes on to its end.
+        (void)std::fflush(stdout);
         // A short run may start and end between two ticks: after a cycle start, hits counted
         // by the card show that it ran.
         runSeen = runSeen || process.Running || (start && process.Display.HitCount > 0);

@@ -51,16 +51,20 @@ bool FileWriter::Close() {
     if (std::fclose(file_) != 0) failed_ = true;
     file_ = nullptr;
     if (!failed_ && std::rename(temporary_.c_str(), path_.c_str()) == 0) return true;
-    std::remove(temporary_.c_str());
+    // The result says the file failed; a temporary that cannot be removed is taken over by the
+    // next writer of the path.
+    (void)std::remove(temporary_.c_str());
     return false;
 }
 
 void FileWriter::Discard() {
     if (!file_) return;
-    std::fclose(file_);
+    // What was written is thrown away: a failing close loses nothing, and a temporary that
+    // cannot be removed is taken over by the next writer of the path.
+    (void)std::fclose(file_);
     file_ = nullptr;
     pending_.clear();
-    std::remove(temporary_.c_str());
+    (void)std::remove(temporary_.c_str());
 }
 
 bool WriteLines(const std::string& path, const std::vector<std::string>& lines) {

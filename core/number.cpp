@@ -115,7 +115,7 @@ double ToNumber(std::string_view text) {
     const char* q = ScanUnsignedNumber(p, end, &exponentLetter);
     if (q == p) return 0;
     double value = 0;
-    std::from_chars_result result;
+    std::from_chars_result result{};
     if (exponentLetter && (*exponentLetter == 'D' || *exponentLetter == 'd')) {
         std::string copy(p, q);
         copy[exponentLetter - p] = 'E';

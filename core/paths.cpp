@@ -4,6 +4,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include "core/text.h"
 
 namespace kirvana {
@@ -60,8 +63,19 @@ bool FileExists(const std::string& path) {
 }
 
 void NoteFile(std::string_view serviceDir, std::string_view fileName) {
-    // A trace only: a file that cannot be written doesn't stop the reading it announces.
-    (void)WriteLines(std::string(serviceDir) + "LastFile.txt", {std::string(fileName)});
+    // The crash trace is rewritten before every file the system opens, so it is written in place
+    // rather than through a temporary and a rename: on ext4 each rename over the old trace (and
+    // each truncation to nothing) waits for its data to reach the disk, which made a selection
+    // wait tens of milliseconds. The new line goes over the old one, then the file is cut to its
+    // length; it is never empty in between. A trace only: a file that cannot be written doesn't
+    // stop the reading it announces.
+    const std::string path = std::string(serviceDir) + "LastFile.txt";
+    const std::string line = std::string(fileName) + "\n";
+    const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644);
+    if (fd < 0) return;
+    const bool written = ::pwrite(fd, line.data(), line.size(), 0) == static_cast<ssize_t>(line.size());
+    if (written) (void)::ftruncate(fd, static_cast<off_t>(line.size()));
+    ::close(fd);
 }
 
 void DeleteProgramFiles(std::string_view directory, std::string_view name) {

@@ -20,7 +20,9 @@ Refusal ChangeProgram(Process& process, StartupPlatform& platform, CardLink* lin
     // when it can't.
     if (record.Present && !record.ProgramDirName.empty())
         static_cast<void>(SetProgramDir(process.Config, record.ProgramDirName));
-    // 3, 4. Active slot, Control.cfg and the slot's blocks to the card.
+    // 3, 4. Active slot, Control.cfg and the slot's blocks to the card. The slot change keeps its
+    // own interlock of the machine commands (on `Running`): the switch is refused in a cycle, in
+    // feedhold or while running, the two checks together.
     Refusal refusal = ChangeActiveSlot(process, platform, link, slot);
     if (refusal) platform.ShowWarning(*refusal + "\n\n\n");
     // 6. The poll resumes.

@@ -12,11 +12,14 @@
 #include "navigation/program_change.h"
 #include "screens/file_forms.h"
 #include "screens/front_end.h"
+#include "screens/machine_forms.h"
 #include "screens/message_form.h"
 #include "screens/pad_forms.h"
 #include "screens/panel_style.h"
+#include "screens/program_form.h"
 #include "screens/shutdown_form.h"
 #include "screens/splash_form.h"
+#include "screens/tooling_forms.h"
 #include "screens/user_form.h"
 #include "screens/warning_form.h"
 #include "system/poll_cycle.h"
@@ -52,6 +55,9 @@ void Panel::RegisterForms() {
     forms_.Register("NumberForm", [this] { return std::make_unique<NumberForm>(*this); });
     forms_.Register("KeyboardForm", [this] { return std::make_unique<KeyboardForm>(*this); });
     forms_.Register("UserForm", [this] { return std::make_unique<UserForm>(*this); });
+    RegisterProgramForms(*this, forms_);
+    RegisterToolingForms(*this, forms_);
+    RegisterMachineForms(forms_, *this);
     RegisterFileForms(*this);
 }
 

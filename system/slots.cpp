@@ -12,6 +12,7 @@
 #include "core/number.h"
 #include "core/paths.h"
 #include "core/text.h"
+#include "system/restart_slot.h"
 #include "system/slots.h"
 #include "system/startup.h"
 #include "translate/blend.h"
@@ -58,8 +59,6 @@ StationBlock StationBlockOf(const Station& station) {
     return block;
 }
 
-namespace {
-
 PlasmaBlock PlasmaBlockOf(const PlasmaSetting& s) {
     PlasmaBlock block;
     block.P101To104 = {s.RapidSpeed, s.CutSpeed, s.MinCornerSpeed, s.FreezeSpeed};
@@ -71,6 +70,8 @@ PlasmaBlock PlasmaBlockOf(const PlasmaSetting& s) {
     block.P110 = s.TorchType;
     return block;
 }
+
+namespace {
 
 // Copies the program to the slot's `.org` through "Temp.org": every line trimmed, empty lines
 // left out. The file that could not be written, or "" when done.
@@ -117,15 +118,7 @@ void ReadSlotPlasma(const std::string& slotStem, SlotRecord& record) {
 
 // The Reverse pass on the slot: the drawing, "Reverse.txt" and the statistics.
 ReverseResult ReverseSlot(Process& process, int slot, const std::string& stem, SlotRecord& record) {
-    ReverseSettings settings = ReverseSettingsFrom(process.Config.Machine, process.Config.Dirs,
-                                                   SlotTable(process.Tools, slot), MachinePlasmaTool(process.Tools));
-    if (FileExists(stem + "pls")) {
-        PlasmaSetting plasma;
-        std::string description;
-        ClearPlasmaSetting(plasma);
-        LoadPlasmaSetting(stem + "pls", description, plasma);
-        PlasmaToSettings(plasma, settings.ProgramSettings);
-    }
+    ReverseSettings settings = SlotReverseSettings(process, slot);
     std::int16_t toolChanges = 0;
     ReverseResult result = ReversePass(stem, record.ProgramName, record.ProgramDirName, toolChanges, settings);
     record.Stats = SlotStats{result.Stats.Hits, result.Stats.Travel, result.Stats.CutLength};
@@ -137,10 +130,12 @@ ReverseResult ReverseSlot(Process& process, int slot, const std::string& stem, S
 void ClearSlot(Process& process, int slot) {
     const Directories& dirs = process.Config.Dirs;
     SlotRecord& record = process.Slots[slot - 1];
-    // 1. The record to its empty values.
+    // 1. The record to its empty values (ProgramStatsUsed, step 4's first half, with them).
     record = SlotRecord{};
     record.SlotLoadY = process.Config.Machine.Travel.LoadPositionY;
     ClearPlasmaSetting(record.PlasmaSettings);
+    // 2. Nothing to do here: no file channel stays open between calls (the poll cycle opens
+    // the hit file by its name at each tick).
     // 3. The slot's files.
     const std::string prefix = "ACTVPRG" + std::to_string(slot) + ".";
     for (const std::string& name : ListDirectory(dirs.RootDir, false)) {
@@ -153,32 +148,40 @@ void ClearSlot(Process& process, int slot) {
     // 5. The plot's data of the slot: no run seen since the change.
     process.Poll.RunMarked[slot - 1] = false;
     process.Poll.HitFileShortReported[slot - 1] = false;
+    // 6. Done by ProgramButtonCaption: the front end shows the caption of the emptied record.
 }
 
+// Steps 25 to 28 of the selection, and step 2 after both slots of the load.
 void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link, std::optional<std::int32_t> hitCount) {
     Conversation talk = Talk(process, platform, link);
     const MachineData& machine = process.Config.Machine;
     int slot = process.Config.ActiveSlot;
     SlotRecord& record = process.Slots[slot - 1];
+    // 25. The active slot and its load position.
     talk.Download(card::Assignment(card::ActiveSlot, std::to_string(slot)));
     talk.Download(card::Assignment(card::LoadPosition1[1], FormatNumber(record.SlotLoadY, 2)));
+    // 26. The station, with its speed override.
     if (machine.HasTurret) {
         talk.Download(card::Assignment(card::WorkStation, IntegerText(record.ActiveStation)));
         const StationTable& table = SlotTable(process.Tools, slot);
         if (record.ActiveStation >= 1 && static_cast<std::size_t>(record.ActiveStation) <= table.size())
             SendStationBlock(talk, StationBlockOf(table[record.ActiveStation - 1]), true);
     }
+    // (The hit counter only at the change of the active slot.)
     if (hitCount) talk.Download(card::Assignment(card::HitCounter, LongText(*hitCount)));
+    // 27. The profiler block.
     if (machine.ProfilerKind > 0) {
         const StationType& plasma = PlasmaStationType(process.Tools);
         SendProfilerBlock(talk, {plasma.OffsetX, plasma.OffsetY, plasma.OffsetZ}, machine.ProfilerKind,
                           PlasmaBlockOf(record.PlasmaSettings));
     }
+    // 28. The batch block.
     SendBatchBlock(talk, {record.Batch[0], record.Batch[1], record.Batch[2], record.Batch[3]});
 }
 
 SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLink* link,
-                            const std::string& directoryName, const std::string& programName) {
+                            const std::string& directoryName, const std::string& programName,
+                            const SelectProgress& progress) {
     const Directories& dirs = process.Config.Dirs;
     const MachineData& machine = process.Config.Machine;
     std::string directory(Trim(directoryName)), name(Trim(programName));
@@ -186,7 +189,7 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
         platform.ShowWarning(text);
         return SelectOutcome{false, text, std::nullopt};
     };
-    // 1-4. Acceptable names (within 32 characters, never leading out of the program store),
+    // 1 to 4. Acceptable names (within 32 characters, never leading out of the program store),
     // the directory and the program there.
     if (!AcceptableName(directory)) return refuse(InvalidDirectoryName);
     if (!AcceptableName(name)) return refuse(InvalidProgramName);
@@ -196,7 +199,11 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     if (!FileExists(programPath)) return refuse("Program Does Not Exist !");
     // 5. Never while the machine runs.
     if (process.Running) return refuse("Can Not Select New Program\n\nWhile Machine Is Running !");
-    // 6. The slot is emptied.
+    auto tell = [&](SelectStage stage) {
+        if (progress) progress(stage);
+    };
+    // 6. No hit file channel to close (the poll cycle opens the file at each tick); the slot
+    // is emptied.
     int slot = process.Config.ActiveSlot;
     ClearSlot(process, slot);
     SlotRecord& record = process.Slots[slot - 1];
@@ -212,6 +219,7 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     };
     // A file that cannot be read or written refuses the selection as a failed pass does.
     auto fileFault = [&](const std::string& file) { return fail(record.ProgramName + "\n\nFile Fault : " + file); };
+    tell(SelectStage::Copy);
     // 8. The cleaned source in the slot.
     NoteFile(dirs.ServiceDir, programPath);
     auto source = ReadLines(programPath);
@@ -221,29 +229,34 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     if (machine.ProfilerKind == 2) {
         if (std::string file = CopyPlasmaSettings(dirs, programStem, stem); !file.empty()) return fileFault(file);
     }
+    tell(SelectStage::Convert);
     // 10. Translation; the comment marks by dialect.
     ConvertResult converted = ConvertProgram(stem, record.SourceDialect, ConvertSettingsFrom(machine, dirs));
     if (converted.Status == ConvertStatus::FileFault) return fileFault(converted.Fault);
     if (converted.Status != ConvertStatus::Done)
         return fail(record.ProgramName + "\n\n" + ConvertStatusText(converted.Status));
     SetCommentMarks(record, false);
-    // 11. The Blend pass; 12. the Reverse pass judges.
+    // 11. The Blend pass. 12. The Reverse pass judges; with errors the slot is left empty.
+    tell(SelectStage::Blend);
     BlendResult blended =
         BlendProgram(record.ProgramDirName, record.ProgramName, stem, BlendSettingsFrom(machine, dirs));
     if (blended.FileFault) return fileFault(blended.FaultFile);
+    tell(SelectStage::Reverse);
     ReverseResult reversed = ReverseSlot(process, slot, stem, record);
     if (reversed.FileFault) return fileFault(reversed.FaultFile);
     if (reversed.Result > 0) return fail(record.ProgramName + "\n\nCan Not Be Selected Due To Errors in Code !");
     // 13. Sheet and clamps from the drawing.
     ReadSheetRecord(stem, record);
-    // 14. The hits, with a turret.
+    // 14. The hits, with a turret; the active station at least 1.
     record.ExpandedFilePath = stem + "dr1";
     if (machine.HasTurret) {
         if (!ExpandDrawing(stem).Done) return fileFault(stem + "dr1");
         record.HitFileRecords = HitFileRecords(stem);
     }
     if (record.ActiveStation < 1) record.ActiveStation = 1;
-    // 15, 16. The maps of the card's program counter.
+    tell(SelectStage::Index);
+    // 15, 16. The maps of the card's program counter (the six counts were zeroed with the
+    // record at step 6).
     std::string mapFault;
     auto main = BuildBlockMap(stem + "A1", stem + "M1", stem + "W1", stem + "RA1", stem + "RM1", &mapFault);
     std::optional<SlotCounts> subroutines;
@@ -268,27 +281,36 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     // 20. Statistics and batch.
     if (!WriteSlotStats(dirs, slot, record.Stats)) return fileFault(stem + "sts");
     if (!WriteSlotBatch(dirs, slot, record.Batch)) return fileFault(stem + "btc");
+    // The slot holds its program from here on.
     record.Present = true;
-    // 21. The block indication: this slot's program, no block yet.
+    // 21. The block indication: this slot's program, no block yet. The button's caption is
+    // ProgramButtonCaption of the record, shown by the front end.
     process.Poll.LastSlotShown = slot;
     process.Poll.LastRecordShown = -1;
-    // 22-28. The card's part, as one operation with its deadline.
+    tell(SelectStage::Download);
+    // 22 to 28. The card's part, as one operation with its deadline.
     const int faultsBefore = link ? link->FaultCount() : 0;
     {
         CardOperation operation(link, process.Config.Card.OperationDeadlineMs);
-        // 22. The card's hit counter starts anew.
+        // 22. The plot's data were reset with the slot at step 6; the card's hit counter and
+        // the run counter start anew.
         Conversation talk = Talk(process, platform, link);
         talk.Download(card::Assignment(card::HitCounter, "0"));
         record.RunCount = 0;
-        // 24. The motion programs; 25-28. the slot's blocks.
+        // 23. Nothing to do here: the poll cycle opens the hit file by its name at each tick.
+        // 24. The motion programs.
         DownProgram(talk, dirs.RootDir, dirs.ServiceDir, slot);
+        // 25 to 28. The slot's blocks.
         SendSlotBlocks(process, platform, link);
     }
+    // 29. Left to the screen that runs the selection: the setup screen told of the change,
+    // the search text cleared, the program screen closed.
     SelectOutcome outcome{true, {}, std::nullopt};
     if (link && link->FaultCount() != faultsBefore) outcome.Fault = link->LastFault();
     return outcome;
 }
 
+// Steps 1 to 13 for slot 1 and then slot 2, then the five steps after both.
 void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link) {
     const Directories& dirs = process.Config.Dirs;
     const MachineData& machine = process.Config.Machine;
@@ -327,7 +349,8 @@ void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link
             unreadable(faulty);
             continue;
         }
-        // 1, 3. The description.
+        // 1. The name of the slot's hit file (here, as the record starts anew).
+        // 3. The description; the comment marks by the load's column of the table.
         record = SlotRecord{};
         record.ExpandedFilePath = stem + "dr1";
         bool cfgUnreadable = false;
@@ -340,7 +363,8 @@ void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link
         }
         record.Present = true;
         SetCommentMarks(record, true);
-        // 4, 5. The slot's turret table.
+        // 4, 5. The slot's turret table: read from its file (5), or without one every station
+        // with speed overrides 100 and 100 and its four values 0 (4).
         if (machine.HasTurret) {
             StationTable& table = SlotTable(process.Tools, slot);
             ProgramTurret header;
@@ -360,19 +384,25 @@ void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link
         record.Batch = ReadSlotBatch(dirs, slot);
         // 9. A table of no program of its own is the machine's.
         if (machine.HasTurret && !record.ProgramStatsUsed) CopyMachineTable(process.Tools, slot);
+        // 10. Nothing to do here: at start the plot's data of both slots have their start values.
         // 11. The hits.
         record.HitFileRecords = HitFileRecords(stem);
         if (record.ActiveStation < 1) record.ActiveStation = 1;
         // 12. The motion programs to the card.
         DownProgram(talk, dirs.RootDir, dirs.ServiceDir, slot);
+        // 13. Done by ProgramButtonCaption: the front end shows the caption of the record.
     }
-    // After both: the active slot's blocks, and its directory as the current one.
+    // After both: 1. a valid active slot.
     if (process.Config.ActiveSlot != 1 && process.Config.ActiveSlot != 2) process.Config.ActiveSlot = 1;
+    // 2. The active slot's blocks.
     SendSlotBlocks(process, platform, link);
     const SlotRecord& active = process.Slots[process.Config.ActiveSlot - 1];
-    // Main writes Control.cfg next and reports there a file that cannot be written.
+    // 3. Its directory as the current one. Main writes Control.cfg next and reports there a
+    // file that cannot be written.
     if (!active.ProgramDirName.empty()) (void)SetProgramDir(process.Config, active.ProgramDirName);
-    // The block indication cleared.
+    // 4. Nothing to do here: the poll cycle opens the hit file by its name at each tick.
+    // 5. The block indication cleared. The front end checks the active slot's button when it
+    // shows the state, and there is no mouse pointer to reset.
     ResetPollState(process.Poll);
 }
 

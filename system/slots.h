@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -67,6 +68,8 @@ std::string SlotStem(const Directories& dirs, int slot);
 std::string SlotFile(const Directories& dirs, int slot, const char* extension);
 // The station block of a station of a slot's table.
 StationBlock StationBlockOf(const Station& station);
+// The plasma settings block of a plasma set.
+PlasmaBlock PlasmaBlockOf(const PlasmaSetting& setting);
 // The caption of the slot's program button on FrontEnd, naming the key F10 or F11.
 std::string ProgramButtonCaption(int slot, const SlotRecord& record);
 // The comment marks of a dialect, at selection or at the start-up load (dialect 5 differs).
@@ -109,11 +112,16 @@ struct SelectOutcome {
     std::string Warning;
     std::optional<CardFault> Fault;
 };
+// The stages of a selection, each told as it begins, for a progress indication on the screen.
+enum class SelectStage { Copy, Convert, Blend, Reverse, Index, Download };
+inline constexpr int SelectStageCount = 6;
+using SelectProgress = std::function<void(SelectStage)>;
+
 // The Select button: the program `name` of `directory` into the active slot, through every
 // pass, then downloaded within the card operation's deadline. A refusal is shown through the
 // platform's warning screen.
 SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLink* link, const std::string& directory,
-                            const std::string& name);
+                            const std::string& name, const SelectProgress& progress = {});
 
 // Takes up both slots from their files at start and downloads them.
 void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link);

@@ -33,6 +33,64 @@ void ReadFields(const std::vector<std::string>& lines, std::size_t count, Setter
     }
 }
 
+void SetPunchField(PunchSetting& setting, std::size_t i, const std::string& line) {
+    switch (i) {
+        case 0:
+            setting.FeedPercent = WordOf(line);
+            break;
+        case 1:
+            setting.AccelPercent = WordOf(line);
+            break;
+        case 2:
+            setting.PreDelay = SingleOf(line);
+            break;
+        case 3:
+            setting.PostDelay = SingleOf(line);
+            break;
+        case 4:
+            setting.InPosition = SingleOf(line);
+            break;
+        default:
+            setting.RamTimer = SingleOf(line);
+            break;
+    }
+}
+
+void SetPlasmaField(PlasmaSetting& setting, std::size_t i, const std::string& line) {
+    switch (i) {
+        case 0:
+            setting.RapidSpeed = WordOf(line);
+            break;
+        case 1:
+            setting.CutSpeed = WordOf(line);
+            break;
+        case 2:
+            setting.MinCornerSpeed = WordOf(line);
+            break;
+        case 3:
+            setting.FreezeSpeed = WordOf(line);
+            break;
+        case 4:
+            setting.HeightOn = SingleOf(line);
+            break;
+        case 5:
+            setting.HeightOff = SingleOf(line);
+            break;
+        case 6:
+            setting.Slowdown = WordOf(line);
+            break;
+        case 7:
+            setting.Kerf = SingleOf(line);
+            break;
+        case 8:
+            setting.Pierce = SingleOf(line);
+            break;
+        default:
+            setting.TorchType = WordOf(line);
+            break;
+    }
+}
+
 SaveOutcome SaveAs(const Directories& dirs, const std::string& name, const std::string& extension,
                    const AskOperator& ask, const std::function<bool(const std::string&)>& write) {
     const std::string trimmed(Trim(name));
@@ -89,28 +147,7 @@ SettingsLoad LoadPunchSetting(const std::string& file, std::string& description,
     if (!lines) return SettingsLoad::Missing;
     if (lines->empty() || IsEndMarker(lines->front())) return SettingsLoad::NoDescription;
     description = std::string(Trim(lines->front()));
-    ReadFields(*lines, 6, [&](std::size_t i, const std::string& line) {
-        switch (i) {
-            case 0:
-                setting.FeedPercent = WordOf(line);
-                break;
-            case 1:
-                setting.AccelPercent = WordOf(line);
-                break;
-            case 2:
-                setting.PreDelay = SingleOf(line);
-                break;
-            case 3:
-                setting.PostDelay = SingleOf(line);
-                break;
-            case 4:
-                setting.InPosition = SingleOf(line);
-                break;
-            default:
-                setting.RamTimer = SingleOf(line);
-                break;
-        }
-    });
+    ReadFields(*lines, 6, [&](std::size_t i, const std::string& line) { SetPunchField(setting, i, line); });
     return SettingsLoad::Loaded;
 }
 
@@ -130,40 +167,7 @@ SettingsLoad LoadPlasmaSetting(const std::string& file, std::string& description
     if (!lines) return SettingsLoad::Missing;
     if (lines->empty() || IsEndMarker(lines->front())) return SettingsLoad::NoDescription;
     description = std::string(Trim(lines->front()));
-    ReadFields(*lines, 10, [&](std::size_t i, const std::string& line) {
-        switch (i) {
-            case 0:
-                setting.RapidSpeed = WordOf(line);
-                break;
-            case 1:
-                setting.CutSpeed = WordOf(line);
-                break;
-            case 2:
-                setting.MinCornerSpeed = WordOf(line);
-                break;
-            case 3:
-                setting.FreezeSpeed = WordOf(line);
-                break;
-            case 4:
-                setting.HeightOn = SingleOf(line);
-                break;
-            case 5:
-                setting.HeightOff = SingleOf(line);
-                break;
-            case 6:
-                setting.Slowdown = WordOf(line);
-                break;
-            case 7:
-                setting.Kerf = SingleOf(line);
-                break;
-            case 8:
-                setting.Pierce = SingleOf(line);
-                break;
-            default:
-                setting.TorchType = WordOf(line);
-                break;
-        }
-    });
+    ReadFields(*lines, 10, [&](std::size_t i, const std::string& line) { SetPlasmaField(setting, i, line); });
     return SettingsLoad::Loaded;
 }
 
@@ -172,6 +176,18 @@ bool SavePlasmaSetting(const std::string& file, const std::string& description, 
     for (auto& text : PlasmaSettingTexts(setting)) lines.push_back(text);
     lines.push_back(EndMarker);
     return WriteLines(file, lines);
+}
+
+PunchSetting PunchSettingFromTexts(const std::vector<std::string>& texts) {
+    PunchSetting setting;
+    for (std::size_t i = 0; i < texts.size() && i < 6; ++i) SetPunchField(setting, i, texts[i]);
+    return setting;
+}
+
+PlasmaSetting PlasmaSettingFromTexts(const std::vector<std::string>& texts) {
+    PlasmaSetting setting;
+    for (std::size_t i = 0; i < texts.size() && i < 10; ++i) SetPlasmaField(setting, i, texts[i]);
+    return setting;
 }
 
 bool PlasmaSettingIsSet(const PlasmaSetting& s) {

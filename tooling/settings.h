@@ -120,5 +120,10 @@ ConfigResult ReadPlasmaFile(const Directories& dirs, PlasmaData& data);
 // their shortest text.
 std::vector<std::string> PunchSettingTexts(const PunchSetting& setting);
 std::vector<std::string> PlasmaSettingTexts(const PlasmaSetting& setting);
+// The other way, from the texts of the screens' boxes as the files are read: each the leading
+// number of its text, a whole number that doesn't fit 16 bits as 0; boxes not given keep the
+// defaults (punch) or stay unset (plasma).
+PunchSetting PunchSettingFromTexts(const std::vector<std::string>& texts);
+PlasmaSetting PlasmaSettingFromTexts(const std::vector<std::string>& texts);
 
 }  // namespace kirvana

@@ -355,13 +355,18 @@ std::optional<ToolChange> DefineStationTool(StationTable& table, int station, co
 }
 
 bool WriteTurretFiles(const std::string& slotTrt, const std::string& programStem, const StationTable& table,
-                      const ProgramTurret& header) {
-    bool written = WriteProgramTurret(slotTrt, table, header);
+                      const ProgramTurret& header, std::string* failedFile) {
+    bool written = true;
+    auto note = [&](bool ok, const std::string& file) {
+        if (!ok && written && failedFile) *failedFile = file;
+        written = written && ok;
+    };
+    note(WriteProgramTurret(slotTrt, table, header), slotTrt);
     if (!programStem.empty() && FileExists(ResolveNoCase(programStem + ".prg"))) {
         ProgramTurret programHeader = header;
         programHeader.ActiveStation.reset();
-        written = WriteProgramTurret(programStem + ".trt", table, programHeader) && written;
-        written = WriteProgramSettings(programStem + ".stg", table) && written;
+        note(WriteProgramTurret(programStem + ".trt", table, programHeader), programStem + ".trt");
+        note(WriteProgramSettings(programStem + ".stg", table), programStem + ".stg");
     }
     return written;
 }

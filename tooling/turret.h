@@ -124,9 +124,10 @@ std::optional<ToolChange> DefineStationTool(StationTable& table, int station, co
 
 // After a change on the turret screen: the slot's table file (`slotTrt`), and, when
 // `programStem` + ".prg" exists, the program's own ".trt" (without the active station) and
-// ".stg" beside it. False when a file could not be written.
+// ".stg" beside it. False when a file could not be written; `failedFile` (when given) then
+// names the first such file.
 bool WriteTurretFiles(const std::string& slotTrt, const std::string& programStem, const StationTable& table,
-                      const ProgramTurret& header);
+                      const ProgramTurret& header, std::string* failedFile = nullptr);
 
 // What the dialogue's turret screen hands back: the tool, its description and the station,
 // -1 for the plasma tool.

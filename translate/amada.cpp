@@ -1,3 +1,5 @@
+// The AMADA dialect pass: its block walk, the profile and move codes, the cycle mapping table
+// and the tool comments. The run as a whole follows the Convert pass's run order.
 #include "translate/amada.h"
 
 #include <charconv>
@@ -221,7 +223,10 @@ namespace {
 
 std::string_view ProfileCode(int code) { return code == 1 ? "G101" : code == 2 ? "G102" : "G103"; }
 
-// The handler of one AMADA code: "G1"/"G01", "G2"/"G02" or "G3"/"G03".
+// Step 7 of the block walk for one AMADA code: "G1"/"G01", "G2"/"G02" or "G3"/"G03" becomes
+// its profile code unless an exclusion stands in the block. The handler goes on only with its
+// code in the block, so it never adds a profile code to a block without one: a bare axis block
+// gets its profile code from the modal arc mode of the completion steps.
 void ProfileHandler(std::string& block, int code, CodeIndex& codes) {
     const char digit = static_cast<char>('0' + code);
     const char longCodeText[] = {'G', '0', digit};
@@ -276,6 +281,7 @@ void MoveCodes(std::string& block) {
     MoveCodes(block, codes);
 }
 
+// Step 8 of the block walk: G70 to G77, then G25 and G27 to G95 by the rule of M22.
 void MoveCodes(std::string& block, CodeIndex& codes) {
     if (codes.Has(block, "G70")) {
         ReplaceFirst(block, "G70", "G77");
@@ -411,8 +417,9 @@ void NibbleLine(std::string& block, const AmadaState& amada, ValueReader& reader
     AddValue(words, "P11=", shiftY - 2);
 }
 
-// G75 and G76: the subroutine over the stored grid, from the corner Q. The table knows the
-// corners 1 to 4; any other Q starts, as 1 does, at the reference point.
+// G75 and G76: the subroutine over the stored grid, from the corner Q by the starting corner
+// table. The table knows the corners 1 to 4; any other Q starts, as 1 does, at the reference
+// point.
 void GridCall(std::string& block, bool yFirst, const AmadaState& amada, const SubroutineTable& table,
               ValueReader& reader, std::string& words) {
     std::string name;
@@ -456,6 +463,8 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
     return CycleMapping(block, comment, amada, table, reader, codes);
 }
 
+// Step 11 of the block walk: the cycle mapping table, its first row whose source code stands
+// in the block, the rows after it passed over.
 bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, const SubroutineTable& table,
                   ValueReader& reader, CodeIndex& codes) {
     std::string_view source;
@@ -617,6 +626,8 @@ bool CycleMapping(std::string& block, std::string& comment, AmadaState& amada, c
 // ---------------------------------------------------------------------------------------
 // The block pass
 
+// The block walk, steps 1 to 14, for one line of A1 or A2; the A2 pass has the Convert pass's
+// differences: no sequence word, and "RETURN" skips the last steps.
 std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContext& context, std::string_view line) {
     const bool mainText = context.Pass == BlockPass::Main;
     ValueReader& reader = state.Reader;
@@ -635,7 +646,8 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
     if (Has(block, 'S') || Has(block, 's')) block = SubroutineRewriteBracket(block, context.Table);
     SplitComment(block, state.BlockComment);
     for (char& c : block) c = UpperChar(c);
-    // 2. Main text: the sequence word; then all blanks go, words are found in packed text.
+    // 2. Main text: the sequence word (subroutine text has none); then all blanks go, words
+    // are found in packed text.
     if (mainText) SequenceStep(state, block);
     StripBlanksInPlace(block);
     // 3. "A" leaves the block and stores what remains as a macro; "B" replays one.
@@ -674,11 +686,14 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
     if (amada.AmadaFlag) rewrite("G93", "G92");
     // 11. The first cycle row whose source code stands in the block.
     CycleMapping(block, state.BlockComment, amada, context.Table, reader, codes);
-    // 12. The completion of every code, as in the Convert pass, without the nibbling codes.
+    // 12. The block is kept as the last block at step 14, as it is written. Then the Convert
+    // block walk's steps 15, 17 and 19 to 34, without the completions of G01 to G03, G06 and
+    // the step rule of G65; steps 16 and 18, conditions and jumps, this dialect doesn't have.
     state.UnknownBlock = true;
     if (Has(block, "ENDIF")) state.UnknownBlock = false;
     CompletionSteps(state, block, CompletionContext{context.Settings, mainText, false, true});
-    // 13. Unless a subroutine ends here: the implicit hit, block skip, word order, spacing.
+    // 13. Unless a subroutine ends here ("RETURN" in the A2 pass): the implicit hit, block
+    // skip, word order, SpaceWords and CollapseBlanks.
     if (mainText || !Has(block, "RETURN")) {
         if (state.UnknownBlock) ImplicitHitRule(block, state);
         BlockSkipMarks(block);
@@ -697,6 +712,7 @@ std::string AmadaBlock(ConvertState& state, AmadaState& amada, const BlockContex
 // ---------------------------------------------------------------------------------------
 // Tool comments
 
+// The tool comment table: the description text of a two-letter code and its sizes.
 std::string AmadaToolDescription(std::string_view comment) {
     static constexpr struct {
         const char* Code;
@@ -724,26 +740,31 @@ std::string AmadaToolDescription(std::string_view comment) {
 ConvertResult AmadaProgram(std::string_view stem, std::int16_t& dialect, const ConvertSettings& settings) {
     TranslationRun run(settings);
     amada::AmadaState amadaState;
+    // Numbered as the Convert pass's run order, whose shape this follows.
+    // 1. The stem, trimmed.
     run.State.ConvertStem = std::string(Trim(stem));
-    // 1. The dialect is the AMADA one.
+    // 2. The dialect is the AMADA one; the Convert pass has handed over to this pass.
     dialect = AmadaDialect;
-    // 2. Main text, subroutine text and the table, split at the "S" words.
+    // 3. Nothing to do here: no dialect detection runs.
+    // 4. Main text, subroutine text and the table, by the dialect 2 splitter ("S" words).
     if (!run.Split(true)) return run.Result;
     SubroutineTable table;
     if (!run.ReadTable(table)) return run.Result;
-    // 3. Metric, and the default nibbling step.
+    // 5. Metric, and the default nibbling step (the sheet size stays 0: this dialect's block
+    // walk doesn't read one).
     amadaState.AmadaInch = false;
     run.State.NibbleStep = 2.5;
     auto block = [&amadaState](ConvertState& state, const BlockContext& context, std::string_view line) {
         return amada::AmadaBlock(state, amadaState, context, line);
     };
-    // 4, 5. The block pass over the main text, then over the subroutines.
+    // 6. The block pass over the main text.
     if (!run.BlockPassFile("A1", "M1", BlockPass::Main, BlockContext{settings, dialect, BlockPass::Main, table}, block))
         return run.Result;
+    // 7. The block pass over the subroutines.
     if (!run.BlockPassFile("A2", "M2", BlockPass::Subroutines,
                            BlockContext{settings, dialect, BlockPass::Subroutines, table}, block))
         return run.Result;
-    // 6. Calls inside the subroutines are G69.
+    // 8. Calls inside the subroutines are G69.
     if (!run.CallFix()) return run.Result;
     run.Result.NibbleStep = run.State.NibbleStep;
     return run.Result;

@@ -1,5 +1,5 @@
-// The AMADA dialect pass's number scaling: the scaling code of a block and its numbers written
-// as the card's integers.
+// Step 5 of the AMADA dialect pass's block walk, the number scaling: the scaling code of a
+// block, and its numbers written anew by the number scaling table.
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -48,7 +48,8 @@ bool In(int code, std::initializer_list<int> codes) {
     return false;
 }
 
-// The class of a word: 0 kept, 1 whole number, 2 length, 3 hundredths, 4 dwell.
+// The number scaling table: the class of a word, 0 kept, 1 whole number, 2 length, 3
+// hundredths, 4 dwell.
 int WordClass(char letter, int code) {
     switch (letter) {
         case 'A':

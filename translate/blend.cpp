@@ -1,3 +1,5 @@
+// The Blend pass: the main loop, the position update, the profile handlers and the tangency
+// test. The walk of one line is the main loop's step 3, its own steps numbered 1 to 23.
 #include "translate/blend.h"
 
 #include <cmath>
@@ -34,6 +36,7 @@ BlendSettings BlendSettingsFrom(const MachineData& machine, const Directories& d
 
 BlendPass::BlendPass(const BlendSettings& settings) : settings_(settings) { Start(); }
 
+// Step 2 of the main loop: the state to its start values (LastMove cleared with it).
 void BlendPass::Start() {
     State = BlendState{};
     State.BlendX = State.BlendPrevX = settings_.Travel.LoadPositionX;
@@ -77,6 +80,7 @@ void BlendPass::BlendError(std::string_view block, std::string_view message, boo
     if (critical && State.BlendCritical < 32767) ++State.BlendCritical;
 }
 
+// Step 4 of a line: the tool word.
 void BlendPass::ReadTool(const std::string& block) {
     // The first T that is part of neither "GOTO" nor "TRUNC".
     for (std::size_t i = block.find('T'); i != std::string::npos; i = block.find('T', i + 1)) {
@@ -99,6 +103,7 @@ void BlendPass::CheckLimits(double x, double y, const std::string& block) {
     }
 }
 
+// The position update; the caller leaves it out for a block with G56, G92 or G04.
 void BlendPass::PositionUpdate(const std::string& block) {
     BlendState& s = State;
     // 1. The previous position.
@@ -162,6 +167,7 @@ void BlendPass::PositionUpdate(const std::string& block) {
     if (!Holds("G37") && !Holds("G28")) CheckLimits(s.BlendX, s.BlendY, block);
 }
 
+// The tangency test: the new move's start direction against the end direction of LastMove.
 bool BlendPass::Tangent(double startDirection) const {
     const LastMoveRecord& last = State.LastMove;
     double a = NormaliseAngle(startDirection);
@@ -185,6 +191,7 @@ void BlendPass::InsertMark(std::string_view code, const std::string& mark) {
     if (at != std::string::npos) State.BlendOutLine.insert(at + code.size(), mark);
 }
 
+// The G101 handler; the caller leaves it out for a block that also holds G102 or G103.
 void BlendPass::ProfileLine() {
     BlendState& s = State;
     // 1. A straight cut.
@@ -212,6 +219,8 @@ void BlendPass::ProfileLine() {
     s.LastMove.EndY = s.BlendY;
 }
 
+// The G102 and G103 handlers; the caller leaves them out for a block that also holds G101 or
+// the other arc code.
 void BlendPass::ProfileArc(const std::string& block, bool g103) {
     BlendState& s = State;
     // 1. R, I, J; the mirrors turn the centre offset.
@@ -224,9 +233,11 @@ void BlendPass::ProfileArc(const std::string& block, bool g103) {
     if (s.BlendMirrorX) i = 0 - i;
     if (s.BlendMirrorY) j = 0 - j;
     s.BlendArcCode = g103 ? 3 : 2;
-    // 2, 3. Given by its centre, or by its radius (negative R asks for the longer arc). By the
-    // centre, G102 turns negative with equal mirrors on a machine of orientation 1; by the
-    // radius, G102 turns positive with equal mirrors; G103 and unequal mirrors turn either round.
+    // 2, 3. Done by ArcThrough: given by its centre, or by its radius (negative R asks for the
+    // longer arc). The senses are the sweep rules: by the centre (the sweep rule for G102,
+    // centre form), G102 turns negative with equal mirrors on a machine of orientation 1; by
+    // the radius, G102 turns positive with equal mirrors; G103 and unequal mirrors turn either
+    // round. A critical error ends the handler with no mark.
     bool mirrorsEqual = s.BlendMirrorX == s.BlendMirrorY;
     bool clockwiseFirst = (settings_.MachineOrientation == 1) != g103;
     int centreSense = clockwiseFirst == mirrorsEqual ? -1 : 1;
@@ -245,7 +256,7 @@ void BlendPass::ProfileArc(const std::string& block, bool g103) {
     const double radius = arc.Radius, centreX = arc.CentreX, centreY = arc.CentreY;
     const double startAngle = arc.StartAngle, sweep = arc.Sweep;
     if (!s.BlendTorchOn) {
-        // 4. No cut: no mark, and the chain ends.
+        // 4. No cut: no mark, and the chain ends; on to the limit walk, step 8.
         ClearLastMove();
     } else {
         // 5, 6. Tangency with the arc's start direction, and the radius.
@@ -281,6 +292,7 @@ void BlendPass::ProfileArc(const std::string& block, bool g103) {
     }
 }
 
+// Step 21 of a line: M60 and M50 go to the load position, which is checked on its own.
 void BlendPass::LoadPosition(const std::string& block) {
     BlendState& s = State;
     s.BlendX = settings_.Travel.LoadPositionX;
@@ -291,9 +303,10 @@ void BlendPass::LoadPosition(const std::string& block) {
         BlendError(block, pass_message::OutOfLimitsY, false);
 }
 
+// Step 3 of the main loop for one line, its steps 1 to 23.
 const std::string& BlendPass::BlendBlock(std::string_view line) {
     BlendState& s = State;
-    // 1. A new block: no limit warning yet.
+    // 1. A new block: no limit warning yet; the line trimmed and counted.
     s.BlendWarnedX = s.BlendWarnedY = false;
     s.BlendLine = std::string(Trim(line));
     if (s.BlendBlockCount < 2147483647) ++s.BlendBlockCount;
@@ -303,7 +316,7 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
     for (char& c : block_) c = UpperChar(c);
     const std::string& b = block_;
     codes_.Build(b);
-    // 3. Variable assignments.
+    // 3. Variable assignments, by StoreAssignments.
     if (b.find('P') != std::string::npos) StoreAssignments(b, Reader, State.BlendParameters);
     // 4. The tool, in punch mode.
     if (!s.BlendProfiling && b.find('T') != std::string::npos) ReadTool(b);
@@ -367,7 +380,7 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
         ClearLastMove();
         s.BlendHit = false;
     }
-    // 16. The canned cycles, in punch mode.
+    // 16. The canned cycles, in punch mode, each with its expansion handler.
     if (!s.BlendProfiling) {
         struct Cycle {
             const char* Code;
@@ -419,7 +432,8 @@ const std::string& BlendPass::BlendBlock(std::string_view line) {
 
 BlendResult BlendProgram(std::string_view directory, std::string_view name, std::string_view stem,
                          const BlendSettings& settings) {
-    // 1. The report with its header, written whole at the end; the motion text; the new text.
+    // 1. The report with its three header lines (kept here and written whole at step 4); the
+    // motion text; the new text.
     std::ostringstream report;
     report << "PROGRAM   :  " << Trim(name) << '\n'
            << "DIRECTORY :  " << Trim(directory) << '\n'
@@ -441,7 +455,7 @@ BlendResult BlendProgram(std::string_view directory, std::string_view name, std:
         return fault(motion);
     }
     FileWriter out(temporary);
-    // 2. Start values; 3. every line.
+    // 2. Start values. 3. Every line, until end of file.
     BlendPass pass(settings);
     pass.OpenReport(&report);
     std::string line;
@@ -449,7 +463,7 @@ BlendResult BlendProgram(std::string_view directory, std::string_view name, std:
         if (!line.empty() && line.back() == '\r') line.pop_back();
         out.Write(pass.BlendBlock(line));
     }
-    // 4. Close; the report's end.
+    // 4. Close both files; the report's end.
     const bool readFault = in.bad();
     in.close();
     const bool written = out.Close();
@@ -458,10 +472,12 @@ BlendResult BlendProgram(std::string_view directory, std::string_view name, std:
     if (readFault) return fault(motion);
     if (!written) return fault(temporary);
     if (!reported) return fault(reportPath);
-    // 5. Only a text without critical errors replaces M1, in one step.
+    // 5. Only a text without critical errors replaces M1, in one step (the new text is renamed
+    // over it rather than M1 deleted and the text copied).
     BlendResult result;
     result.CriticalCount = pass.State.BlendCritical;
     if (result.CriticalCount == 0 && !MoveFileOver(temporary, motion)) return fault(motion);
+    // 6. The count of critical errors.
     return result;
 }
 

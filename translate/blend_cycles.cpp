@@ -1,5 +1,6 @@
 // The canned cycles of the Blend pass, in punch mode: whether the block is possible, and where
-// the machine stands afterwards. The card itself expands the hits.
+// the machine stands afterwards. The card itself expands the hits. Each cycle's steps are
+// numbered as its own list; its word table is read first.
 #include <cmath>
 #include <optional>
 
@@ -49,6 +50,7 @@ void BlendPass::MoveBy(double dx, double dy) {
 
 // G64: a full circle of hits around the start point; the tool leaves at the first hit.
 void BlendPass::CycleG64(const std::string& block) {
+    // The G64 word table.
     double radius = BlendValue(block, "J");
     std::int16_t hits = BlendInteger(block, "B");
     bool hitsGiven = !Reader.WordMissing;
@@ -58,7 +60,7 @@ void BlendPass::CycleG64(const std::string& block) {
         BlendError(block, pass_message::InvalidHitsP1, true);
         return;
     }
-    // 2-4. A whole turn, turned by the mirrors.
+    // 2 to 4. A whole turn, turned by the mirrors (the pitch plays no part: not worked out).
     double sweep = 360;
     if (State.BlendMirrorX || State.BlendMirrorY) first = MirrorAngle(first);
     if (State.BlendMirrorX) sweep = 0 - sweep;
@@ -72,6 +74,7 @@ void BlendPass::CycleG64(const std::string& block) {
 
 // G65: a nibbled rectangle, side by side from the current position.
 void BlendPass::CycleG65(const std::string& block) {
+    // The G65 word table.
     double i = BlendValue(block, "I");
     i = Length(i, true, true);
     double j = BlendValue(block, "J");
@@ -82,7 +85,8 @@ void BlendPass::CycleG65(const std::string& block) {
     const double lengths[4] = {std::fabs(i), std::fabs(j), std::fabs(i), std::fabs(j)};
     const double directions[4] = {i >= 0 ? 0.0 : 180.0, j >= 0 ? 90.0 : 270.0, i >= 0 ? 180.0 : 0.0,
                                   j >= 0 ? 270.0 : 90.0};
-    // A side needs a step to be nibbled with: without one the card would divide by zero.
+    // A side needs a step to be nibbled with: without one the card would divide by zero. The
+    // check stands ahead of step 3 so that a refused block leaves the position alone.
     for (double length : lengths) {
         if (std::min(step, length) == 0) {
             BlendError(block, pass_message::DivisionByZero, true);
@@ -94,18 +98,27 @@ void BlendPass::CycleG65(const std::string& block) {
     State.BlendPrevY = State.BlendY;
     // 4. Each side.
     for (int side = 0; side < 4; ++side) {
+        // 1. The mirrors turn the direction.
         double direction = directions[side];
         if (State.BlendMirrorX || State.BlendMirrorY) direction = MirrorAngle(direction);
+        // 2, 3. Nothing to do here: the side's step and hit count go no further (a step of 0
+        // has been refused above).
+        // 4. Along the side.
         double dx, dy;
         PolarToXY(lengths[side], direction, dx, dy);
         MoveBy(dx, dy);
+        // 5. Each side ends the tangency chain.
         ClearLastMove();
     }
 }
 
 // G66: a straight row of hits; the model leaves it at the point 0, 0.
 void BlendPass::CycleG66(const std::string&) {
+    // 1, 2. Nothing to do here: the first hit, the count and the row's length never reach the
+    // position, so the word table isn't read.
+    // 3. The common ending.
     ClearAndStep();
+    // 4. The position after a G66.
     State.BlendX = 0;
     State.BlendY = 0;
 }
@@ -130,6 +143,7 @@ const char* PatternMessage(PatternCheck check, const char* invalidHits) {
 
 // G26: a grid of hits, walked row by row, to and fro.
 void BlendPass::CycleG26(const std::string& block) {
+    // The G26 word table.
     GridWords words = ReadGridWords(CycleWords(block));
     double i = words.I, j = words.J;
     bool iGiven = i != Missing, jGiven = j != Missing;
@@ -146,13 +160,14 @@ void BlendPass::CycleG26(const std::string& block) {
     if (iGiven || jGiven) {
         XYToPolar(iGiven ? i : 0, jGiven ? j : 0, grid.P7, grid.P5);
     }
-    // 3-6. Count, pitch and length of each direction; the mirrors.
+    // 3 to 6. Done by CompleteGrid: count, pitch and length of each direction; the mirrors.
     int rows;
     if (auto message = PatternMessage(CompleteGrid(grid, rows), pass_message::InvalidHitsP1P3)) {
         BlendError(block, message, true);
         return;
     }
-    // 7. The start of the pattern.
+    // 7. The start of the pattern; CompleteGrid has left one row unless both directions are
+    // complete.
     ClearLastMove();
     State.BlendPrevX = State.BlendX;
     State.BlendPrevY = State.BlendY;
@@ -161,13 +176,16 @@ void BlendPass::CycleG26(const std::string& block) {
     double b = grid.P5 + 90;
     if (b > 360) b -= 360;
     for (int r = 1; r <= rows; ++r) {
+        // 1. Along the row.
         double dx, dy;
         PolarToXY((grid.P1 - 1) * grid.P2.Value, a, dx, dy);
         MoveBy(dx, dy);
+        // 2. Across to the next row.
         if (r < rows) {
             PolarToXY(grid.P4.Value, b, dx, dy);
             MoveBy(dx, dy);
         }
+        // 3. The next row runs the other way.
         a += 180;
         if (a > 360) a -= 360;
     }
@@ -180,6 +198,7 @@ void BlendPass::CycleG26(const std::string& block) {
 
 // G28: an arc of hits around a centre.
 void BlendPass::CycleG28(const std::string& block) {
+    // The G28 word table ("P10=" has no effect here and isn't read).
     ArcWords words = ReadArcWords(CycleWords(block));
     double r = words.R;
     ArcPattern& arc = words.Arc;
@@ -199,7 +218,7 @@ void BlendPass::CycleG28(const std::string& block) {
                                    : (arc.MirrorY ? State.BlendY - arc.J : State.BlendY + arc.J);
     // 3. The radius.
     if (r == Missing || r == 0) r = std::sqrt(arc.I * arc.I + arc.J * arc.J);
-    // 4-8. First angle, sweep, hits and pitch, mirrors.
+    // 4 to 8. Done by CompleteArc: first angle, sweep, hits and pitch, mirrors.
     if (auto message = PatternMessage(CompleteArc(arc), pass_message::InvalidHitsP1)) {
         BlendError(block, message, true);
         return;
@@ -217,6 +236,7 @@ void BlendPass::CycleG28(const std::string& block) {
     }
 }
 
+// The nibble increment of G36 and G37: the step of the block, or the last valid one.
 double BlendPass::NibbleIncrement(const std::string& block) {
     double step = BlendValue(block, "P8=");
     step = step == Missing ? 0 : Length(step, true, false);
@@ -238,6 +258,7 @@ double BlendPass::NibbleIncrement(const std::string& block) {
     return step;
 }
 
+// Step 4 of G36 and step 6 of G37: at least two hits along the length.
 bool BlendPass::NibbleHits(const std::string& block, double length, double step) {
     // |Fix(length / step)| + 1 hits; a single hit (or no step) leaves no pitch to divide by.
     auto hits = step == 0 ? std::optional<std::int16_t>(1) : Count(std::fabs(Fix(length / step)) + 1);
@@ -254,6 +275,7 @@ bool BlendPass::NibbleHits(const std::string& block, double length, double step)
 
 // G36: a nibbled straight line.
 void BlendPass::CycleG36(const std::string& block) {
+    // The G36 word table.
     NibbleLineWords words = ReadNibbleLineWords(CycleWords(block));
     double i = words.I, j = words.J;
     bool iGiven = i != Missing, jGiven = j != Missing;
@@ -267,8 +289,9 @@ void BlendPass::CycleG36(const std::string& block) {
     double step = NibbleIncrement(block);
     // 3. A vector gives length and angle.
     if (iGiven || jGiven) XYToPolar(iGiven ? i : 0, jGiven ? j : 0, p1, p5);
-    // 4, 5. At least two hits.
+    // 4. At least two hits.
     if (!NibbleHits(block, p1, step)) return;
+    // 5. Nothing to do here: the step between the hits goes no further.
     // 6-8. To the end of the line.
     if (State.BlendMirrorX || State.BlendMirrorY) p5 = MirrorAngle(p5);
     ClearAndStep();
@@ -280,6 +303,7 @@ void BlendPass::CycleG36(const std::string& block) {
 
 // G37: a nibbled arc, tracked from the current position.
 void BlendPass::CycleG37(const std::string& block) {
+    // The G37 word table ("P10=" has no effect here and isn't read).
     NibbleArcWords words = ReadNibbleArcWords(CycleWords(block));
     double r = words.R, i = words.I, j = words.J;
     double p1 = words.P1, p5 = words.P5;
@@ -301,8 +325,9 @@ void BlendPass::CycleG37(const std::string& block) {
         BlendError(block, pass_message::MissingRadius, true);
         return;
     }
-    // 5, 6. At least two hits along the arc.
+    // 5, 6. The arc's length, and at least two hits along it.
     if (!NibbleHits(block, (p1 / 360) * (r * Pi * 2), step)) return;
+    // 7. Nothing to do here: the angular step goes no further.
     // 8. The mirrors.
     if (State.BlendMirrorX || State.BlendMirrorY) p5 = MirrorAngle(p5);
     if (State.BlendMirrorX) p1 = 0 - p1;

@@ -1,5 +1,5 @@
-// The Convert pass as a whole: the dialect, the split into main text and subroutines, the
-// block passes over both, and the call fix.
+// The Convert pass as a whole, its run order step by step: the dialect, the split into main
+// text and subroutines, the block passes over both, and the call fix.
 #include "translate/convert.h"
 
 #include "core/text.h"
@@ -42,7 +42,8 @@ ConvertResult ConvertProgram(std::string_view stem, std::int16_t& dialect, const
     if (settings.AmadaMachine) return AmadaProgram(run.State.ConvertStem, dialect, settings);
     // 3. The dialect.
     if (!run.Detect(dialect)) return run.Result;
-    // 4. Main text, subroutine text and the subroutine table.
+    // 4. Main text, subroutine text and the subroutine table, by the dialect's splitter. The
+    // table is read back once here for the name lookups of both block passes.
     if (!run.Split(dialect == BracketDialect)) return run.Result;
     SubroutineTable table;
     if (!run.ReadTable(table)) return run.Result;
@@ -50,10 +51,11 @@ ConvertResult ConvertProgram(std::string_view stem, std::int16_t& dialect, const
     run.State.NibbleStep = 2.5;
     run.State.SheetX = 0;
     run.State.SheetY = 0;
-    // 6, 7. The block pass over the main text, then over the subroutines.
+    // 6. The block pass over the main text.
     if (!run.BlockPassFile("A1", "M1", BlockPass::Main, BlockContext{settings, dialect, BlockPass::Main, table},
                            ConvertBlock))
         return run.Result;
+    // 7. The block pass over the subroutines.
     if (!run.BlockPassFile("A2", "M2", BlockPass::Subroutines,
                            BlockContext{settings, dialect, BlockPass::Subroutines, table}, ConvertBlock))
         return run.Result;
@@ -66,5 +68,3 @@ ConvertResult ConvertProgram(std::string_view stem, std::int16_t& dialect, const
 }
 
 }  // namespace kirvana
-
-namespace kirvana {}  // namespace kirvana

@@ -21,6 +21,7 @@
 
 namespace kirvana::convert {
 
+// Step 7 of the block walk, main text only: the sequence word (the AMADA dialect's step 2 too).
 void SequenceStep(ConvertState& state, std::string& block) {
     if (Has(block, 'N')) {
         state.SequenceCount = state.Reader.WordInteger(StripBlanks(block), 'N');
@@ -33,6 +34,8 @@ void SequenceStep(ConvertState& state, std::string& block) {
     block.insert(0, "N" + ZeroPad(state.SequenceCount, 4) + " ");
 }
 
+// Steps 19 to 34 of the block walk: the motion steps and the completion of each code. Every
+// test runs, in this order, on the block as the steps before left it.
 void CompletionSteps(ConvertState& state, std::string& block, const CompletionContext& context) {
     CodeIndex& codes = state.Codes;
     // (Each search of a constant code is inlined as the test of one bit.)
@@ -167,6 +170,7 @@ void CompletionSteps(ConvertState& state, std::string& block, const CompletionCo
     }
 }
 
+// The block walk, steps 1 to 40, for one line of A1 (main text) or A2 (subroutine text).
 std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::string_view line) {
     const bool mainText = context.Pass == BlockPass::Main;
     const bool bracket = context.Dialect == BracketDialect;
@@ -187,7 +191,8 @@ std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::
     block = state.SourceLine;
     // 2. Subroutine text: the sequence word at the start goes, a leading "/" stays.
     if (!mainText) block = StripBlockNumber(block);
-    // 3. The dialect's own forms: messages, program marks, subroutines and calls.
+    // 3. The dialect's own forms: messages, program marks, subroutines and calls. Every row
+    // of the table for dialects 0 and 1 needs a "(": a block without one is passed over.
     if (bracket)
         block = DialectRewriteBracket(block, context.Table, reader);
     else if (Has(block, '('))
@@ -269,7 +274,7 @@ std::string ConvertBlock(ConvertState& state, const BlockContext& context, std::
     }
     // 19 to 34. The motion steps and the completion of every code.
     CompletionSteps(state, block, CompletionContext{context.Settings, mainText, bracket, false});
-    // 35. Subroutine text: the end of a subroutine is written as it stands.
+    // 35. Subroutine text: a block that holds "RETURN" skips steps 36 to 39.
     if (!(!mainText && Has(block, "RETURN"))) {
         // 36. A block with no code hits, or with a tool alone only selects it.
         if (state.UnknownBlock) ImplicitHitRule(block, state);

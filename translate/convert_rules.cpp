@@ -43,15 +43,20 @@ std::string CountText(std::int16_t count) { return IntegerText(count < 1 ? std::
 // Position of the earliest of two letters, npos when neither stands in the block.
 std::size_t FirstOf(std::string_view block, char a, char b) { return Earlier(Find(block, a), Find(block, b)); }
 
-// Where the G77 and the implicit hit rules insert their code: the first axis word, else the
-// first "C", else the first "R". npos when none of these stands in the block.
+// Where the G77 and the implicit hit rules insert their code, the first four places of their
+// search: the first axis word, else the first "C", else the first "R". npos when none of
+// these stands in the block; the callers do the fifth place, "T", each in its own way.
 std::size_t HitPoint(std::string_view block) {
     std::size_t x = FirstOf(block, 'X', 'H');
     std::size_t y = FirstOf(block, 'Y', 'V');
+    // 1. An X or H word: at the Y or V word if that stands first, else at it.
     if (x != npos) return (y != npos && y < x) ? y : x;
+    // 2. No X or H: at the Y or V word.
     if (y != npos) return y;
+    // 3. No axis word: at the first "C".
     std::size_t c = Find(block, 'C');
     if (c != npos) return c;
+    // 4. Else at the first "R".
     return Find(block, 'R');
 }
 
@@ -109,12 +114,15 @@ void DialectDetector::Line(std::string_view line) {
     if (havePending_ && !found_) {
         std::string up = UpperCase(Trim(pending_));
         if (Has(up, '!')) {
+            // 1. A "!" comment.
             found_ = true;
             answer_ = BangDialect;
         } else if (Has(up, '(') && !Has(up, "ID,PROG")) {
+            // 2. A bracket that doesn't open a program.
             found_ = true;
             answer_ = BracketDialect;
         } else {
+            // 3. A code of the bracket dialect's own.
             for (const char* code : {"G66", "G65", "G64", "G63", "G62", "G61"}) {
                 if (Has(up, code)) {
                     found_ = true;
@@ -138,6 +146,8 @@ std::string SubroutineName(std::string_view line) {
 // ---------------------------------------------------------------------------------------
 // Dialect rewrites
 
+// The dialect rewrite table for dialects 0 and 1, row by row in its order, each row seeing the
+// block as the rows before left it.
 std::string DialectRewritePlain(std::string_view block, const SubroutineTable& table, ValueReader& reader) {
     // Every form starts with "(": a block without one stays as it is.
     if (!Has(block, '(')) return std::string(block);
@@ -171,7 +181,8 @@ std::string DialectRewritePlain(std::string_view block, const SubroutineTable& t
 
 namespace {
 
-// The dialect 2 forms; `reader` is null when calls ("C" words) are left as they stand.
+// The dialect 2 rewrite: a call ("C"), else a subroutine's first block ("S"); then the end of
+// a subroutine ("ENDSUB"). `reader` is null when calls are left as they stand.
 std::string RewriteBracket(std::string_view line, const SubroutineTable& table, ValueReader* reader) {
     std::size_t paren = line.find('(');
     std::string code = RightTrim(line.substr(0, paren));
@@ -291,6 +302,7 @@ std::string ConditionRewrite(std::string_view block) {
     return out;
 }
 
+// The jump rewrite: the first of the four forms of "GOTO", unbracketed, without its "N".
 std::string JumpRewrite(std::string_view block) {
     std::size_t at = npos;
     for (const char* form : {"(  GOTO", "( GOTO", "(GOTO", "GOTO"}) {
@@ -310,6 +322,7 @@ std::string JumpRewrite(std::string_view block) {
 // ---------------------------------------------------------------------------------------
 // Fills and rules
 
+// The P fill: each "P" number "=" of the range that the block lacks, in rising order.
 void ParameterFill(std::string& block, int first, int last, std::string_view value) {
     // One walk finds the numbers 1 to 127 whose "P" number "=" stands in the block: a "P", its
     // digits (no leading zero) and "=". The words added below hold other numbers only.
@@ -336,6 +349,7 @@ void ParameterFill(std::string& block, int first, int last, std::string_view val
     }
 }
 
+// The step fill: a nibbling block without a step gets NibbleStep; one with a step sets it.
 void StepFill(std::string& block, ConvertState& state) {
     if (Has(block, "P9=") || Has(block, "P7=")) return;
     if (!Has(block, "P8="))
@@ -344,6 +358,7 @@ void StepFill(std::string& block, ConvertState& state) {
         state.NibbleStep = P8Value(block, state.Reader);
 }
 
+// The G65 step rule: "R" is the step; a G65 block always leaves with a P8.
 void G65StepRule(std::string& block, ConvertState& state) {
     ReplaceFirst(block, "R", "P8=");
     if (Has(block, "P8="))
@@ -360,6 +375,8 @@ bool HasAxis(std::string_view block) {
 
 }  // namespace
 
+// The modal fill for G01, G02, G03: the code behind a block of axis words that no other code
+// claims, and the code becomes the modal move.
 void ModalFillMotion(std::string& block, int code, ConvertState& state) {
     CodeIndex& codes = state.Codes;
     codes.Build(block);
@@ -373,6 +390,7 @@ void ModalFillMotion(std::string& block, int code, ConvertState& state) {
     state.ArcMode = 0;
 }
 
+// The modal fill for G101, G102, G103.
 void ModalFillArc(std::string& block, int code, ConvertState& state, const ConvertSettings& settings) {
     CodeIndex& codes = state.Codes;
     codes.Build(block);
@@ -396,6 +414,7 @@ void ModalFillArc(std::string& block, int code, ConvertState& state, const Conve
     state.ArcMode = code == 1 ? 1 : 2;
 }
 
+// The I and J rewrite: both change sign, copied character by character with the copy flag.
 void RewriteCentre(std::string& block, ValueReader& reader) {
     std::string i = FreeFormat(0 - reader.WordValue(block, 'I'));
     std::string j = FreeFormat(0 - reader.WordValue(block, 'J'));
@@ -416,22 +435,27 @@ void RewriteCentre(std::string& block, ValueReader& reader) {
     block = std::move(out);
 }
 
+// The G77 rule, in punch mode only: " G80 " at the first place of the search, then the G77 out.
 void G77Rule(std::string& block, const ConvertState& state) {
     if (state.ProfilerMode) return;
+    // 1 to 4. An axis word, "C" or "R".
     std::size_t at = HitPoint(block);
+    // 5. Else the first "T".
     if (at == npos) at = Find(block, 'T');
     if (at != npos) block.insert(at, " G80 ");
     ReplaceFirst(block, "G77", "");
 }
 
+// The implicit hit rule, in punch mode only: the G77 rule's search, inserting " G81 ".
 void ImplicitHitRule(std::string& block, const ConvertState& state) {
     if (state.ProfilerMode) return;
+    // 1 to 4. An axis word, "C" or "R".
     std::size_t at = HitPoint(block);
     if (at != npos) {
         block.insert(at, " G81 ");
         return;
     }
-    // A tool selection alone never hits.
+    // 5. Else the first "T" gets " G80 " instead: a tool selection alone never hits.
     at = Find(block, 'T');
     if (at != npos) block.insert(at, " G80 ");
 }
@@ -460,7 +484,8 @@ int ParameterNumber(std::string_view block, std::size_t at, ValueReader& reader)
     return number;
 }
 
-// The group a character goes to, and the group that is current behind it.
+// The word ordering table: the group a character goes to, and the group that is current
+// behind it.
 int OrderingSlot(std::string_view block, std::size_t i, int current, ValueReader& reader) {
     char c = block[i];
     switch (c) {
@@ -515,7 +540,9 @@ std::string WordOrdering(std::string_view block, ValueReader& reader, std::strin
     return out;
 }
 
+// The word ordering: each character to its slot by the table, then steps 1 to 4.
 void WordOrdering(std::string_view block, ValueReader& reader, std::string (&slots)[8], std::string& out) {
+    // A block of a condition or a jump stays as it is.
     if (HasJumpWord(block)) {
         out.assign(block);
         return;
@@ -606,6 +633,8 @@ std::optional<std::pair<float, float>> SheetSize(std::string_view comment) {
 // ---------------------------------------------------------------------------------------
 // The block pass
 
+// Ahead of each block pass: the three modal values cleared; the main text's pass clears its
+// running sequence count.
 void StartBlockPass(ConvertState& state, BlockPass pass) {
     state.MotionMode = 0;
     state.ArcMode = 0;
@@ -623,7 +652,8 @@ void CollapseBlanksInPlace(std::string& text) {
     text.resize(out);
 }
 
-// Splits the comment off the block: the dialect's mark, else ";".
+// Step 4 of the block walk: splits the comment off the block (the dialect's mark, else ";")
+// and trims the block.
 void SplitComment(std::string& block, std::string& comment, std::int16_t dialect) {
     char mark = dialect == BangDialect ? '!' : dialect == BracketDialect ? '(' : ';';
     std::size_t at = block.find(mark);
@@ -645,6 +675,8 @@ void SplitComment(std::string& block, std::string& comment, std::int16_t dialect
     TrimInPlace(block);
 }
 
+// Step 37 of the block walk: a doubled skip mark (slash or backslash) is M875=2, a single
+// one M875=1.
 void BlockSkipMarks(std::string& block) {
     if (block.starts_with("//") || block.starts_with("\\\\")) {
         block = std::string(Trim(std::string_view(block).substr(2))) + " M875=2";

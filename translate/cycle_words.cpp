@@ -1,3 +1,5 @@
+// The word tables of the grid, arc and nibbling cycles: each word with its reader, its value
+// when missing and its inch conversion.
 #include "translate/cycle_words.h"
 
 namespace kirvana {
@@ -10,6 +12,7 @@ std::int16_t CountOr0(std::int16_t value) { return value == MissingWord ? std::i
 
 }  // namespace
 
+// The G26 word table.
 GridWords ReadGridWords(const CycleWordReader& words) {
     GridWords g;
     g.I = words.Length("I");
@@ -25,6 +28,7 @@ GridWords ReadGridWords(const CycleWordReader& words) {
     return g;
 }
 
+// The G28 word table; "P10=" has no effect and isn't read.
 ArcWords ReadArcWords(const CycleWordReader& words) {
     ArcWords a;
     a.R = words.Length("R");
@@ -43,6 +47,7 @@ ArcWords ReadArcWords(const CycleWordReader& words) {
     return a;
 }
 
+// The G36 word table; "P8=" is read by the nibble increment.
 NibbleLineWords ReadNibbleLineWords(const CycleWordReader& words) {
     NibbleLineWords n;
     n.I = words.Length("I");
@@ -52,6 +57,7 @@ NibbleLineWords ReadNibbleLineWords(const CycleWordReader& words) {
     return n;
 }
 
+// The G37 word table; "P8=" is read by the nibble increment.
 NibbleArcWords ReadNibbleArcWords(const CycleWordReader& words) {
     NibbleArcWords n;
     n.R = Or(words.Length("R"), 0);

@@ -1,3 +1,5 @@
+// The file work of a translation run: the dialect detection, the two splitters, the reading
+// of the subroutine table, and the call fix.
 #include "translate/translation_run.h"
 
 #include <cstdio>
@@ -31,6 +33,7 @@ void TranslationRun::NoteCount(std::int16_t& count) {
         ++count;
 }
 
+// The dialect detection over the org file; DialectDetector tests each line.
 bool TranslationRun::Detect(std::int16_t& dialect) {
     const std::string org = File("org");
     NoteFile(Settings.ServiceDir, org);
@@ -85,11 +88,15 @@ void TranslationRun::SplitBracketLine(SplitFiles& files, std::string_view line) 
     std::string_view code = line.substr(0, line.find('('));
     std::size_t s = FindNoCase(code, "S");
     if (s != npos) {
+        // 1. From here on all goes to A2.
         files.ToA2 = true;
+        // 2. The subroutine before this one ends.
         if (files.Count > 0) files.A2.Write("(ENDSUB)");
+        // 3, 4. The name (the digits behind the "S") and the count to the table.
         NoteCount(files.Count);
         files.Sbs.Write(DigitsAfter(code, s) + ", " + IntegerText(files.Count));
     }
+    // Then the line to the current text.
     files.Current().Write(line);
 }
 
@@ -113,6 +120,7 @@ bool TranslationRun::Split(bool bracket) {
     }
     if (in.Failed()) return Fail(ConvertStatus::FileFault, org);
     if (!ReadFault.empty()) return Fail(ConvertStatus::FileFault, ReadFault);
+    // At the end: dialect 2 closes its last subroutine; both splitters end the table.
     if (bracket && files.Count >= 1 && files.ToA2) files.A2.Write("(ENDSUB)");
     files.Sbs.Write(EndMarker);
     for (FileWriter* out : {&files.A1, &files.A2, &files.Sbs})
@@ -154,11 +162,15 @@ bool TranslationRun::CopyLines(const std::string& from, const std::string& to, b
     return true;
 }
 
+// The call fix: M2 to "tmp", each line trimmed and its first "G68" a "G69"; then back to M2.
 bool TranslationRun::CallFix() {
     const std::string m2 = File("M2"), tmp = File("tmp");
-    // The copy back is written beside M2 and renamed over it: M2 is never missing.
+    // The copy back is written beside M2 and renamed over it, in place of deleting M2 first:
+    // M2 is never missing.
     if (!CopyLines(m2, tmp, true) || !CopyLines(tmp, m2, false)) return false;
-    std::remove(tmp.c_str());
+    // M2 is complete: a work copy that cannot be deleted changes nothing, and the next call fix
+    // writes it anew.
+    (void)std::remove(tmp.c_str());
     return true;
 }
 

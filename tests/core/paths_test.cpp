@@ -41,6 +41,15 @@ TEST(Paths, NoteFileRewritesLastFile) {
     EXPECT_EQ(*lines, std::vector<std::string>{"Messages/IO.msg"});
 }
 
+TEST(Paths, NoteFileOverALongerNameLeavesOnlyTheNewLine) {
+    TempDir t;
+    NoteFile(t.Path(), "Programs/Dorvenis/A-very-long-program-name.prg");
+    NoteFile(t.Path(), "PMAC.cfg");
+    std::ifstream in(t.Path() + "LastFile.txt", std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_EQ(bytes, "PMAC.cfg\n");
+}
+
 TEST(Paths, DeleteProgramFiles) {
     TempDir t;
     for (const char* ext : {".prg", ".inf", ".rpt", ".stg", ".pls"}) std::ofstream(t.Path() + "PLATE" + ext) << "x";

@@ -87,6 +87,8 @@ TEST_F(PanelTest, MonkeyOnEveryFormNeitherCrashesNorHangs) {
     EXPECT_EQ(done, Actions) << "the panel stopped taking presses: a hang";
     while (QApplication::activeModalWidget() && clock.elapsed() < 240000) Spin(20);
     monkey.stop();
+    // A press still queued would run in the next test, on this test's stack: let it run here.
+    while (pending > 0) Spin(5);
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
     std::printf("monkey: %d actions, %d restarts after a shutdown\n", done, restarts);
     if (!P().Ended()) {

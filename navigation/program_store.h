@@ -1,0 +1,47 @@
+// The program store as the program screens list it: the directories under the programs root,
+// the programs of a directory, the search over every directory, and the checks of a program
+// chosen in a list.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kirvana {
+
+// The directory that holds the shared sub-programs: never listed.
+inline constexpr const char* SubprogramDirectory = "EXSUBS";
+
+// The subdirectories of the programs root, sorted by name with case ignored, without "EXSUBS".
+std::vector<std::string> FillDirectories(const std::string& programRoot);
+// The programs of a directory (its `*.prg`, the extension in any case), without extension,
+// sorted by name with case ignored. `directoryPath` ends in "/".
+std::vector<std::string> FillPrograms(const std::string& directoryPath);
+
+// A row of SearchForm's list.
+struct ProgramMatch {
+    std::string Directory;
+    std::string Program;
+    bool operator==(const ProgramMatch&) const = default;
+};
+// Every program of every directory of the root whose name holds `text`, case ignored, by
+// directory and then by name.
+std::vector<ProgramMatch> SearchPrograms(const std::string& programRoot, const std::string& text);
+// SearchForm's label: the text in quotation marks.
+std::string SearchLabel(const std::string& text);
+inline constexpr const char* NoMatchingPrograms = "No Matching Programs Found !";
+
+// The OK of ProgListForm and SearchForm: the refusal of the chosen directory and program ("No
+// Directory Selected !", "No Program Selected !", "Invalid Directory !", "Invalid Program !"),
+// or nothing when the program may go back to ProgramForm.
+std::optional<std::string> CheckChosenProgram(const std::string& programRoot, const std::string& directory,
+                                              const std::string& program);
+
+// The whole path of a program of the store (case ignored where the exact name is missing); empty
+// for a name the name rule refuses.
+std::string ProgramPath(const std::string& programRoot, const std::string& directory, const std::string& program);
+// The text of a program for a read-only view; empty when it cannot be read.
+std::optional<std::string> ProgramText(const std::string& programRoot, const std::string& directory,
+                                       const std::string& program);
+
+}  // namespace kirvana

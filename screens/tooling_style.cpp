@@ -1,0 +1,59 @@
+#include "screens/tooling_style.h"
+
+#include "screens/panel.h"
+#include "screens/panel_style.h"
+
+namespace kirvana {
+
+QLabel* ToolingCaption(Panel& panel, const std::string& text, QWidget* parent, const char* objectName) {
+    const ColourTable& c = panel.Colours();
+    auto* caption = new QLabel(Q(text), parent);
+    caption->setObjectName(objectName);
+    caption->setAlignment(Qt::AlignCenter);
+    caption->setMinimumHeight(40);
+    caption->setStyleSheet(PanelStyle(c[ColourItem::HeaderBackground], c[ColourItem::HeaderText], 22, true));
+    return caption;
+}
+
+QPushButton* ToolingButton(Panel& panel, const std::string& caption, QWidget* parent, const QString& objectName,
+                           int minWidth) {
+    const ColourTable& c = panel.Colours();
+    QPushButton* button = MakeButton(caption, parent, minWidth);
+    button->setObjectName(objectName);
+    button->setStyleSheet(ButtonStyle(c[ColourItem::GeneralButtons], c[ColourItem::GeneralButtonText], 17));
+    button->setAutoDefault(false);
+    return button;
+}
+
+QPushButton* ValueBox(Panel& panel, QWidget* parent, const QString& objectName, int minWidth) {
+    const ColourTable& c = panel.Colours();
+    auto* box = new QPushButton(parent);
+    box->setObjectName(objectName);
+    box->setMinimumSize(minWidth, TouchSize);
+    box->setAutoDefault(false);
+    box->setStyleSheet(
+        QString("QPushButton { background: %1; color: %2; font-size: 19px; border: 2px inset #808080; "
+                "text-align: left; padding-left: 8px; } QPushButton:focus { border: 3px solid #000000; }")
+            .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
+    return box;
+}
+
+QLabel* ToolingLabel(Panel& panel, const std::string& text, QWidget* parent) {
+    const ColourTable& c = panel.Colours();
+    auto* label = new QLabel(Q(text), parent);
+    label->setStyleSheet(PanelStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText], 17, true));
+    return label;
+}
+
+bool PressMarkedButton(QWidget* form, int code) {
+    if (code < '0' || code > 'Z') return false;
+    const QString mark = QString("&") + QChar(code);
+    for (QPushButton* button : form->findChildren<QPushButton*>())
+        if (button->isVisible() && button->isEnabled() && button->text().toUpper().contains(mark)) {
+            button->click();
+            return true;
+        }
+    return false;
+}
+
+}  // namespace kirvana

@@ -1,0 +1,28 @@
+// What the tooling screens share: their caption bar, touch buttons in the panel's colours, a
+// value box that opens a pad when pressed, and the letter keys that press a button by the
+// letter its caption marks.
+#pragma once
+
+#include <QLabel>
+#include <QPushButton>
+#include <string>
+
+namespace kirvana {
+
+class Panel;
+
+// The form's caption bar.
+QLabel* ToolingCaption(Panel& panel, const std::string& text, QWidget* parent, const char* objectName);
+// A touch button in the general buttons' colours.
+QPushButton* ToolingButton(Panel& panel, const std::string& caption, QWidget* parent, const QString& objectName,
+                           int minWidth = 160);
+// A value box: a flat touch field that shows its text and opens a pad when pressed.
+QPushButton* ValueBox(Panel& panel, QWidget* parent, const QString& objectName, int minWidth = 150);
+// A label in the panel's text colours.
+QLabel* ToolingLabel(Panel& panel, const std::string& text, QWidget* parent);
+
+// Presses the visible, enabled button below `form` whose caption marks the letter of `code`
+// ("&T" for T); false when none does.
+bool PressMarkedButton(QWidget* form, int code);
+
+}  // namespace kirvana

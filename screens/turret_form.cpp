@@ -1,0 +1,189 @@
+#include "screens/turret_form.h"
+
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+#include "screens/panel.h"
+#include "screens/panel_style.h"
+#include "screens/settings_forms.h"
+#include "screens/tool_def_dialogue.h"
+#include "screens/tooling_style.h"
+#include "tooling/settings_choices.h"
+
+namespace kirvana {
+
+namespace {
+
+QGroupBox* Frame(Panel& panel, const char* caption, const char* name, QWidget* parent) {
+    const ColourTable& c = panel.Colours();
+    auto* frame = new QGroupBox(caption, parent);
+    frame->setObjectName(name);
+    frame->setStyleSheet(QString("QGroupBox { font-size: 17px; font-weight: bold; border: 2px solid %1; "
+                                 "margin-top: 14px; padding-top: 10px; } "
+                                 "QGroupBox::title { subcontrol-origin: margin; left: 10px; }")
+                             .arg(ToQColor(c[ColourItem::PanelText]).name()));
+    return frame;
+}
+
+}  // namespace
+
+TurretForm::TurretForm(Panel& panel) : PanelForm(panel, "TurretForm") {
+    const ColourTable& c = panel.Colours();
+    setWindowTitle("TOOLING");
+    setFixedSize(1000, 720);
+    setStyleSheet(FormStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(ToolingCaption(panel, "TOOLING", this, "TurretPanel"));
+    auto* body = new QHBoxLayout();
+    // The stations: number and tool description.
+    auto* left = new QVBoxLayout();
+    listLabel_ = ToolingLabel(panel, "NO.           TOOL DESCRIPTION", this);
+    listLabel_->setObjectName("ListLabel");
+    left->addWidget(listLabel_);
+    list_ = new QListWidget(this);
+    list_->setObjectName("StationList");
+    list_->setStyleSheet(
+        QString("QListWidget { background: %1; color: %2; font-size: 19px; font-family: monospace; } "
+                "QListWidget::item { min-height: 40px; } "
+                "QScrollBar:vertical { width: 48px; }")
+            .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
+    list_->verticalScrollBar()->setObjectName("TurretBar");
+    left->addWidget(list_, 1);
+    body->addLayout(left, 1);
+    // The chosen station's type and settings.
+    auto* right = new QVBoxLayout();
+    QGroupBox* stationFrame = Frame(panel, "STATION TYPE", "StationFrame", this);
+    auto* stationLayout = new QVBoxLayout(stationFrame);
+    stationBox_ = ToolingLabel(panel, "", stationFrame);
+    stationBox_->setObjectName("StationBox");
+    stationBox_->setMinimumHeight(36);
+    stationLayout->addWidget(stationBox_);
+    right->addWidget(stationFrame);
+    QGroupBox* settingsFrame = Frame(panel, "TOOL SETTINGS", "PunchSettingsFrame", this);
+    auto* grid = new QGridLayout(settingsFrame);
+    for (int i = 0; i < 6; ++i) {
+        settingLabels_[static_cast<std::size_t>(i)] = ToolingLabel(panel, "", settingsFrame);
+        settingLabels_[static_cast<std::size_t>(i)]->setObjectName(QString("PunchSettingsLabel%1").arg(i + 1));
+        settingBoxes_[static_cast<std::size_t>(i)] = ToolingLabel(panel, "", settingsFrame);
+        settingBoxes_[static_cast<std::size_t>(i)]->setObjectName(QString("PunchSettingsBox%1").arg(i + 1));
+        settingBoxes_[static_cast<std::size_t>(i)]->setMinimumWidth(90);
+        grid->addWidget(settingLabels_[static_cast<std::size_t>(i)], i, 0);
+        grid->addWidget(settingBoxes_[static_cast<std::size_t>(i)], i, 1);
+    }
+    right->addWidget(settingsFrame);
+    right->addStretch(1);
+    // The buttons.
+    auto* buttons = new QGridLayout();
+    tool_ = ToolingButton(panel, "&DEFINE TOOL", this, "ToolButton", 200);
+    settings_[0] = ToolingButton(panel, "&TOOL SETTINGS", this, "SettingsButton1", 200);
+    settings_[1] = ToolingButton(panel, "PRO&FILER SETTINGS", this, "SettingsButton2", 200);
+    position_[0] = ToolingButton(panel, "&LOAD POSITION", this, "PositionButton1", 200);
+    position_[1] = ToolingButton(panel, "&RAM POSITION", this, "PositionButton2", 200);
+    punch_ = ToolingButton(panel, "&PUNCH", this, "PunchButton", 200);
+    exit_ = ToolingButton(panel, "E&XIT", this, "ExitButton", 200);
+    buttons->addWidget(tool_, 0, 0);
+    buttons->addWidget(settings_[0], 0, 1);
+    buttons->addWidget(settings_[1], 1, 1);
+    buttons->addWidget(position_[0], 1, 0);
+    buttons->addWidget(position_[1], 2, 0);
+    buttons->addWidget(punch_, 2, 1);
+    buttons->addWidget(exit_, 3, 1);
+    right->addLayout(buttons);
+    body->addLayout(right);
+    layout->addLayout(body, 1);
+    connect(list_, &QListWidget::currentRowChanged, this, [this] { ShowStation(); });
+    connect(tool_, &QPushButton::clicked, this, [this] { DefineTool(); });
+    connect(settings_[0], &QPushButton::clicked, this, [this] { OpenSettings(1); });
+    connect(settings_[1], &QPushButton::clicked, this, [this] { OpenSettings(2); });
+    connect(position_[0], &QPushButton::clicked, this, [this] { Position(1); });
+    connect(position_[1], &QPushButton::clicked, this, [this] { Position(2); });
+    connect(punch_, &QPushButton::clicked, this, [this] { Punch(); });
+    connect(exit_, &QPushButton::clicked, this, [this] { accept(); });
+}
+
+void TurretForm::Activate() {
+    const Process& process = panel_.State();
+    const std::int16_t profiler = process.Config.Machine.ProfilerKind;
+    settings_[0]->setText(Q(SettingsButtonCaption(profiler)));
+    settings_[1]->setVisible(profiler >= 1);
+    // The sixth setting's caption follows Punch.dat.
+    std::vector<std::string> labels = TurretSettingLabels(process.Tools.Punch);
+    for (std::size_t i = 0; i < 6; ++i) settingLabels_[i]->setText(Q(labels[i]));
+    // The slot's working station is chosen first.
+    FillList(process.Slots[static_cast<std::size_t>(ToolingSlot(process) - 1)].ActiveStation - 1);
+    list_->setFocus();
+}
+
+void TurretForm::FillList(int keepRow) {
+    Process& process = panel_.State();
+    const StationTable& table = ToolingTable(process);
+    list_->blockSignals(true);
+    list_->clear();
+    for (int n = 1; n <= static_cast<int>(table.size()); ++n) list_->addItem(Q(StationRowText(table, n)));
+    list_->blockSignals(false);
+    if (!table.empty()) list_->setCurrentRow(std::clamp(keepRow, 0, static_cast<int>(table.size()) - 1));
+    ShowStation();
+}
+
+void TurretForm::ShowStation() {
+    const StationTable& table = ToolingTable(panel_.State());
+    const int station = CurrentStation();
+    const bool chosen = station >= 1 && station <= static_cast<int>(table.size());
+    const Station* row = chosen ? &table[static_cast<std::size_t>(station - 1)] : nullptr;
+    stationBox_->setText(row ? Q(row->TypeText) : QString());
+    std::vector<std::string> texts = row ? PunchSettingTexts(row->Settings) : std::vector<std::string>(6);
+    for (std::size_t i = 0; i < 6; ++i) settingBoxes_[i]->setText(Q(texts[i]));
+    for (QPushButton* b : {tool_, settings_[0], position_[0], position_[1], punch_}) b->setEnabled(chosen);
+}
+
+void TurretForm::DefineTool() {
+    Process& process = panel_.State();
+    const int station = CurrentStation();
+    const StationTable& table = ToolingTable(process);
+    if (station < 1 || station > static_cast<int>(table.size())) return;
+    auto* dialogue = static_cast<ToolDefDialogue*>(panel_.Forms().Get("ToolDefDialogue"));
+    // Dimensions in the unit of the slot's program.
+    dialogue->Begin(table[static_cast<std::size_t>(station - 1)].Tool,
+                    process.Slots[static_cast<std::size_t>(ToolingSlot(process) - 1)].Imperial);
+    panel_.OpenForm("ToolDefDialogue");
+    if (!dialogue->Accepted()) return;
+    ToolingChange change = DefineTurretTool(process, edits_, station, dialogue->ToolBuffer());
+    FillList(station - 1);
+    if (!change.FileFault.empty()) Warn(change.FileFault);
+}
+
+void TurretForm::OpenSettings(int n) {
+    if (n == 1) {
+        auto* form = static_cast<PunchSettingsForm*>(panel_.Forms().Get("PunchSettingsForm"));
+        form->Begin(CurrentStation());
+        panel_.OpenForm("PunchSettingsForm");
+    } else {
+        panel_.OpenForm("PlasmaSettingsForm");
+    }
+    ShowStation();
+}
+
+void TurretForm::Position(int n) {
+    Conversation talk = panel_.Talk();
+    if (Refusal refusal = TurretPositionButton(panel_.State(), talk, CurrentStation(), n)) Warn(*refusal);
+}
+
+void TurretForm::Punch() {
+    Conversation talk = panel_.Talk();
+    if (Refusal refusal = TurretPunchButton(panel_.State(), talk, CurrentStation())) Warn(*refusal);
+}
+
+void TurretForm::Warn(const std::string& text) { panel_.ShowWarning(text + "\n\n\n", WarningKind::Notice, 1); }
+
+bool TurretForm::FormKey(int code, QKeyEvent&) { return PressMarkedButton(this, code); }
+
+void TurretForm::hideEvent(QHideEvent* event) {
+    PanelForm::hideEvent(event);
+    // The unload: the drawing takes the tools changed while the form was open.
+    if (!edits_.Changes.empty()) LeaveTurret(panel_.State(), edits_);
+}
+
+}  // namespace kirvana
