@@ -121,8 +121,8 @@ std::vector<std::string> WriteCycleRest(const EntityRec& entity, std::int16_t hi
             lines.push_back("P7=" + Num(entity.Points.Position.X) + " P8=" + Num(entity.Points.Position.Y) +
                             " P3=" + Num(first) + " P2=" + Num(entity.Values[12]) +
                             " P1=" + std::to_string(entity.Counts[1] - passed) +
-                            (entity.Counts[2] != 0 ? " P10=-999" : " P10=1") +
-                            " P4=-999 P5=-999 P6=-999 P9=1 G28 R" + Num(entity.Values[5]));
+                            (entity.Counts[2] != 0 ? " P10=-999" : " P10=1") + " P4=-999 P5=-999 P6=-999 P9=1 G28 R" +
+                            Num(entity.Values[5]));
             break;
         }
         default:
@@ -138,9 +138,9 @@ std::vector<std::string> WriteProfileRest(const EntityRec& entity, float x, floa
     // G102 turns clockwise on a machine of orientation 1, G103 on the others.
     const bool clockwise = entity.Values[11] < 0;
     const char* code = clockwise == (orientation == 1) ? "G102" : "G103";
-    return {std::string(code) + " X" + Num(end.X) + " Y" + Num(end.Y) +
-            " I" + Num(static_cast<double>(entity.Points.Position.X) - x) +
-            " J" + Num(static_cast<double>(entity.Points.Position.Y) - y)};
+    return {std::string(code) + " X" + Num(end.X) + " Y" + Num(end.Y) + " I" +
+            Num(static_cast<double>(entity.Points.Position.X) - x) + " J" +
+            Num(static_cast<double>(entity.Points.Position.Y) - y)};
 }
 
 std::vector<std::string> WriteSubroutineTail(const EntityRec& entity, const GatherState& blockState,

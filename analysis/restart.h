@@ -25,11 +25,11 @@ struct RestartRecord {
 
 enum class RestartKind : std::int16_t {
     None = 0,
-    Block = 1,       // from a block chosen in the block list
-    Point = 2,       // from a Punch or a point entity
-    Cycle = 3,       // inside a Linear, Grid or Arc Pattern, at a hit
-    Profile = 4,     // inside a Line or Arc Profile
-    SubPoint = 12,   // as 2, 3, 4 for an entity inside a subroutine: the rest of the call too
+    Block = 1,      // from a block chosen in the block list
+    Point = 2,      // from a Punch or a point entity
+    Cycle = 3,      // inside a Linear, Grid or Arc Pattern, at a hit
+    Profile = 4,    // inside a Line or Arc Profile
+    SubPoint = 12,  // as 2, 3, 4 for an entity inside a subroutine: the rest of the call too
     SubCycle = 13,
     SubProfile = 14,
 };

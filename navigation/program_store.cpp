@@ -11,38 +11,9 @@
 
 namespace kirvana {
 
-namespace fs = std::filesystem;
-
-namespace {
-
-bool HasProgramExtension(const std::string& name) {
-    return name.size() > 4 && UpperCase(std::string_view(name).substr(name.size() - 4)) == ".PRG";
-}
-
-}  // namespace
-
 std::vector<std::string> FillDirectories(const std::string& programRoot) {
     std::vector<std::string> names = ListDirectory(programRoot, true);
     std::erase_if(names, [](const std::string& name) { return UpperCase(name) == SubprogramDirectory; });
-    return names;
-}
-
-std::vector<std::string> FillPrograms(const std::string& directoryPath) {
-    std::vector<std::string> names;
-    std::error_code error;
-    for (fs::directory_iterator it(directoryPath, error), end; !error && it != end; it.increment(error)) {
-        std::string name = it->path().filename().string();
-        std::error_code kindError;
-        if (!HasProgramExtension(name) || it->is_directory(kindError)) continue;
-        names.push_back(name.substr(0, name.size() - 4));
-    }
-    // Upper-cased once, so the sort of a large directory compares without copying.
-    std::vector<std::pair<std::string, std::string>> keyed;
-    keyed.reserve(names.size());
-    for (std::string& name : names) keyed.emplace_back(UpperCase(name), std::move(name));
-    std::sort(keyed.begin(), keyed.end());
-    names.clear();
-    for (auto& [key, name] : keyed) names.push_back(std::move(name));
     return names;
 }
 

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "files/program_store.h"
+
 namespace kirvana {
 
 // The directory that holds the shared sub-programs: never listed.
@@ -14,9 +16,7 @@ inline constexpr const char* SubprogramDirectory = "EXSUBS";
 
 // The subdirectories of the programs root, sorted by name with case ignored, without "EXSUBS".
 std::vector<std::string> FillDirectories(const std::string& programRoot);
-// The programs of a directory (its `*.prg`, the extension in any case), without extension,
-// sorted by name with case ignored. `directoryPath` ends in "/".
-std::vector<std::string> FillPrograms(const std::string& directoryPath);
+// The programs of a directory: FillPrograms of files/program_store.h.
 
 // A row of SearchForm's list.
 struct ProgramMatch {

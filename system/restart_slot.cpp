@@ -90,9 +90,9 @@ bool GetGoing(Conversation& talk, const Process& process, int slot, const Restar
               const GetGoingHooks& hooks) {
     // 1. "Restart.txt" anew.
     const SlotRecord& slotRecord = Record(process, slot);
-    (void)WriteFileText(process.Config.Dirs.ServiceDir + "Restart.txt",
-                        RestartReport(slotRecord.ProgramName, slotRecord.ProgramDirName, ReportTime(),
-                                      point.Record.BlockState));
+    (void)WriteFileText(
+        process.Config.Dirs.ServiceDir + "Restart.txt",
+        RestartReport(slotRecord.ProgramName, slotRecord.ProgramDirName, ReportTime(), point.Record.BlockState));
     // 2. The hits done, and program 5 as the active one.
     const RestartCommands commands = GetGoingCommands(slot, point.Record);
     for (const std::string& command : commands.BeforeStart) talk.Download(command);

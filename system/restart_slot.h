@@ -34,8 +34,7 @@ std::string BlockSlotRestart(const Process& process, int slot, std::int32_t bloc
 
 // The restart program's lines for the slot, with "Gather.rep" of the controller directory, the
 // reload answer and the slot's turret and subroutine file.
-std::vector<std::string> SlotRestartProgram(const Process& process, int slot, const RestartPoint& point,
-                                            bool reloaded);
+std::vector<std::string> SlotRestartProgram(const Process& process, int slot, const RestartPoint& point, bool reloaded);
 
 // Writes the lines to RootDir + "DownPrg.tmp" and downloads the file, logged as "DownProgram".
 // False when the file could not be written; nothing is sent then.
@@ -43,9 +42,9 @@ bool DownRestartProgram(Conversation& talk, const std::string& rootDir, const st
 
 // What the wait for the cycle start asks of the screen.
 struct GetGoingHooks {
-    std::function<void(bool lit)> Blink;     // the cycle start label green (lit) or back
-    std::function<bool()> ExitRequested;     // the operator left through the exit button
-    std::function<void()> ProcessEvents;     // screen events between reads
+    std::function<void(bool lit)> Blink;  // the cycle start label green (lit) or back
+    std::function<bool()> ExitRequested;  // the operator left through the exit button
+    std::function<void()> ProcessEvents;  // screen events between reads
 };
 
 // "Restart.txt" anew, the hits and slot 5 to the card, the blinking wait until the status word

@@ -62,7 +62,8 @@ bool Holds(const std::vector<std::string>& lines, const std::string& line) {
     return std::find(lines.begin(), lines.end(), line) != lines.end();
 }
 
-const char* const LinearProgram = "N0001 G90 T1\nN0002 G81 X100 Y100\nN0003 G26 X200 Y100 P1=5 P2=10 P5=0\nN0004 G81 X300 Y300\n";
+const char* const LinearProgram =
+    "N0001 G90 T1\nN0002 G81 X100 Y100\nN0003 G26 X200 Y100 P1=5 P2=10 P5=0\nN0004 G81 X300 Y300\n";
 
 TEST(Restart, AtHitOneOfAPatternTheWholePatternAgain) {
     Slot slot(LinearProgram);
@@ -100,13 +101,13 @@ TEST(Restart, ArcPatternFromAHit) {
     EntityRec arc = slot.Record(2);
     ASSERT_EQ(arc.Kind, EntityKind::ArcPattern);
     EXPECT_EQ(WriteCycleRest(arc, 3),
-              std::vector<std::string>{
-                  "P7=500 P8=500 P3=60 P2=30 P1=2 P10=-999 P4=-999 P5=-999 P6=-999 P9=1 G28 R50"});
+              std::vector<std::string>{"P7=500 P8=500 P3=60 P2=30 P1=2 P10=-999 P4=-999 P5=-999 P6=-999 P9=1 G28 R50"});
 }
 
 TEST(Restart, HitPositionsAreTheExpandedHits) {
-    Slot slot("N0001 G90 T20 C30\nN0002 G26 X100 Y100 P1=3 P2=10 P3=2 P4=20 P5=30\n"
-              "N0003 G28 X500 Y500 P7=500 P8=500 R50 P1=4 P2=30 P3=10\nN0004 G01 X600 Y600 P8=7\n");
+    Slot slot(
+        "N0001 G90 T20 C30\nN0002 G26 X100 Y100 P1=3 P2=10 P3=2 P4=20 P5=30\n"
+        "N0003 G28 X500 Y500 P7=500 P8=500 R50 P1=4 P2=30 P3=10\nN0004 G01 X600 Y600 P8=7\n");
     ASSERT_TRUE(ExpandDrawing(slot.Stem()).Done);
     DrawingFile dr1;
     ASSERT_TRUE(dr1.Open(slot.Stem() + "dr1", true));
@@ -191,8 +192,9 @@ TEST(Restart, NoRepositionNoQuestion) {
 }
 
 TEST(Restart, PositiveAnswerEndsEveryG95LineInP6Minus999) {
-    Slot slot("N0001 G90 T1\nN0002 G95 I100 J2\nN0003 G81 X10 Y10\nN0004 G95 I50 J1\n"
-              "N0005 G26 X200 Y100 P1=5 P2=10 P5=0\n");
+    Slot slot(
+        "N0001 G90 T1\nN0002 G95 I100 J2\nN0003 G81 X10 Y10\nN0004 G95 I50 J1\n"
+        "N0005 G26 X200 Y100 P1=5 P2=10 P5=0\n");
     RestartPoint point;
     ASSERT_EQ(slot.Find(5, 3, point), "");
     for (bool reloaded : {true, false}) {
@@ -217,9 +219,9 @@ TEST(Restart, ProgramLinesInTheirOrder) {
         "CLOSE", "OPEN PROG 5", "CLEAR", "G00 G05 G90 G71", "G93 X0 Y0", "G53",
         // The restart position: hit 4 of the row, mirrored in X round the G56 origin.
         "G80 X-235 Y106 C0 T3",
-        "P1=2 P5=180 P7=10 P2=-999 P3=-999 P4=-999 P6=-999 P8=-999 P9=1 P10=0 P11=0 G26 X-235 Y106",
-        "G93 X0 Y0", "G56 X-5 Y6", "M11", "G90 G71", "Q190=Q190--5", "Q191=Q191-6", "Q198=Q198--5",
-        "Q199=Q199-6", "P1022=P1022|16384", "P1022=P1022-32768", "CLOSE"};
+        "P1=2 P5=180 P7=10 P2=-999 P3=-999 P4=-999 P6=-999 P8=-999 P9=1 P10=0 P11=0 G26 X-235 Y106", "G93 X0 Y0",
+        "G56 X-5 Y6", "M11", "G90 G71", "Q190=Q190--5", "Q191=Q191-6", "Q198=Q198--5", "Q199=Q199-6",
+        "P1022=P1022|16384", "P1022=P1022-32768", "CLOSE"};
     EXPECT_EQ(slot.Program(point), expected);
 }
 
