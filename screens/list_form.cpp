@@ -10,6 +10,12 @@ ListForm::ListForm(Panel& panel) : PanelForm(panel, "ListForm") {
     port_.SetEventHandler([this] { PortEvent(); });
 }
 
+void ListForm::showEvent(QShowEvent* event) {
+    PanelForm::showEvent(event);
+    QMetaObject::invokeMethod(
+        this, [this] { reject(); }, Qt::QueuedConnection);
+}
+
 void ListForm::ReadSettings() {
     const Directories& dirs = panel_.State().Config.Dirs;
     auto read = ReadCommSettings(dirs.DataDir);

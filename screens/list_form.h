@@ -26,6 +26,10 @@ public:
     // What the start found wrong with Control.cms or the port; "" when all is well.
     const std::string& Note() const { return note_; }
 
+protected:
+    // A carrier, never a screen: shown by mistake, it goes at once.
+    void showEvent(QShowEvent* event) override;
+
 private:
     void ShowReceived();
 
