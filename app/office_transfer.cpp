@@ -37,7 +37,8 @@ int TransferSetup(const std::string& root, const std::string& port, Installation
         return 3;
     }
     settings = *read;
-    for (const std::string& problem : settings.Problems) std::fprintf(stderr, "%s: %s\n", CommSettingsFile, problem.c_str());
+    for (const std::string& problem : settings.Problems)
+        std::fprintf(stderr, "%s: %s\n", CommSettingsFile, problem.c_str());
     if (!port.empty()) settings.PortDevicePath = port;
     return 0;
 }

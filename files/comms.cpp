@@ -1,5 +1,7 @@
 #include "files/comms.h"
 
+#include <algorithm>
+
 #include "core/text.h"
 #include "files/durable_file.h"
 

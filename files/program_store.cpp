@@ -54,7 +54,26 @@ std::vector<std::string> FillDirectories(const std::string& directory, const std
     return list;
 }
 
-std::vector<std::string> FillPrograms(const std::string& directory) { return FillFiles(directory, ".prg"); }
+std::vector<std::string> FillPrograms(const std::string& directory) {
+    std::vector<std::string> names;
+    std::error_code error;
+    for (fs::directory_iterator it(directory, error), end; !error && it != end; it.increment(error)) {
+        std::string name = it->path().filename().string();
+        std::error_code kindError;
+        if (name.size() <= 4 || UpperCase(std::string_view(name).substr(name.size() - 4)) != ".PRG" ||
+            it->is_directory(kindError))
+            continue;
+        names.push_back(name.substr(0, name.size() - 4));
+    }
+    // Upper-cased once, so the sort of a large directory compares without copying.
+    std::vector<std::pair<std::string, std::string>> keyed;
+    keyed.reserve(names.size());
+    for (std::string& name : names) keyed.emplace_back(UpperCase(name), std::move(name));
+    std::sort(keyed.begin(), keyed.end());
+    names.clear();
+    for (auto& [key, name] : keyed) names.push_back(std::move(name));
+    return names;
+}
 
 std::vector<std::string> FillFiles(const std::string& directory, std::string_view extension) {
     std::vector<std::string> list;

@@ -56,8 +56,8 @@ std::string NewProgramName(const std::string& directory) {
     return "";
 }
 
-ProgramReceiver::ProgramReceiver(const CommSettings& settings, ReceivePlaces places)
-    : settings_(settings), places_(std::move(places)) {}
+ProgramReceiver::ProgramReceiver(const CommSettings& settings, ReceivePlaces places, std::size_t limit)
+    : settings_(settings), places_(std::move(places)), limit_(limit) {}
 
 ProgramReceiver::~ProgramReceiver() { CloseTmp(); }
 
@@ -113,7 +113,7 @@ void ProgramReceiver::ReceiveChars(std::string_view text) {
         }
         // 5. Otherwise the character goes to the file as it came.
         if (!keep) continue;
-        if (tmpBytes_ >= ReceiveLimit) {
+        if (tmpBytes_ >= limit_) {
             tmpOverflow_ = true;
             continue;
         }

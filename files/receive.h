@@ -39,7 +39,8 @@ inline constexpr std::size_t ReceiveLimit = 64u << 20;
 
 class ProgramReceiver {
 public:
-    ProgramReceiver(const CommSettings& settings, ReceivePlaces places);
+    // `limit`: the most one stream may hold.
+    ProgramReceiver(const CommSettings& settings, ReceivePlaces places, std::size_t limit = ReceiveLimit);
     ~ProgramReceiver();
     ProgramReceiver(const ProgramReceiver&) = delete;
     ProgramReceiver& operator=(const ProgramReceiver&) = delete;
@@ -74,6 +75,7 @@ private:
     std::string tmpPath_;
     std::string helpPath_;
     std::FILE* tmp_ = nullptr;
+    std::size_t limit_;
     std::size_t tmpBytes_ = 0;
     bool tmpFailed_ = false;
     bool tmpOverflow_ = false;

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "files/program_store.h"
+
 namespace kirvana {
 
 // A row of SearchForm's list.

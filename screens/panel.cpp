@@ -10,6 +10,7 @@
 
 #include "navigation/pad_entry.h"
 #include "navigation/program_change.h"
+#include "screens/file_forms.h"
 #include "screens/front_end.h"
 #include "screens/machine_forms.h"
 #include "screens/message_form.h"
@@ -63,6 +64,7 @@ void Panel::RegisterForms() {
     RegisterProgramForms(*this, forms_);
     RegisterToolingForms(*this, forms_);
     RegisterMachineForms(forms_, *this);
+    RegisterFileForms(*this);
 }
 
 int Panel::Start(const std::string& root) {

@@ -225,6 +225,21 @@ TEST_F(Receiving, BinaryGarbageIsFiledOrRefusedNeverOutside) {
     }
 }
 
+// A stream beyond the limit is not kept on and is refused when it ends.
+TEST_F(Receiving, AStreamBeyondTheLimitIsRefused) {
+    ProgramReceiver r(settings, places, 5000);
+    r.Prepare();
+    std::string chunk(1000, 'X');
+    for (int n = 0; n < 7; ++n) r.ReceiveChars(chunk);
+    EXPECT_EQ(fs::file_size(r.ReceiveTmpPath()), 5000u);
+    r.ReceiveChars(settings.SendTrailer);
+    std::vector<ReceivedProgram> results = r.TakeResults();
+    ASSERT_EQ(results.size(), 1u);
+    EXPECT_EQ(results[0].Refusal, "Program Too Long !");
+    EXPECT_FALSE(fs::exists(dir.Path() + "Programs/Current/New Program 1.prg"));
+    fs::remove(results[0].KeptAs);
+}
+
 TEST_F(Receiving, TheHelpListIsStartedAnewWhenUnderFourBytes) {
     dir.Write("Messages/Help/Receive.hlp", "ab\n");
     ProgramReceiver r(settings, places);

@@ -101,8 +101,9 @@ TEST_F(OfficeTransfer, RefusalsAndExitCodes) {
     EXPECT_EQ(Run("receive --root " + root + " --port " + pty.Path(), &output), 3);
     EXPECT_NE(output.find("Control.cms: missing or unreadable"), std::string::npos);
     EXPECT_EQ(Run("send --help", &output), 0);
-    EXPECT_EQ(output, "usage: kirvana-office send --root ROOT --dir DIR --program NAME [--port DEV]   send a program over "
-                      "the RS232 port\n");
+    EXPECT_EQ(output,
+              "usage: kirvana-office send --root ROOT --dir DIR --program NAME [--port DEV]   send a program over "
+              "the RS232 port\n");
 }
 
 }  // namespace
