@@ -1,6 +1,5 @@
-// The hits of the patterns as every reader of a drawing works them out again: the grid walked
-// to and fro (the outline and the expansion), and the hits of each pattern (the expansion and
-// the plot). Positions run in double precision.
+// The hits of a Grid Pattern, walked to and fro, as both the outline and the expansion of a
+// grid walk them. Positions run in double precision.
 #pragma once
 
 #include "analysis/entity.h"
@@ -63,52 +62,6 @@ bool WalkGrid(const GridWalk& grid, double x, double y, Visit&& visit) {
         direction += 180;
     }
     return true;
-}
-
-// Calls hit(x, y, cAngle) for every hit of a Linear (220), Grid (225) or Arc Pattern (230) as
-// the expansion makes them; cAngle is null where the hit keeps the pattern's C angle. A hit
-// returning false ends the walk. Other kinds have no hits here.
-template <typename Hit>
-void WalkPatternHits(const EntityRec& rec, Hit&& hit) {
-    switch (rec.Kind) {
-        case EntityKind::LinearPattern: {
-            // From Entry, the polar step (pitch, angle) worked out once and added for each
-            // further hit.
-            double stepX = 0, stepY = 0;
-            PolarToXY(rec.Values[2], rec.Values[10], stepX, stepY);
-            double x = rec.Points.Entry.X;
-            double y = rec.Points.Entry.Y;
-            for (int k = 1; k <= rec.Counts[1]; ++k) {
-                if (!hit(x, y, static_cast<const double*>(nullptr))) return;
-                x += stepX;
-                y += stepY;
-            }
-            return;
-        }
-        case EntityKind::GridPattern:
-            // Rows walked to and fro from Entry.
-            WalkGrid(GridParameters(rec), rec.Points.Entry.X, rec.Points.Entry.Y,
-                     [&](int, int, double x, double y) { return hit(x, y, static_cast<const double*>(nullptr)); });
-            return;
-        case EntityKind::ArcPattern: {
-            // Hit k at the radius copy and the first angle's copy plus k steps, from the centre
-            // afresh; the C angle the base, turning with the pattern when Counts[2] says so.
-            const double radius = rec.Values[5];
-            const double first = rec.Values[13];
-            const double step = rec.Values[12];
-            const double base = rec.CycleRotate != 0 ? rec.Values[15] : rec.Tool.Extra1;
-            const bool turns = rec.Counts[2] != 0;
-            for (int k = 0; k < rec.Counts[1]; ++k) {
-                double dx = 0, dy = 0;
-                PolarToXY(radius, first + k * step, dx, dy);
-                const double c = turns ? base + k * step : base;
-                if (!hit(rec.Points.Position.X + dx, rec.Points.Position.Y + dy, &c)) return;
-            }
-            return;
-        }
-        default:
-            return;
-    }
 }
 
 }  // namespace kirvana
