@@ -3,6 +3,7 @@
 #include <QGridLayout>
 #include <QKeyEvent>
 
+#include "core/text.h"
 #include "navigation/navigation.h"
 #include "navigation/program_choice.h"
 #include "screens/panel.h"
@@ -57,12 +58,24 @@ EditProgForm::EditProgForm(Panel& panel) : PanelForm(panel, "EditProgForm") {
 
 bool EditProgForm::Begin(const std::string& directory, const std::string& program) {
     std::string path = ProgramPath(panel_.State().Config.Dirs.ProgramRoot, directory, program);
-    program_ = program;
-    if (path.empty() || !editor_.Load(path)) {
-        panel_.ShowWarning(SaveFaultText(path.empty() ? program : path) + "\n\n\n", WarningKind::Notice, 1);
+    if (path.empty()) {
+        panel_.ShowWarning(SaveFaultText(program) + "\n\n\n", WarningKind::Notice, 1);
         return false;
     }
-    file_->setText(Q(directory + " / " + program));
+    return Load(path, program, directory + " / " + program);
+}
+
+bool EditProgForm::BeginFile(const std::string& path, const std::string& title) {
+    return Load(path, FileNameOf(path), title);
+}
+
+bool EditProgForm::Load(const std::string& path, const std::string& name, const std::string& title) {
+    program_ = name;
+    if (!editor_.Load(path)) {
+        panel_.ShowWarning(SaveFaultText(path) + "\n\n\n", WarningKind::Notice, 1);
+        return false;
+    }
+    file_->setText(Q(title));
     findLabel_->clear();
     Refill(0);
     return true;

@@ -20,6 +20,9 @@ public:
     explicit EditProgForm(Panel& panel);
     // Loads the program of the store; false (told to the operator) when it cannot be read.
     bool Begin(const std::string& directory, const std::string& program);
+    // Loads any text file of the installation under a title of its own (the RS232 settings);
+    // false (told to the operator) when it cannot be read.
+    bool BeginFile(const std::string& path, const std::string& title);
     void Activate() override;
 
     QListWidget* LineList() { return lines_; }
@@ -35,6 +38,7 @@ protected:
     void reject() override;
 
 private:
+    bool Load(const std::string& path, const std::string& name, const std::string& title);
     void Refill(std::size_t current);
     void ChangeLine();
     void InsertLine();

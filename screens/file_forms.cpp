@@ -6,7 +6,9 @@
 
 #include "core/names.h"
 #include "core/paths.h"
+#include "files/comm_settings.h"
 #include "files/program_store.h"
+#include "screens/edit_prog_form.h"
 #include "screens/list_form.h"
 #include "screens/panel.h"
 #include "screens/panel_style.h"
@@ -136,8 +138,7 @@ FileHandleForm::FileHandleForm(Panel& panel) : PanelForm(panel, "FileHandleForm"
     connect(send, &QPushButton::clicked, this, [this] { OpenSend(); });
     comms->addWidget(send);
     QPushButton* setup = StyledButton("SET&UP", this, c, "CommsButton2", 240);
-    setup->setEnabled(false);
-    setup->setToolTip("RS232 Communication Settings: Data/Control.cms");
+    connect(setup, &QPushButton::clicked, this, [this] { OpenSetup(); });
     comms->addWidget(setup);
     comms->addStretch(1);
     layout->addLayout(frames, 1);
@@ -153,6 +154,10 @@ bool FileHandleForm::FormKey(int code, QKeyEvent&) {
     }
     if (code == 'S') {
         OpenSend();
+        return true;
+    }
+    if (code == 'U') {
+        OpenSetup();
         return true;
     }
     if (code == 'X') {
@@ -178,6 +183,13 @@ void FileHandleForm::OpenSend() {
     // Only with a port configured.
     auto* list = static_cast<ListForm*>(panel_.Forms().Get("ListForm"));
     if (list->Comms() && list->Comms()->Settings().TransferOn()) panel_.OpenForm("SendForm");
+}
+
+void FileHandleForm::OpenSetup() {
+    // The installer's text editor on the line settings; they are read at the next start.
+    auto* editor = static_cast<EditProgForm*>(panel_.Forms().Get("EditProgForm"));
+    const std::string path = panel_.State().Config.Dirs.DataDir + CommSettingsFile;
+    if (editor->BeginFile(path, "RS232 Communication Settings")) panel_.OpenForm("EditProgForm");
 }
 
 FileForm::FileForm(Panel& panel) : PanelForm(panel, "FileForm") {

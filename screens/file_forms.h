@@ -47,6 +47,7 @@ protected:
 private:
     void OpenJob(FileJob job);
     void OpenSend();
+    void OpenSetup();
 };
 
 class FileForm : public PanelForm {

@@ -4,6 +4,7 @@
 #include <QListWidget>
 #include <thread>
 
+#include "screens/edit_prog_form.h"
 #include "screens/file_forms.h"
 #include "screens/list_form.h"
 #include "screens/panel_capture.h"
@@ -90,6 +91,28 @@ TEST_F(FileScreens, F6OpensTheFileMenu) {
     });
     Key(key::F6);
     EXPECT_TRUE(shown);
+}
+
+TEST_F(FileScreens, SetupEditsTheLineSettingsInTheTextEditor) {
+    SerialOn();
+    ASSERT_EQ(Start(), 0);
+    std::string title, firstLine, shownAs;
+    WhenModal([&](QWidget* menu) {
+        WhenModal([&](QWidget* editor) {
+            shownAs = editor->objectName().toStdString();
+            auto* form = static_cast<EditProgForm*>(editor);
+            title = form->FileLabel()->text().toStdString();
+            firstLine = form->Editor().Lines().at(0);
+            Shot(P(), "file_handle_setup");
+            editor->close();
+        });
+        ButtonOf(menu, "CommsButton2")->click();
+        menu->close();
+    });
+    Key(key::F6);
+    EXPECT_EQ(shownAs, "EditProgForm");
+    EXPECT_EQ(title, "RS232 Communication Settings");
+    EXPECT_EQ(firstLine, "RS232");
 }
 
 TEST_F(FileScreens, DeleteAProgramByTouch) {
