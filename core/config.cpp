@@ -308,4 +308,10 @@ std::string ReadServiceProgram(const Directories& dirs) {
     return path;
 }
 
+ConfigResult RequireCommSettingsFile(const Directories& dirs) {
+    std::vector<std::string> lines;
+    const std::string path = dirs.DataDir + "Control.cms";
+    return ReadRequired(dirs, path, path, lines);
+}
+
 }  // namespace kirvana

@@ -108,6 +108,9 @@ void DeriveDirectories(Directories& dirs);
 // the start: PMAC, Messages, Messages/Help, Data, Settings, Service, RevSubs, Tools, Dialogue,
 // Dialogue/Reverse.
 ConfigResult CreateInstallationDirs(const Directories& dirs);
+// The serial line's settings file, Control.cms in DataDir, must be there and readable at start
+// (its lines are read by the serial transfer); NoteFile first.
+ConfigResult RequireCommSettingsFile(const Directories& dirs);
 // Reads Control.cfg from the current directory, derives and creates the directories,
 // settles the current program directory and writes Control.cfg back.
 ConfigResult ReadControlConfig(Installation& installation);

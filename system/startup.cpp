@@ -108,6 +108,8 @@ StartOutcome Main(Process& process, StartupPlatform& platform, CardLink* link, c
     talk.Download(card::Assignment(card::ActiveSlot, std::to_string(config.ActiveSlot)));
     // 15. Dialogue work program, serial settings, receiving files.
     Run(steps.ReadDialogueProgram, process);
+    if (ConfigResult missing = RequireCommSettingsFile(config.Dirs))
+        return {StartOutcome::Kind::ConfigurationFault, *missing};
     Run(steps.ReadSerialSettings, process);
     Run(steps.PrepareReceiveFiles, process);
     // 16. The splash stays its full time.

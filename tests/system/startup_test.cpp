@@ -196,7 +196,8 @@ TEST_F(StartupTest, NoLinkAtAllCountsAsACardThatDoesNotOpen) {
 }
 
 TEST_F(StartupTest, MissingRequiredFilesEndTheStartNamingTheFile) {
-    for (const char* file : {"Data/Machine.dat", "Data/Machine.stn", "Messages/IO.msg", "Messages/Logic.msg"}) {
+    for (const char* file :
+         {"Data/Machine.dat", "Data/Machine.stn", "Messages/IO.msg", "Messages/Logic.msg", "Data/Control.cms"}) {
         std::filesystem::copy_file(file, std::string(file) + ".keep");
         std::filesystem::remove(file);
         Process p;
