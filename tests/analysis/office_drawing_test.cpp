@@ -9,28 +9,10 @@
 #include "analysis/drawing_listing.h"
 #include "analysis/tool_outline.h"
 #include "tests/core/temp_dir.h"
+#include "tests/support/office_run.h"
 
 namespace kirvana {
 namespace {
-
-struct OfficeRun {
-    int Code = -1;
-    std::string Output;
-};
-
-// Runs kirvana-office with the arguments; stdout only.
-OfficeRun Office(const std::string& arguments) {
-    OfficeRun run;
-    std::string command = std::string(KIRVANA_OFFICE) + " " + arguments + " 2>/dev/null";
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return run;
-    char buffer[4096];
-    std::size_t n;
-    while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) run.Output.append(buffer, n);
-    int status = pclose(pipe);
-    run.Code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
-}
 
 void WriteDrawing(const std::string& path) {
     DrawingFile file;
@@ -59,7 +41,7 @@ TEST(OfficeDrawing, ExpandPrintsTheHitsAndDrawingListsTheRecords) {
     TempDir dir;
     const std::string stem = dir.Path() + "part.";
     WriteDrawing(stem + "drw");
-    OfficeRun expand = Office("expand " + stem);
+    OfficeRun expand = RunOffice("expand " + stem);
     EXPECT_EQ(expand.Code, 0);
     EXPECT_EQ(expand.Output, "hits: 4\n");
 
@@ -67,7 +49,7 @@ TEST(OfficeDrawing, ExpandPrintsTheHitsAndDrawingListsTheRecords) {
     ASSERT_TRUE(expanded.Open(stem + "dr1", true));
     std::string listing;
     for (const auto& line : ListDrawing(expanded)) listing += line + "\n";
-    OfficeRun drawing = Office("drawing " + stem + "dr1");
+    OfficeRun drawing = RunOffice("drawing " + stem + "dr1");
     EXPECT_EQ(drawing.Code, 0);
     EXPECT_EQ(drawing.Output, listing);
     EXPECT_EQ(drawing.Output.substr(0, 31), "count 5, 5 records in the file\n");
@@ -76,10 +58,10 @@ TEST(OfficeDrawing, ExpandPrintsTheHitsAndDrawingListsTheRecords) {
 
 TEST(OfficeDrawing, BadUsageAndMissingFiles) {
     TempDir dir;
-    EXPECT_EQ(Office("drawing").Code, 2);
-    EXPECT_EQ(Office("expand").Code, 2);
-    EXPECT_EQ(Office("drawing " + dir.Path() + "none.drw").Code, 1);
-    EXPECT_EQ(Office("expand " + dir.Path() + "none.").Code, 1);
+    EXPECT_EQ(RunOffice("drawing").Code, 2);
+    EXPECT_EQ(RunOffice("expand").Code, 2);
+    EXPECT_EQ(RunOffice("drawing " + dir.Path() + "none.drw").Code, 1);
+    EXPECT_EQ(RunOffice("expand " + dir.Path() + "none.").Code, 1);
 }
 
 TEST(OfficeDrawing, AnyBytesAreListed) {
@@ -87,10 +69,10 @@ TEST(OfficeDrawing, AnyBytesAreListed) {
     std::string bytes;
     for (int i = 0; i < 3000; ++i) bytes += static_cast<char>((i * 37) & 0xFF);
     dir.Write("junk.drw", bytes);
-    OfficeRun run = Office("drawing " + dir.Path() + "junk.drw");
+    OfficeRun run = RunOffice("drawing " + dir.Path() + "junk.drw");
     EXPECT_EQ(run.Code, 0);
     EXPECT_EQ(run.Output.rfind("count ", 0), 0u);
-    EXPECT_EQ(Office("expand " + dir.Path() + "junk.").Code, 0);
+    EXPECT_EQ(RunOffice("expand " + dir.Path() + "junk.").Code, 0);
 }
 
 }  // namespace

@@ -8,27 +8,10 @@
 #include <string>
 
 #include "tests/core/temp_dir.h"
+#include "tests/support/office_run.h"
 
 namespace kirvana {
 namespace {
-
-struct OfficeRun {
-    int Code = -1;
-    std::string Output;
-};
-
-OfficeRun Office(const std::string& arguments) {
-    OfficeRun run;
-    std::string command = std::string(KIRVANA_OFFICE) + " " + arguments + " 2>/dev/null";
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return run;
-    char buffer[4096];
-    std::size_t n;
-    while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) run.Output.append(buffer, n);
-    int status = pclose(pipe);
-    run.Code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
-}
 
 // The demo installation copied, with GRID03 selected into slot 1.
 struct OfficeRestart : ::testing::Test {
@@ -44,9 +27,9 @@ struct OfficeRestart : ::testing::Test {
 };
 
 TEST_F(OfficeRestart, PrintsTheStateAndTheRestartProgram) {
-    ASSERT_EQ(Office("select --root " + root + " --dir Dorvenis --program GRID03").Code, 0);
+    ASSERT_EQ(RunOffice("select --root " + root + " --dir Dorvenis --program GRID03").Code, 0);
     // Hit 5 of the grid, the third record.
-    OfficeRun run = Office("restart " + stem + " --root " + root + " --record 3 --hit 5");
+    OfficeRun run = RunOffice("restart " + stem + " --root " + root + " --record 3 --hit 5");
     EXPECT_EQ(run.Code, 0);
     EXPECT_NE(run.Output.find("Restart kind : 3\nRestart hit  : 5\n"), std::string::npos);
     EXPECT_NE(run.Output.find("X Position   : 280\nY Position   : 200\nC Position   : 0\nHits So Far  : 5\n"),
@@ -55,22 +38,22 @@ TEST_F(OfficeRestart, PrintsTheStateAndTheRestartProgram) {
     EXPECT_NE(run.Output.find("\nP1=6 P5=0 P7=20 "), std::string::npos);
     EXPECT_NE(run.Output.find("Run command  : B1.00009R\n"), std::string::npos);
     // From a block of the main text.
-    OfficeRun block = Office("restart " + stem + " --root " + root + " --block 10");
+    OfficeRun block = RunOffice("restart " + stem + " --root " + root + " --block 10");
     EXPECT_EQ(block.Code, 0);
     EXPECT_NE(block.Output.find("Restart kind : 1\n"), std::string::npos);
 }
 
 TEST_F(OfficeRestart, BadInputIsRefused) {
-    ASSERT_EQ(Office("select --root " + root + " --dir Dorvenis --program GRID03").Code, 0);
-    EXPECT_EQ(Office("restart " + stem + " --root " + root + " --record 9 --hit 1").Code, 1);
-    EXPECT_EQ(Office("restart " + stem + " --root " + root + " --record 3 --hit 51").Code, 1);
-    EXPECT_EQ(Office("restart " + stem + " --root " + root + " --block 99").Code, 1);
-    EXPECT_EQ(Office("restart " + stem + " --root " + root + " --record 3").Code, 2);
-    EXPECT_EQ(Office("restart " + stem + " --root " + root + " --block 2 --hit 1").Code, 2);
-    EXPECT_EQ(Office("restart " + stem + " --root " + root + " --block x").Code, 2);
-    EXPECT_EQ(Office("restart " + stem + " --root " + root + " --block 2 --reloaded maybe").Code, 2);
-    EXPECT_EQ(Office("restart " + root + "/None. --root " + root + " --block 1").Code, 1);
-    OfficeRun help = Office("restart --help");
+    ASSERT_EQ(RunOffice("select --root " + root + " --dir Dorvenis --program GRID03").Code, 0);
+    EXPECT_EQ(RunOffice("restart " + stem + " --root " + root + " --record 9 --hit 1").Code, 1);
+    EXPECT_EQ(RunOffice("restart " + stem + " --root " + root + " --record 3 --hit 51").Code, 1);
+    EXPECT_EQ(RunOffice("restart " + stem + " --root " + root + " --block 99").Code, 1);
+    EXPECT_EQ(RunOffice("restart " + stem + " --root " + root + " --record 3").Code, 2);
+    EXPECT_EQ(RunOffice("restart " + stem + " --root " + root + " --block 2 --hit 1").Code, 2);
+    EXPECT_EQ(RunOffice("restart " + stem + " --root " + root + " --block x").Code, 2);
+    EXPECT_EQ(RunOffice("restart " + stem + " --root " + root + " --block 2 --reloaded maybe").Code, 2);
+    EXPECT_EQ(RunOffice("restart " + root + "/None. --root " + root + " --block 1").Code, 1);
+    OfficeRun help = RunOffice("restart --help");
     EXPECT_EQ(help.Code, 0);
     EXPECT_NE(help.Output.find("--record R --hit H"), std::string::npos);
 }

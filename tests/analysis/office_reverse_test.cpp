@@ -10,27 +10,10 @@
 
 #include "analysis/drawing_file.h"
 #include "tests/core/temp_dir.h"
+#include "tests/support/office_run.h"
 
 namespace kirvana {
 namespace {
-
-struct OfficeRun {
-    int Code = -1;
-    std::string Output;
-};
-
-OfficeRun Office(const std::string& arguments) {
-    OfficeRun run;
-    std::string command = std::string(KIRVANA_OFFICE) + " " + arguments + " 2>/dev/null";
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return run;
-    char buffer[4096];
-    std::size_t n;
-    while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) run.Output.append(buffer, n);
-    int status = pclose(pipe);
-    run.Code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
-}
 
 std::string ReadText(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
@@ -52,7 +35,7 @@ TEST(OfficeReverse, DrawsTheProgramAndPrintsCountAndRecords) {
     const std::string root = Installation(dir);
     dir.Write("Slot.M1", "N0001 ;SHEET SIZE : 2500 x 1250\nN0002 G90 T1\nN0003 G80 X100 Y100\nN0004 G81 X200 Y100\n");
     dir.Write("Slot.M2", "");
-    OfficeRun reverse = Office("reverse " + dir.Path() + "Slot. --root " + root + " --program PART --dir DEMO");
+    OfficeRun reverse = RunOffice("reverse " + dir.Path() + "Slot. --root " + root + " --program PART --dir DEMO");
     EXPECT_EQ(reverse.Code, 0);
     EXPECT_EQ(reverse.Output, "critical errors: 0\nrecords: 3\n");
     DrawingFile drawing;
@@ -68,7 +51,7 @@ TEST(OfficeReverse, CriticalErrorsGiveExitCodeOne) {
     TempDir dir;
     const std::string root = Installation(dir);
     dir.Write("Slot.M1", "N0001 G90 T1\nN0002 G64 X100 Y100 J20 B1\n");
-    OfficeRun reverse = Office("reverse " + dir.Path() + "Slot. --root " + root + " --program PART --dir DEMO");
+    OfficeRun reverse = RunOffice("reverse " + dir.Path() + "Slot. --root " + root + " --program PART --dir DEMO");
     EXPECT_EQ(reverse.Code, 1);
     EXPECT_EQ(reverse.Output, "critical errors: 1\nrecords: 1\n");
     EXPECT_NE(
@@ -79,9 +62,9 @@ TEST(OfficeReverse, CriticalErrorsGiveExitCodeOne) {
 TEST(OfficeReverse, BadUsageAndMissingFiles) {
     TempDir dir;
     const std::string root = Installation(dir);
-    EXPECT_EQ(Office("reverse").Code, 2);
-    EXPECT_EQ(Office("reverse " + dir.Path() + "Slot. --root " + root).Code, 2);
-    EXPECT_EQ(Office("reverse " + dir.Path() + "None. --root " + root + " --program P --dir D").Code, 1);
+    EXPECT_EQ(RunOffice("reverse").Code, 2);
+    EXPECT_EQ(RunOffice("reverse " + dir.Path() + "Slot. --root " + root).Code, 2);
+    EXPECT_EQ(RunOffice("reverse " + dir.Path() + "None. --root " + root + " --program P --dir D").Code, 1);
 }
 
 }  // namespace

@@ -9,26 +9,13 @@
 #include "core/paths.h"
 #include "tests/dialogue/dialogue_fixture.h"
 
+#include "tests/support/office_run.h"
+
 namespace kirvana {
 namespace {
 
-struct OfficeRun {
-    int Code = -1;
-    std::string Output;  // stdout and stderr
-};
-
-OfficeRun Office(const std::string& arguments) {
-    OfficeRun run;
-    const std::string command = std::string(KIRVANA_OFFICE) + " " + arguments + " 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return run;
-    char buffer[4096];
-    std::size_t n;
-    while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) run.Output.append(buffer, n);
-    const int status = pclose(pipe);
-    run.Code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
-}
+// stdout and stderr.
+OfficeRun Office(const std::string& arguments) { return RunOffice(arguments, " 2>&1"); }
 
 class OfficeDialogueTest : public DialogueFixture {
 protected:
