@@ -525,12 +525,10 @@ void LanguageWalk::CycleG65() {
     }
     double step = Length("P8=");
     if (step == Missing) step = 0;
-    const double lengths[4] = {std::fabs(i), std::fabs(j), std::fabs(i), std::fabs(j)};
-    const double directions[4] = {i >= 0 ? 0.0 : 180.0, j >= 0 ? 90.0 : 270.0, i >= 0 ? 180.0 : 0.0,
-                                  j >= 0 ? 270.0 : 90.0};
+    const std::array<RectangleSide, 4> rectangle = RectangleSides(i, j);
     // A side needs a length and a step to be nibbled with.
-    for (double length : lengths) {
-        if (std::min(step, length) <= 0) {
+    for (const RectangleSide& side : rectangle) {
+        if (std::min(step, side.Length) <= 0) {
             Error(pass_message::DivisionByZero, true);
             return;
         }
@@ -541,8 +539,8 @@ void LanguageWalk::CycleG65() {
     } sides[4];
     for (int k = 0; k < 4; ++k) {
         Side& side = sides[k];
-        side.Length = lengths[k];
-        side.Direction = directions[k];
+        side.Length = rectangle[static_cast<std::size_t>(k)].Length;
+        side.Direction = rectangle[static_cast<std::size_t>(k)].Direction;
         if (S.MirrorX || S.MirrorY) side.Direction = MirrorAngle(side.Direction, S.MirrorX, S.MirrorY);
         double sideStep = std::min(step, side.Length);
         auto hits = RoundToInt16(std::floor(side.Length / sideStep) + 1);
