@@ -91,6 +91,29 @@ void LanguageWalk::BeginArcPattern(double centreX, double centreY, double radius
     rec_.Counts[2] = p10 == Missing || p10 <= 0 ? True16 : 0;
 }
 
+void LanguageWalk::BeginLinearPattern(double entryX, double entryY, double exitX, double exitY, double pitch,
+                                      double direction, std::int16_t hits) {
+    BeginEntity(EntityKind::LinearPattern, "Linear Pattern");
+    TakeTool();
+    rec_.Points.Entry = {ToSingle(entryX), ToSingle(entryY)};
+    rec_.Points.Exit = {ToSingle(exitX), ToSingle(exitY)};
+    rec_.Values[2] = ToSingle(pitch);
+    rec_.Values[10] = ToSingle(direction);
+    rec_.Counts[1] = hits;
+}
+
+void LanguageWalk::MirrorArcPattern(double& first, double& sweep, double& step) const {
+    if (S.MirrorX || S.MirrorY) first = MirrorAngle(first, S.MirrorX, S.MirrorY);
+    if (S.MirrorX) {
+        step = -step;
+        sweep = -sweep;
+    }
+    if (S.MirrorY) {
+        step = -step;
+        sweep = -sweep;
+    }
+}
+
 void LanguageWalk::MoveOnCircle(double centreX, double centreY, double radius, double angle) {
     S.PrevX = S.PosX;
     S.PrevY = S.PosY;
@@ -190,14 +213,8 @@ void LanguageWalk::NibbleLine() {
         return;
     }
     if (!TakeTool()) return;
-    BeginEntity(EntityKind::LinearPattern, "Linear Pattern");
-    TakeTool();
-    rec_.Points.Entry = {S.PrevX, S.PrevY};
-    rec_.Points.Exit = {S.PosX, S.PosY};
+    BeginLinearPattern(S.PrevX, S.PrevY, S.PosX, S.PosY, Round(std::fabs(length / (*hits - 1)), 4), angle, *hits);
     rec_.Values[1] = ToSingle(length);
-    rec_.Values[2] = ToSingle(Round(std::fabs(length / (*hits - 1)), 4));
-    rec_.Values[10] = ToSingle(angle);
-    rec_.Counts[1] = *hits;
     FinishPattern();
     S.PrevX = S.PosX;
     S.PrevY = S.PosY;
@@ -264,15 +281,7 @@ void LanguageWalk::CycleG64() {
     double sweep = 360;
     double step = hits == 0 ? 0 : (std::fabs(sweep) == 360 ? sweep / hits : sweep / (hits - 1));
     // 4. The mirrors.
-    if (S.MirrorX || S.MirrorY) first = MirrorAngle(first, S.MirrorX, S.MirrorY);
-    if (S.MirrorX) {
-        step = -step;
-        sweep = -sweep;
-    }
-    if (S.MirrorY) {
-        step = -step;
-        sweep = -sweep;
-    }
+    MirrorArcPattern(first, sweep, step);
     // 5, 6. The entity.
     if (!TakeTool()) return;
     BeginArcPattern(centreX, centreY, radius, first, sweep, step);
@@ -399,17 +408,11 @@ void LanguageWalk::CycleG26() {
             if (a > 360) a -= 360;
         }
     } else {
-        BeginEntity(EntityKind::LinearPattern, "Linear Pattern");
-        TakeTool();
         double dx, dy;
         PolarToXY(rowLength, grid.P5, dx, dy);
         endX += dx;
         endY += dy;
-        rec_.Points.Entry = {ToSingle(firstX), ToSingle(firstY)};
-        rec_.Points.Exit = {ToSingle(endX), ToSingle(endY)};
-        rec_.Values[2] = ToSingle(grid.P2.Value);
-        rec_.Values[10] = ToSingle(grid.P5);
-        rec_.Counts[1] = grid.P1;
+        BeginLinearPattern(firstX, firstY, endX, endY, grid.P2.Value, grid.P5, grid.P1);
     }
     FinishPattern();
     // At the end of the walk, or back at the start.
@@ -446,15 +449,9 @@ void LanguageWalk::CycleG36() {
     }
     if (S.MirrorX || S.MirrorY) p5 = MirrorAngle(p5, S.MirrorX, S.MirrorY);
     if (!TakeTool()) return;
-    BeginEntity(EntityKind::LinearPattern, "Linear Pattern");
-    TakeTool();
     double dx, dy;
     PolarToXY(p1, p5, dx, dy);
-    rec_.Points.Entry = {S.PosX, S.PosY};
-    rec_.Points.Exit = {ToSingle(S.PosX + dx), ToSingle(S.PosY + dy)};
-    rec_.Values[2] = ToSingle(p1 / (*hits - 1));
-    rec_.Values[10] = ToSingle(p5);
-    rec_.Counts[1] = *hits;
+    BeginLinearPattern(S.PosX, S.PosY, S.PosX + dx, S.PosY + dy, p1 / (*hits - 1), p5, *hits);
     FinishPattern();
     S.PrevX = S.PosX;
     S.PrevY = S.PosY;
@@ -496,15 +493,7 @@ void LanguageWalk::CycleG37() {
         return;
     }
     double stepAngle = p1 / (*hits - 1);
-    if (S.MirrorX || S.MirrorY) p5 = MirrorAngle(p5, S.MirrorX, S.MirrorY);
-    if (S.MirrorX) {
-        p1 = -p1;
-        stepAngle = -stepAngle;
-    }
-    if (S.MirrorY) {
-        p1 = -p1;
-        stepAngle = -stepAngle;
-    }
+    MirrorArcPattern(p5, p1, stepAngle);
     if (!TakeTool()) return;
     double centreX = S.MirrorX ? S.PosX - i : S.PosX + i;
     double centreY = S.MirrorY ? S.PosY - j : S.PosY + j;
@@ -556,15 +545,9 @@ void LanguageWalk::CycleG65() {
     S.PrevY = S.PosY;
     for (const Side& side : sides) {
         // From this corner up to one pitch before the next, which starts the next side.
-        BeginEntity(EntityKind::LinearPattern, "Linear Pattern");
-        TakeTool();
         double dx, dy;
         PolarToXY(side.Length - side.Pitch, side.Direction, dx, dy);
-        rec_.Points.Entry = {S.PosX, S.PosY};
-        rec_.Points.Exit = {ToSingle(S.PosX + dx), ToSingle(S.PosY + dy)};
-        rec_.Values[2] = ToSingle(side.Pitch);
-        rec_.Values[10] = ToSingle(side.Direction);
-        rec_.Counts[1] = side.Hits;
+        BeginLinearPattern(S.PosX, S.PosY, S.PosX + dx, S.PosY + dy, side.Pitch, side.Direction, side.Hits);
         FinishPattern();
         PolarToXY(side.Length, side.Direction, dx, dy);
         S.PosX = ToSingle(S.PosX + dx);
@@ -591,15 +574,9 @@ void LanguageWalk::CycleG66() {
     XYToPolar(i, j, pitch, direction);
     if (S.MirrorX || S.MirrorY) direction = MirrorAngle(direction, S.MirrorX, S.MirrorY);
     if (!TakeTool()) return;
-    BeginEntity(EntityKind::LinearPattern, "Linear Pattern");
-    TakeTool();
     double dx, dy;
     PolarToXY((count - 1) * pitch, direction, dx, dy);
-    rec_.Points.Entry = {ToSingle(firstX), ToSingle(firstY)};
-    rec_.Points.Exit = {ToSingle(firstX + dx), ToSingle(firstY + dy)};
-    rec_.Values[2] = ToSingle(pitch);
-    rec_.Values[10] = ToSingle(direction);
-    rec_.Counts[1] = std::max<std::int16_t>(count, 0);
+    BeginLinearPattern(firstX, firstY, firstX + dx, firstY + dy, pitch, direction, std::max<std::int16_t>(count, 0));
     FinishPattern();
     S.PrevX = S.PosX;
     S.PrevY = S.PosY;

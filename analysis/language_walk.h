@@ -131,6 +131,13 @@ protected:
     // An Arc Pattern entity begun with the tool, its centre, radius, first angle, sweep and step;
     // the tool turns with it when the block's P10 is absent or not positive.
     void BeginArcPattern(double centreX, double centreY, double radius, double first, double sweep, double step);
+    // A Linear Pattern entity begun with the tool, from the entry to the exit point, with its
+    // pitch, direction and hits.
+    void BeginLinearPattern(double entryX, double entryY, double exitX, double exitY, double pitch, double direction,
+                            std::int16_t hits);
+    // The mirrors in force turn an arc pattern: the first angle mirrored, and the sweep and the
+    // step turned round once for each mirror.
+    void MirrorArcPattern(double& first, double& sweep, double& step) const;
     // The previous position takes the position, which moves to the point of the circle at the
     // angle; the limits are checked there.
     void MoveOnCircle(double centreX, double centreY, double radius, double angle);
