@@ -114,6 +114,18 @@ void LanguageWalk::MirrorArcPattern(double& first, double& sweep, double& step) 
     }
 }
 
+bool LanguageWalk::NibbleHitsUsable(std::optional<std::int16_t> hits) {
+    if (!hits) {
+        Overflow();
+        return false;
+    }
+    if (*hits == 1) {
+        Error(pass_message::DivisionByZero, true);
+        return false;
+    }
+    return true;
+}
+
 void LanguageWalk::MoveOnCircle(double centreX, double centreY, double radius, double angle) {
     S.PrevX = S.PosX;
     S.PrevY = S.PosY;
@@ -204,14 +216,7 @@ void LanguageWalk::NibbleLine() {
     angle = Round(angle, 3);
     double step = NibbleIncrement();
     auto hits = NibbleHits(length, step);
-    if (!hits) {
-        Overflow();
-        return;
-    }
-    if (*hits == 1) {
-        Error(pass_message::DivisionByZero, true);
-        return;
-    }
+    if (!NibbleHitsUsable(hits)) return;
     if (!TakeTool()) return;
     BeginLinearPattern(S.PrevX, S.PrevY, S.PosX, S.PosY, Round(std::fabs(length / (*hits - 1)), 4), angle, *hits);
     rec_.Values[1] = ToSingle(length);
@@ -244,14 +249,7 @@ void LanguageWalk::NibbleArc(bool g02) {
     double step = NibbleIncrement();
     double arcLength = std::fabs(arc.Sweep) / 360 * (2 * arc.Radius * Pi);
     auto hits = NibbleHits(arcLength, step);
-    if (!hits) {
-        Overflow();
-        return;
-    }
-    if (*hits == 1) {
-        Error(pass_message::DivisionByZero, true);
-        return;
-    }
+    if (!NibbleHitsUsable(hits)) return;
     if (!TakeTool()) return;
     BeginArcPattern(arc.CentreX, arc.CentreY, arc.Radius, arc.StartAngle, arc.Sweep, arc.Sweep / (*hits - 1));
     // Every hit, the last one too (only G37 leaves its last hit to P10).
@@ -439,14 +437,7 @@ void LanguageWalk::CycleG36() {
     if (iGiven || jGiven) XYToPolar(iGiven ? i : 0, jGiven ? j : 0, p1, p5);
     auto hits = RoundToInt16(std::fabs(std::trunc(p1 / step)) + 1);
     if (step == 0 || !std::isfinite(p1 / step)) hits = std::int16_t{1};
-    if (!hits) {
-        Overflow();
-        return;
-    }
-    if (*hits == 1) {
-        Error(pass_message::DivisionByZero, true);
-        return;
-    }
+    if (!NibbleHitsUsable(hits)) return;
     if (S.MirrorX || S.MirrorY) p5 = MirrorAngle(p5, S.MirrorX, S.MirrorY);
     if (!TakeTool()) return;
     double dx, dy;
@@ -484,14 +475,7 @@ void LanguageWalk::CycleG37() {
     double arcLength = (p1 / 360) * (r * Pi * 2);
     auto hits = RoundToInt16(std::fabs(std::trunc(arcLength / step)) + 1);
     if (step == 0 || !std::isfinite(arcLength / step)) hits = std::int16_t{1};
-    if (!hits) {
-        Overflow();
-        return;
-    }
-    if (*hits == 1) {
-        Error(pass_message::DivisionByZero, true);
-        return;
-    }
+    if (!NibbleHitsUsable(hits)) return;
     double stepAngle = p1 / (*hits - 1);
     MirrorArcPattern(p5, p1, stepAngle);
     if (!TakeTool()) return;

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -138,6 +139,9 @@ protected:
     // The mirrors in force turn an arc pattern: the first angle mirrored, and the sweep and the
     // step turned round once for each mirror.
     void MirrorArcPattern(double& first, double& sweep, double& step) const;
+    // A nibbled cycle's hit count: beyond 16 bits is an overflow and a single hit would divide
+    // its length by zero; either is reported and gives false.
+    bool NibbleHitsUsable(std::optional<std::int16_t> hits);
     // The previous position takes the position, which moves to the point of the circle at the
     // angle; the limits are checked there.
     void MoveOnCircle(double centreX, double centreY, double radius, double angle);
