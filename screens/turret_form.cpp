@@ -183,8 +183,9 @@ bool TurretForm::FormKey(int code, QKeyEvent&) { return PressMarkedButton(this, 
 
 void TurretForm::hideEvent(QHideEvent* event) {
     PanelForm::hideEvent(event);
-    // The unload: the drawing takes the tools changed while the form was open.
-    if (!edits_.Changes.empty()) LeaveTurret(panel_.State(), edits_);
+    // The unload: the drawing and the card's programs take the tools changed while the form
+    // was open.
+    if (!edits_.Changes.empty()) LeaveTurret(panel_.State(), panel_, panel_.Link(), edits_);
 }
 
 }  // namespace kirvana
