@@ -145,3 +145,20 @@ TEST_F(TurretConversionTest, AnEmptySlotIsNotConverted) {
     EXPECT_TRUE(platform.Warnings.empty());
     EXPECT_TRUE(card.Exchanges.empty());
 }
+
+TEST_F(TurretConversionTest, AHandMadeNumbersFileTakesTheNewToolBeforeTheConversion) {
+    const std::string numbers = p.Config.Dirs.RootDir + "Numbers.tmp";
+    ASSERT_TRUE(WriteLines(numbers, {"3:N0003 ! T5=Square 10 a0", "4:N0004 ! T05=Square 10 a0", "5:N0005 ! T1=Round 5",
+                                     "6:N0006 G01 X5"}));
+    ToolRecord tool;
+    ASSERT_TRUE(ParseToolText("OBROUND 20X10 A90", tool, false));
+    ASSERT_TRUE(DefineTurretTool(p, edits, 5, tool).Changed);
+    TurretLeave left = LeaveTurret(p, platform, &card, edits);
+    EXPECT_TRUE(left.Unload.NumbersRewritten);
+    ASSERT_TRUE(left.Conversion);
+    EXPECT_TRUE(left.Conversion->Selected) << left.Conversion->Warning;
+    const std::string description = DescribeTool(ToolingTable(p)[4].Tool, false);
+    EXPECT_EQ(Text(numbers), "3:" + description + "\n4:" + description + "\n5:N0005 ! T1=Round 5\n6:N0006 G01 X5\n");
+    EXPECT_FALSE(std::filesystem::exists(p.Config.Dirs.RootDir + "Update.tmp"));
+    for (const EntityRec& rec : StationRecords(5)) EXPECT_EQ(DescribeTool(rec.Tool, false), description);
+}
