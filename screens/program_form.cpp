@@ -215,7 +215,9 @@ void ProgramForm::Select() {
         Activate();
         return;
     }
-    // 29. The search text is cleared and the form goes.
+    // 29. SetupForm shows the new program's clamp demands, the search text is cleared and
+    // the form goes.
+    if (PanelForm* setup = panel_.Forms().Loaded("SetupForm"); setup && setup->isVisible()) setup->ShowModel();
     search_->clear();
     accept();
 }

@@ -131,7 +131,8 @@ TEST_F(TurretConversionTest, AConversionThatIsRefusedShowsWhyAndTheOldProgramSta
     TurretLeave left = LeaveTurret(p, platform, &card, edits);
     ASSERT_TRUE(left.Conversion);
     EXPECT_FALSE(left.Conversion->Selected);
-    EXPECT_EQ(platform.Warnings, (std::vector<std::string>{"Can Not Select New Program\n\nWhile Machine Is Running !"}));
+    EXPECT_EQ(platform.Warnings,
+              (std::vector<std::string>{"Can Not Select New Program\n\nWhile Machine Is Running !"}));
     EXPECT_TRUE(p.Slots[0].Present);
     EXPECT_EQ(Downloads(), 0);
     // The drawing took the tool at step 1 all the same.

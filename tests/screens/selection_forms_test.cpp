@@ -1,0 +1,95 @@
+// The selection on the panel: the progress bar painted while the passes hold the event queue,
+// with a picture of ProgramForm taken in the middle of a selection, and SetupForm showing the
+// clamp demands of the program just selected.
+#include <QEvent>
+
+#include <QLabel>
+#include <QProgressBar>
+
+#include "screens/machine_forms.h"
+#include "tests/screens/program_forms_fixture.h"
+
+using namespace kirvana;
+
+namespace {
+
+// Counts the paint events of a widget.
+class PaintCounter : public QObject {
+public:
+    int Paints = 0;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint) ++Paints;
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+const char* ClampedProgram =
+    "N0000 ! PROGRAM NAME : CLAMPS05\n ! SHEET SIZE : X1500 x Y750\n ! CLAMPS : 1=150 2=600.5 3=1050\n"
+    "G90 G71\nT1 X100 Y100\nM30\n";
+
+}  // namespace
+
+TEST_F(ProgramFormsTest, TheProgressIsPaintedAtEachStageWhileThePassesRun) {
+    ASSERT_EQ(Start(), 0);
+    std::vector<int> paintsAtStage;
+    std::vector<std::string> labels;
+    QImage midway;
+    OnProgramForm([&](ProgramForm& form) {
+        // As on the panel, the operator presses on a form that is on the screen.
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&form));
+        form.ProgramCombo()->setCurrentText("GRID03");
+        PaintCounter counter;
+        form.ProgressBar()->installEventFilter(&counter);
+        // The value goes up as each stage begins: the stages before it must be on the screen
+        // already, painted without a turn of the event queue.
+        QObject::connect(form.ProgressBar(), &QProgressBar::valueChanged, &form, [&](int value) {
+            if (value < 1) return;
+            paintsAtStage.push_back(counter.Paints);
+            labels.push_back(S(form.ProgressLabel()->text()));
+            if (static_cast<SelectStage>(value - 1) == SelectStage::Reverse) {
+                // Painted with its new value before the picture is taken.
+                form.ProgressBar()->repaint();
+                midway = form.grab().toImage();
+            }
+        });
+        form.SelectButton()->click();
+        form.ProgressBar()->removeEventFilter(&counter);
+    });
+    ASSERT_EQ(paintsAtStage.size(), static_cast<std::size_t>(SelectStageCount));
+    for (std::size_t stage = 1; stage < paintsAtStage.size(); ++stage)
+        EXPECT_GE(paintsAtStage[stage], static_cast<int>(stage)) << "stage " << stage;
+    for (const std::string& label : labels) EXPECT_FALSE(label.empty());
+    ASSERT_FALSE(midway.isNull());
+    QDir().mkpath(KIRVANA_BINARY_DIR "/screenshots");
+    EXPECT_TRUE(midway.save(KIRVANA_BINARY_DIR "/screenshots/program_form_selecting.png"));
+    EXPECT_EQ(P().State().Slots[0].ProgramName, "GRID03");
+}
+
+TEST_F(ProgramFormsTest, SetupFormShowsTheClampDemandsOfTheProgramJustSelected) {
+    ASSERT_EQ(Start(), 0);
+    Write("Programs/Dorvenis/CLAMPS05.prg", ClampedProgram);
+    Select(1, "PLATE01");
+    std::vector<std::string> before, after;
+    bool setupShown = false;
+    WhenModal([&](QWidget* modal) {
+        auto* setup = dynamic_cast<SetupForm*>(modal);
+        setupShown = setup != nullptr;
+        if (!setup) return;
+        for (int n = 1; n <= 3; ++n) before.push_back(S(setup->DemandText(n)->text()));
+        // F1 over SetupForm: the program changes while SetupForm stands.
+        OnProgramForm([&](ProgramForm& form) {
+            form.ProgramCombo()->setCurrentText("CLAMPS05");
+            form.SelectButton()->click();
+        });
+        for (int n = 1; n <= 3; ++n) after.push_back(S(setup->DemandText(n)->text()));
+        SavePanel("setup_form_after_selection");
+        setup->close();
+    });
+    P().OpenForm("SetupForm");
+    ASSERT_TRUE(setupShown);
+    EXPECT_EQ(before, (std::vector<std::string>{"0.00", "0.00", "0.00"}));
+    EXPECT_EQ(after, (std::vector<std::string>{"150.00", "600.50", "1050.00"}));
+    EXPECT_EQ(P().State().Slots[0].ProgramName, "CLAMPS05");
+}
