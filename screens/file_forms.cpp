@@ -87,15 +87,6 @@ bool WarningOperator::Ask(const std::string& text) {
 
 void WarningOperator::Tell(const std::string& text) { panel_.ShowWarning(text, WarningKind::Notice, 1); }
 
-std::vector<DirectoryChoice> DirectoryChoices(const std::string& programRoot) {
-    std::vector<DirectoryChoice> choices;
-    for (const std::string& name : FillDirectories(programRoot, programRoot))
-        if (name != "..") choices.push_back({name, programRoot + name + "/"});
-    for (const DriveEntry& drive : DriveList())
-        if (drive.Removable) choices.push_back({drive.Caption, drive.MountPoint});
-    return choices;
-}
-
 FileHandleForm::FileHandleForm(Panel& panel) : PanelForm(panel, "FileHandleForm") {
     const ColourTable& c = panel.Colours();
     setWindowTitle("FILE HANDLING");
@@ -243,7 +234,7 @@ void FileForm::Activate() {
     keys_->setVisible(rename);
     fileBox_->clear();
     destinationList_->setVisible(destination);
-    directories_ = DirectoryChoices(panel_.State().Config.Dirs.ProgramRoot);
+    directories_ = DirectoryChoices(panel_.State().Config.Dirs.ProgramRoot, panel_.Drives());
     directoryList_->blockSignals(true);
     directoryList_->clear();
     destinationList_->clear();

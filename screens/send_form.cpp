@@ -114,7 +114,7 @@ SendForm::SendForm(Panel& panel) : PanelForm(panel, "SendForm") {
 }
 
 void SendForm::Activate() {
-    directories_ = DirectoryChoices(panel_.State().Config.Dirs.ProgramRoot);
+    directories_ = DirectoryChoices(panel_.State().Config.Dirs.ProgramRoot, panel_.Drives());
     directoryList_->blockSignals(true);
     directoryList_->clear();
     int current = 0;

@@ -93,3 +93,31 @@ TEST_F(ProgramFormsTest, SetupFormShowsTheClampDemandsOfTheProgramJustSelected) 
     EXPECT_EQ(after, (std::vector<std::string>{"150.00", "600.50", "1050.00"}));
     EXPECT_EQ(P().State().Slots[0].ProgramName, "CLAMPS05");
 }
+
+TEST_F(ProgramFormsTest, DirectoryComboOffersTheRemovableDrivesWithTheirPrograms) {
+    // A floppy and a stick in the mount list; the floppy's folder holds two programs.
+    Write("Floppy/DISK01.prg", "G90\n");
+    Write("Floppy/DISK02.prg", "G90\n");
+    const std::string floppy = dir_.Path() + "Floppy";
+    Mounts = "/dev/sda1 / ext4 rw 0 0\n/dev/fd0 " + floppy + " vfat rw 0 0\n/dev/sdb1 /media/op/STICK vfat rw 0 0\n";
+    ASSERT_EQ(Start(), 0);
+    const std::string floppyCaption = floppy + "/ [Floppy Disk]";
+    std::vector<std::string> directories, programs;
+    std::string warning;
+    OnProgramForm([&](ProgramForm& form) {
+        directories = Items(form.DirectoryCombo());
+        // Chosen as by a touch on the combo's list.
+        const int index = form.DirectoryCombo()->findText(Q(floppyCaption));
+        ASSERT_GE(index, 0);
+        form.DirectoryCombo()->setCurrentIndex(index);
+        emit form.DirectoryCombo()->activated(index);
+        programs = Items(form.ProgramCombo());
+        SavePanel("program_form_drives");
+        // A drive is not a directory of the store: the selection refuses it by the name rule.
+        warning = WarningOf([&] { form.SelectButton()->click(); });
+    });
+    EXPECT_EQ(directories, (std::vector<std::string>{"Dorvenis", floppyCaption, "/media/op/STICK/ [Removable Drive]"}));
+    EXPECT_EQ(programs, (std::vector<std::string>{"DISK01", "DISK02"}));
+    EXPECT_EQ(warning, "Invalid Directory Name !");
+    EXPECT_FALSE(P().State().Slots[0].Present);
+}
