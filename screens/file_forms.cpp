@@ -27,7 +27,7 @@ QListWidget* MakeList(QWidget* parent, const char* name, bool several) {
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setStyleSheet(
         "QListWidget { font-size: 18px; background: white; color: black; }"
-        "QListWidget::item { min-height: 44px; }"
+        "QListWidget::item { min-height: 48px; }"
         "QListWidget::item:selected { background: #000080; color: white; }");
     return list;
 }

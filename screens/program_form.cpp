@@ -61,7 +61,7 @@ ProgramForm::ProgramForm(Panel& panel) : PanelForm(panel, "ProgramForm") {
         box->setInsertPolicy(QComboBox::NoInsert);
         box->setMinimumHeight(TouchSize);
         box->setMaxVisibleItems(12);
-        box->setStyleSheet(QString("QComboBox { %1 } QComboBox QAbstractItemView::item { min-height: 40px; }")
+        box->setStyleSheet(QString("QComboBox { %1 } QComboBox QAbstractItemView::item { min-height: 48px; }")
                                .arg(PanelStyle(c[ColourItem::TextBackground], c[ColourItem::Text], 20)));
         return box;
     };

@@ -47,7 +47,7 @@ TurretForm::TurretForm(Panel& panel) : PanelForm(panel, "TurretForm") {
     list_->setObjectName("StationList");
     list_->setStyleSheet(
         QString("QListWidget { background: %1; color: %2; font-size: 19px; font-family: monospace; } "
-                "QListWidget::item { min-height: 40px; } "
+                "QListWidget::item { min-height: 48px; } "
                 "QScrollBar:vertical { width: 48px; }")
             .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
     list_->verticalScrollBar()->setObjectName("TurretBar");

@@ -6,7 +6,14 @@
 #include <QLabel>
 #include <QProgressBar>
 
+#include <QListWidget>
+#include <QRegularExpression>
+
+#include "screens/edit_prog_form.h"
+#include "screens/file_forms.h"
 #include "screens/machine_forms.h"
+#include "screens/program_choice_forms.h"
+#include "screens/settings_forms.h"
 #include "tests/screens/program_forms_fixture.h"
 
 using namespace kirvana;
@@ -120,4 +127,55 @@ TEST_F(ProgramFormsTest, DirectoryComboOffersTheRemovableDrivesWithTheirPrograms
     EXPECT_EQ(programs, (std::vector<std::string>{"DISK01", "DISK02"}));
     EXPECT_EQ(warning, "Invalid Directory Name !");
     EXPECT_FALSE(P().State().Slots[0].Present);
+}
+
+namespace {
+
+// The rows of every list and combo list on a form that hold something: each as high as a finger
+// needs. The names of those that are lower.
+std::vector<std::string> LowRows(QWidget* form) {
+    std::vector<std::string> low;
+    for (QListWidget* list : form->findChildren<QListWidget*>()) {
+        if (!list->isVisible()) continue;
+        for (int i = 0; i < list->count(); ++i)
+            if (list->visualItemRect(list->item(i)).height() < 48)
+                low.push_back(S(list->objectName()) + " row " + std::to_string(i + 1));
+    }
+    for (QComboBox* combo : form->findChildren<QComboBox*>())
+        if (combo->isVisible() && combo->count() > 0 && combo->view()->sizeHintForRow(0) < 48)
+            low.push_back(S(combo->objectName()) + " rows");
+    for (QLabel* row : form->findChildren<QLabel*>(QRegularExpression("^Row[0-9]+$")))
+        if (row->height() < 48) low.push_back(S(row->objectName()));
+    return low;
+}
+
+}  // namespace
+
+TEST_F(ProgramFormsTest, EveryListRowIsHighEnoughForAFinger) {
+    ASSERT_EQ(Start(), 0);
+    Select(1, "PLATE01");
+    Write("Programs/Dorvenis/Sub/KEEP.prg", "G90\n");
+    auto* prog = static_cast<ProgListForm*>(P().Forms().Get("ProgListForm"));
+    prog->Begin("Dorvenis");
+    auto* search = static_cast<SearchForm*>(P().Forms().Get("SearchForm"));
+    ASSERT_GT(search->Begin("0"), 0);
+    auto* edit = static_cast<EditProgForm*>(P().Forms().Get("EditProgForm"));
+    ASSERT_TRUE(edit->Begin("Dorvenis", "PLATE01"));
+    static_cast<FileForm*>(P().Forms().Get("FileForm"))->SetJob(FileJob::CopyPrograms);
+    static_cast<PunchSettingsForm*>(P().Forms().Get("PunchSettingsForm"))->Begin(1);
+    for (const char* name :
+         {"ProgramForm", "ProgListForm", "SearchForm", "EditProgForm", "ViewProgForm", "BatchForm", "TurretForm",
+          "PunchSettingsForm", "PlasmaSettingsForm", "ToolDefDialogue", "FileForm", "MoveForm"}) {
+        std::vector<std::string> low;
+        bool shown = false;
+        WhenModal([&](QWidget* modal) {
+            shown = true;
+            Spin(20);
+            low = LowRows(modal);
+            modal->close();
+        });
+        P().OpenForm(name);
+        EXPECT_TRUE(shown) << name;
+        EXPECT_EQ(low, std::vector<std::string>{}) << name;
+    }
 }
