@@ -112,6 +112,21 @@ std::vector<DriveEntry> DriveList() {
     return DriveList(text.str());
 }
 
+std::vector<DirectoryChoice> DirectoryChoices(const std::string& programRoot, const std::vector<DriveEntry>& drives) {
+    std::vector<DirectoryChoice> choices;
+    for (const std::string& name : FillDirectories(programRoot, programRoot))
+        if (name != "..") choices.push_back({name, programRoot + name + "/"});
+    for (const DriveEntry& drive : drives)
+        if (drive.Removable) choices.push_back({drive.Caption, drive.MountPoint});
+    return choices;
+}
+
+const DirectoryChoice* FindChoice(const std::vector<DirectoryChoice>& choices, const std::string& caption) {
+    for (const DirectoryChoice& choice : choices)
+        if (choice.Caption == caption) return &choice;
+    return nullptr;
+}
+
 bool DeleteProgramSet(const std::string& directory, const std::string& name) {
     bool all = true;
     for (const char* extension : ProgramSetExtensions)

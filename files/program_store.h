@@ -37,6 +37,16 @@ struct DriveEntry {
 std::vector<DriveEntry> DriveList(const std::string& mountsText);
 std::vector<DriveEntry> DriveList();
 
+// The directories a list offers: those of the program root, then the removable drives by
+// their captions, with the whole path of each (ending in "/").
+struct DirectoryChoice {
+    std::string Caption;
+    std::string Path;
+};
+std::vector<DirectoryChoice> DirectoryChoices(const std::string& programRoot, const std::vector<DriveEntry>& drives);
+// The choice of that caption, or nullptr.
+const DirectoryChoice* FindChoice(const std::vector<DirectoryChoice>& choices, const std::string& caption);
+
 // Deletes each of name.prg, name.inf, name.rpt, name.stg in the directory where it exists.
 // False when one of them is still there afterwards.
 bool DeleteProgramSet(const std::string& directory, const std::string& name);

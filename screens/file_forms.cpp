@@ -27,7 +27,7 @@ QListWidget* MakeList(QWidget* parent, const char* name, bool several) {
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setStyleSheet(
         "QListWidget { font-size: 18px; background: white; color: black; }"
-        "QListWidget::item { min-height: 44px; }"
+        "QListWidget::item { min-height: 48px; }"
         "QListWidget::item:selected { background: #000080; color: white; }");
     return list;
 }
@@ -86,15 +86,6 @@ bool WarningOperator::Ask(const std::string& text) {
 }
 
 void WarningOperator::Tell(const std::string& text) { panel_.ShowWarning(text, WarningKind::Notice, 1); }
-
-std::vector<DirectoryChoice> DirectoryChoices(const std::string& programRoot) {
-    std::vector<DirectoryChoice> choices;
-    for (const std::string& name : FillDirectories(programRoot, programRoot))
-        if (name != "..") choices.push_back({name, programRoot + name + "/"});
-    for (const DriveEntry& drive : DriveList())
-        if (drive.Removable) choices.push_back({drive.Caption, drive.MountPoint});
-    return choices;
-}
 
 FileHandleForm::FileHandleForm(Panel& panel) : PanelForm(panel, "FileHandleForm") {
     const ColourTable& c = panel.Colours();
@@ -243,7 +234,7 @@ void FileForm::Activate() {
     keys_->setVisible(rename);
     fileBox_->clear();
     destinationList_->setVisible(destination);
-    directories_ = DirectoryChoices(panel_.State().Config.Dirs.ProgramRoot);
+    directories_ = DirectoryChoices(panel_.State().Config.Dirs.ProgramRoot, panel_.Drives());
     directoryList_->blockSignals(true);
     directoryList_->clear();
     destinationList_->clear();

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "files/file_jobs.h"
+#include "files/program_store.h"
 #include "screens/panel_form.h"
 
 namespace kirvana {
@@ -28,14 +29,6 @@ public:
 private:
     Panel& panel_;
 };
-
-// The directories a list offers: those of the program root and the removable drives, with the
-// whole path of each.
-struct DirectoryChoice {
-    std::string Caption;
-    std::string Path;
-};
-std::vector<DirectoryChoice> DirectoryChoices(const std::string& programRoot);
 
 class FileHandleForm : public PanelForm {
 public:

@@ -8,9 +8,12 @@
 #include <QTimer>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "controller/pmac_ethernet_link.h"
+#include "files/program_store.h"
 #include "navigation/colours.h"
 #include "navigation/navigation.h"
 #include "navigation/warning.h"
@@ -35,6 +38,8 @@ struct PanelOptions {
     std::function<void(int)> End;
     // The computer's power off; by default `systemctl poweroff`, only with AllowPowerOff.
     std::function<void()> PowerOff;
+    // The mount list the drive lists read, as /proc/self/mounts gives it; the machine's when unset.
+    std::optional<std::string> Mounts;
 };
 
 class Panel : public QObject, public StartupPlatform {
@@ -50,6 +55,8 @@ public:
     const ColourTable& Colours() const { return colours_; }
     const PanelOptions& Options() const { return options_; }
     CardLink* Link() { return &link_; }
+    // The drives of the mount list of the options, or of the machine.
+    std::vector<DriveEntry> Drives() const { return options_.Mounts ? DriveList(*options_.Mounts) : DriveList(); }
     StartupSteps& Steps() { return steps_; }
     Conversation Talk();
     FormRegistry& Forms() { return forms_; }

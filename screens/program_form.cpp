@@ -61,7 +61,7 @@ ProgramForm::ProgramForm(Panel& panel) : PanelForm(panel, "ProgramForm") {
         box->setInsertPolicy(QComboBox::NoInsert);
         box->setMinimumHeight(TouchSize);
         box->setMaxVisibleItems(12);
-        box->setStyleSheet(QString("QComboBox { %1 } QComboBox QAbstractItemView::item { min-height: 40px; }")
+        box->setStyleSheet(QString("QComboBox { %1 } QComboBox QAbstractItemView::item { min-height: 48px; }")
                                .arg(PanelStyle(c[ColourItem::TextBackground], c[ColourItem::Text], 20)));
         return box;
     };
@@ -154,9 +154,9 @@ void ProgramForm::Activate() {
     progressLabel_->hide();
     std::string directory = slot.Present ? slot.ProgramDirName : p.Config.Dirs.ProgramDirName;
     directories_->clear();
+    choices_ = DirectoryChoices(p.Config.Dirs.ProgramRoot, panel_.Drives());
     QStringList names;
-    for (const std::string& name : FillDirectories(p.Config.Dirs.ProgramRoot, p.Config.Dirs.ProgramRoot))
-        names << Q(name);
+    for (const DirectoryChoice& choice : choices_) names << Q(choice.Caption);
     directories_->addItems(names);
     directories_->setCurrentText(Q(directory));
     FillProgramCombo(directory);
@@ -167,9 +167,14 @@ void ProgramForm::FillProgramCombo(const std::string& directory) {
     programs_->clear();
     const Process& p = panel_.State();
     QStringList names;
-    if (AcceptableName(directory))
+    // An entry of the list (a drive's caption among them) has its path; a typed name lies in
+    // the store.
+    if (const DirectoryChoice* choice = FindChoice(choices_, directory)) {
+        for (const std::string& name : FillPrograms(choice->Path)) names << Q(name);
+    } else if (AcceptableName(directory)) {
         for (const std::string& name : FillPrograms(ResolveNoCase(p.Config.Dirs.ProgramRoot + directory) + "/"))
             names << Q(name);
+    }
     programs_->addItems(names);
     programs_->setCurrentIndex(names.isEmpty() ? -1 : 0);
 }
@@ -215,7 +220,9 @@ void ProgramForm::Select() {
         Activate();
         return;
     }
-    // 29. The search text is cleared and the form goes.
+    // 29. SetupForm shows the new program's clamp demands, the search text is cleared and
+    // the form goes.
+    if (PanelForm* setup = panel_.Forms().Loaded("SetupForm"); setup && setup->isVisible()) setup->ShowModel();
     search_->clear();
     accept();
 }

@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <string>
 
+#include "files/program_store.h"
 #include "screens/program_form_frame.h"
 #include "system/slots.h"
 
@@ -20,10 +21,11 @@ class Panel;
 class ProgramForm : public PanelForm {
 public:
     explicit ProgramForm(Panel& panel);
-    // Fills the combos: the program store's directories, the current one chosen, and its programs.
+    // Fills the combos: the program store's directories and the removable drives, the current
+    // directory chosen, and its programs.
     void Activate() override;
 
-    // The directory's programs into ProgramCombo.
+    // The programs of the directory (or of the drive of that caption) into ProgramCombo.
     void FillProgramCombo(const std::string& directory);
     // A directory and program chosen on another screen.
     void Choose(const std::string& directory, const std::string& program);
@@ -51,6 +53,8 @@ private:
     void OpenEditor();
     void PadFor(QComboBox* combo);
 
+    // DirectoryCombo's entries: the store's directories, then the removable drives.
+    std::vector<DirectoryChoice> choices_;
     QLabel* slotLabel_;
     QComboBox* directories_;
     QComboBox* programs_;

@@ -31,7 +31,7 @@ QListWidget* List(QWidget* parent, const char* name, bool several) {
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setStyleSheet(
         "QListWidget { font-size: 18px; background: white; color: black; }"
-        "QListWidget::item { min-height: 44px; }"
+        "QListWidget::item { min-height: 48px; }"
         "QListWidget::item:selected { background: #000080; color: white; }");
     return list;
 }
@@ -114,7 +114,7 @@ SendForm::SendForm(Panel& panel) : PanelForm(panel, "SendForm") {
 }
 
 void SendForm::Activate() {
-    directories_ = DirectoryChoices(panel_.State().Config.Dirs.ProgramRoot);
+    directories_ = DirectoryChoices(panel_.State().Config.Dirs.ProgramRoot, panel_.Drives());
     directoryList_->blockSignals(true);
     directoryList_->clear();
     int current = 0;

@@ -44,7 +44,7 @@ SettingsForm::SettingsForm(Panel& panel, std::string name, const char* caption, 
     list_->setFixedWidth(210);
     list_->setStyleSheet(
         QString("QListWidget { background: %1; color: %2; font-size: 19px; } "
-                "QListWidget::item { min-height: 38px; } QScrollBar:vertical { width: 48px; }")
+                "QListWidget::item { min-height: 48px; } QScrollBar:vertical { width: 48px; }")
             .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
     left->addWidget(list_, 1);
     body->addLayout(left);
@@ -63,7 +63,9 @@ SettingsForm::SettingsForm(Panel& panel, std::string name, const char* caption, 
         // Values come from the list or through the pad, never typed past its filter.
         combo->lineEdit()->setReadOnly(true);
         combo->setFixedSize(170, 48);
-        combo->setStyleSheet("QComboBox { font-size: 19px; } QComboBox QAbstractItemView { font-size: 19px; }");
+        combo->setStyleSheet(
+            "QComboBox { font-size: 19px; } QComboBox QAbstractItemView { font-size: 19px; } "
+            "QComboBox QAbstractItemView::item { min-height: 48px; }");
         QPushButton* pad = ToolingButton(panel, "...", this, QString("PadButton%1").arg(n), 64);
         pad->setFixedSize(64, 48);
         labels_.push_back(label);

@@ -61,7 +61,7 @@ ToolDefDialogue::ToolDefDialogue(Panel& panel) : PanelForm(panel, "ToolDefDialog
     list_->setFixedWidth(250);
     list_->setStyleSheet(
         QString("QListWidget { background: %1; color: %2; font-size: 19px; } "
-                "QListWidget::item { min-height: 32px; } QScrollBar:vertical { width: 48px; }")
+                "QListWidget::item { min-height: 48px; } QScrollBar:vertical { width: 48px; }")
             .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
     for (int i = 0; i < ToolShapeCount; ++i) list_->addItem(ShapeAt(i).Name);
     body->addWidget(list_);
@@ -99,7 +99,9 @@ void ToolDefDialogue::BuildFrame(int shape) {
         special_->setEditable(true);
         special_->lineEdit()->setReadOnly(true);
         special_->setMinimumSize(260, TouchSize);
-        special_->setStyleSheet("QComboBox { font-size: 19px; } QComboBox QAbstractItemView { font-size: 19px; }");
+        special_->setStyleSheet(
+            "QComboBox { font-size: 19px; } QComboBox QAbstractItemView { font-size: 19px; } "
+            "QComboBox QAbstractItemView::item { min-height: 48px; }");
         grid->addWidget(special_, row, 1);
         pad_ = ToolingButton(panel_, "...", frame, "PadButton", TouchSize);
         grid->addWidget(pad_, row, 2);

@@ -47,7 +47,7 @@ TurretForm::TurretForm(Panel& panel) : PanelForm(panel, "TurretForm") {
     list_->setObjectName("StationList");
     list_->setStyleSheet(
         QString("QListWidget { background: %1; color: %2; font-size: 19px; font-family: monospace; } "
-                "QListWidget::item { min-height: 40px; } "
+                "QListWidget::item { min-height: 48px; } "
                 "QScrollBar:vertical { width: 48px; }")
             .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
     list_->verticalScrollBar()->setObjectName("TurretBar");
@@ -183,8 +183,9 @@ bool TurretForm::FormKey(int code, QKeyEvent&) { return PressMarkedButton(this, 
 
 void TurretForm::hideEvent(QHideEvent* event) {
     PanelForm::hideEvent(event);
-    // The unload: the drawing takes the tools changed while the form was open.
-    if (!edits_.Changes.empty()) LeaveTurret(panel_.State(), edits_);
+    // The unload: the drawing and the card's programs take the tools changed while the form
+    // was open.
+    if (!edits_.Changes.empty()) LeaveTurret(panel_.State(), panel_, panel_.Link(), edits_);
 }
 
 }  // namespace kirvana

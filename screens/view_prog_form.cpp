@@ -24,7 +24,7 @@ ViewProgForm::ViewProgForm(Panel& panel) : PanelForm(panel, "ViewProgForm") {
     for (int i = 0; i < Rows; ++i) {
         rows_[static_cast<std::size_t>(i)] = new QLabel(box);
         rows_[static_cast<std::size_t>(i)]->setObjectName(QString("Row%1").arg(i + 1));
-        rows_[static_cast<std::size_t>(i)]->setFixedHeight(34);
+        rows_[static_cast<std::size_t>(i)]->setFixedHeight(48);
         rows_[static_cast<std::size_t>(i)]->setStyleSheet(normalStyle_);
         rows->addWidget(rows_[static_cast<std::size_t>(i)]);
     }

@@ -18,7 +18,7 @@ class ViewProgForm : public PanelForm {
 public:
     explicit ViewProgForm(Panel& panel);
     // Rows on the page.
-    static constexpr int Rows = 14;
+    static constexpr int Rows = 10;
     void Activate() override;
     // A new block from the poll redraws the page around it.
     void ShowModel() override;

@@ -12,6 +12,7 @@
 #include "core/number.h"
 #include "core/paths.h"
 #include "core/text.h"
+#include "system/poll_cycle.h"
 #include "system/restart_slot.h"
 #include "system/slots.h"
 #include "system/startup.h"
@@ -181,7 +182,7 @@ void SendSlotBlocks(Process& process, StartupPlatform& platform, CardLink* link,
 
 SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLink* link,
                             const std::string& directoryName, const std::string& programName,
-                            const SelectProgress& progress) {
+                            const SelectProgress& progress, SelectTable tableKind) {
     const Directories& dirs = process.Config.Dirs;
     const MachineData& machine = process.Config.Machine;
     std::string directory(Trim(directoryName)), name(Trim(programName));
@@ -205,8 +206,17 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     // 6. No hit file channel to close (the poll cycle opens the file at each tick); the slot
     // is emptied.
     int slot = process.Config.ActiveSlot;
+    // A conversion with the slot's own table keeps it (and where its settings come from) past
+    // the emptying, which gives the slot the machine's table.
+    const bool keepTable = tableKind == SelectTable::Slot && machine.HasTurret;
+    const StationTable keptTable = keepTable ? SlotTable(process.Tools, slot) : StationTable{};
+    const bool keptStatsUsed = process.Slots[slot - 1].ProgramStatsUsed;
     ClearSlot(process, slot);
     SlotRecord& record = process.Slots[slot - 1];
+    if (keepTable) {
+        CopyStationTable(keptTable, SlotTable(process.Tools, slot));
+        record.ProgramStatsUsed = keptStatsUsed;
+    }
     const std::string stem = SlotStem(dirs, slot);
     // 7. The program's names.
     record.ProgramName = StripExtension(FileNameOf(programPath));
@@ -269,8 +279,12 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     // 18. The turret table and the program's settings.
     if (machine.HasTurret) {
         StationTable& table = SlotTable(process.Tools, slot);
-        CopyMachineTable(process.Tools, slot);
-        if (FileExists(programStem + ".stg")) ReadProgramSettings(programStem + ".stg", table, dirs.ServiceDir);
+        // a, b. The machine's table with the program's settings, unless the slot's is kept.
+        if (!keepTable) {
+            CopyMachineTable(process.Tools, slot);
+            if (FileExists(programStem + ".stg")) ReadProgramSettings(programStem + ".stg", table, dirs.ServiceDir);
+        }
+        // c, d. The slot's and the program's files from the table.
         if (!WriteProgramTurret(stem + "trt", table,
                                 ProgramTurret{record.ProgramStatsUsed ? TrueWord : FalseWord, record.ActiveStation}))
             return fileFault(stem + "trt");
@@ -305,11 +319,20 @@ SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLin
     }
     // The plot of the slot, its run data reset.
     platform.RedrawSlotPlot(slot);
-    // 29. Left to the screen that runs the selection: the setup screen told of the change,
-    // the search text cleared, the program screen closed.
+    // 29. The setup screen's clamp demands follow the new program; the search text cleared
+    // and the program screen closed are left to the screen that runs the selection.
+    UpdateClampPanel(process);
     SelectOutcome outcome{true, {}, std::nullopt};
     if (link && link->FaultCount() != faultsBefore) outcome.Fault = link->LastFault();
     return outcome;
+}
+
+SelectOutcome ConvertSlotAgain(Process& process, StartupPlatform& platform, CardLink* link) {
+    const SlotRecord& record = process.Slots[process.Config.ActiveSlot == 2 ? 1 : 0];
+    if (!record.Present) return SelectOutcome{};
+    // Copies: the selection empties the record before it reads the names.
+    const std::string directory = record.ProgramDirName, name = record.ProgramName;
+    return SelectProgram(process, platform, link, directory, name, {}, SelectTable::Slot);
 }
 
 // Steps 1 to 13 for slot 1 and then slot 2, then the five steps after both.

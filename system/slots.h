@@ -117,11 +117,23 @@ enum class SelectStage { Copy, Convert, Blend, Reverse, Index, Download };
 inline constexpr int SelectStageCount = 6;
 using SelectProgress = std::function<void(SelectStage)>;
 
+// The turret table a selection works with.
+enum class SelectTable {
+    Machine,  // the machine's table over the slot's, with the program's `.stg` settings
+    Slot,     // the slot's own table as it stands: the tools defined on the turret screen
+};
+
 // The Select button: the program `name` of `directory` into the active slot, through every
 // pass, then downloaded within the card operation's deadline. A refusal is shown through the
-// platform's warning screen.
+// platform's warning screen. Once the slot is up to date, the clamp panel shows its demands.
 SelectOutcome SelectProgram(Process& process, StartupPlatform& platform, CardLink* link, const std::string& directory,
-                            const std::string& name, const SelectProgress& progress = {});
+                            const std::string& name, const SelectProgress& progress = {},
+                            SelectTable table = SelectTable::Machine);
+
+// The active slot's program through every pass again, keeping the slot's turret table: after
+// tools were defined on the turret screen the drawing, the hits and the card's programs follow
+// them. Not selected (and nothing shown) when the slot is empty.
+SelectOutcome ConvertSlotAgain(Process& process, StartupPlatform& platform, CardLink* link);
 
 // Takes up both slots from their files at start and downloads them.
 void LoadActiveSlots(Process& process, StartupPlatform& platform, CardLink* link);

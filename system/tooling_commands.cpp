@@ -116,12 +116,15 @@ ToolingChange ApplyProgramPlasma(Process& process, Conversation& talk, const std
     return result;
 }
 
-TurretUnloadResult LeaveTurret(Process& process, TurretEdits& edits) {
+TurretLeave LeaveTurret(Process& process, StartupPlatform& platform, CardLink* link, TurretEdits& edits) {
     const Directories& dirs = process.Config.Dirs;
     const int slot = ToolingSlot(process);
-    TurretUnloadResult result =
+    TurretLeave result;
+    result.Unload =
         UnloadTurret(SlotFile(dirs, slot, "drw"), dirs.RootDir + "Numbers.tmp", edits.Changes, RewriteDrawingTools);
     edits.Changes.clear();
+    // 3. The program converted again with the tools now in the slot's table.
+    if (result.Unload.ConvertAgain) result.Conversion = ConvertSlotAgain(process, platform, link);
     return result;
 }
 

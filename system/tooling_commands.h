@@ -5,10 +5,12 @@
 // written is named in the result and the old file stays whole.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "system/machine_commands.h"
+#include "system/slots.h"
 #include "tooling/turret_unload.h"
 
 namespace kirvana {
@@ -57,8 +59,17 @@ ToolingChange ApplyTurretSettings(Process& process, Conversation& talk, int stat
 ToolingChange ApplyProgramPlasma(Process& process, Conversation& talk, const std::string& description,
                                  const PlasmaSetting& setting);
 
+// What leaving TurretForm did: the unload's steps, and the program's conversion with the
+// slot's table when it ran (its refusal was shown through the platform's warning screen).
+struct TurretLeave {
+    TurretUnloadResult Unload;
+    std::optional<SelectOutcome> Conversion;
+};
+
 // Leaving TurretForm: with changed tools and the slot's drawing, the drawing's records take
-// the new tools and the numbered tool lines are rewritten. The edits are spent.
-TurretUnloadResult LeaveTurret(Process& process, TurretEdits& edits);
+// the new tools, the numbered tool lines are rewritten, and the program goes through every
+// pass again with the slot's table, so the drawing, the hits and the card's programs carry the
+// tools just defined. The edits are spent.
+TurretLeave LeaveTurret(Process& process, StartupPlatform& platform, CardLink* link, TurretEdits& edits);
 
 }  // namespace kirvana

@@ -8,16 +8,15 @@
 namespace kirvana {
 
 std::string RewriteToolLine(const std::string& line, const std::vector<ToolChange>& changes) {
+    // The header ends at the line's first ":"; a line without one has nothing to write behind.
+    const std::size_t colon = line.find(':');
+    if (colon == std::string::npos) return line;
     for (const auto& change : changes) {
         const std::string number = std::to_string(change.TNumber);
         for (const std::string& form : {"T" + number + "=", "T0" + number + "="}) {
-            std::size_t at = FindNoCase(line, form);
-            if (at == std::string::npos) continue;
-            std::size_t textStart = at + form.size();
-            std::size_t close = line.rfind(')');
-            std::string tail = close != std::string::npos && close >= textStart ? line.substr(close) : std::string();
+            if (FindNoCase(line, form) == std::string::npos) continue;
             std::string text = change.NewTool.IsValid() ? DescribeTool(change.NewTool, false) : std::string();
-            return line.substr(0, textStart) + text + tail;
+            return line.substr(0, colon + 1) + text;
         }
     }
     return line;
@@ -44,7 +43,8 @@ TurretUnloadResult UnloadTurret(const std::string& drawingFile, const std::strin
     if (changes.empty() || !FileExists(drawingFile)) return result;
     // 1. The drawing's records take the new tools.
     if (rewriteDrawing) result.DrawingRewritten = rewriteDrawing(drawingFile, changes);
-    // 2. The numbered tool lines of the source.
+    // 2. The numbered tool lines of the source, when a Numbers.tmp is there: no part of this
+    // system writes one, so it is rewritten only as it was left by another writer or by hand.
     if (FileExists(numbersFile)) result.NumbersRewritten = RewriteToolNumbers(numbersFile, changes);
     // 3. The program is converted again by the caller.
     result.ConvertAgain = true;

@@ -29,13 +29,16 @@ struct TurretUnloadResult {
 TurretUnloadResult UnloadTurret(const std::string& drawingFile, const std::string& numbersFile,
                                 const std::vector<ToolChange>& changes, const DrawingToolRewrite& rewriteDrawing);
 
-// Numbers.tmp holds the source lines that define tools. Each line holding "T" + n + "=" or
-// "T0" + n + "=" for a changed station's T number gets the new tool text behind that "=" (a
-// closing ")" of a comment stays); the others are copied. The result goes through
-// "Update.tmp" beside it, which is deleted at the end. False when Numbers.tmp is missing.
+// Numbers.tmp holds numbered source lines that define tools: each line is a header (the line
+// number in the source), ":", and the line's text. Nothing in this system writes the file; it
+// is rewritten when it is there. Each line that holds "T" + n + "=" or "T0" + n + "=" for a
+// changed station's T number takes the new tool description behind the ":" of its header, in
+// place of what stood there; the other lines are copied. The result is written to "Update.tmp"
+// beside it, which then takes the old file's place. False when Numbers.tmp is missing or
+// cannot be rewritten; it then stays as it was.
 bool RewriteToolNumbers(const std::string& numbersFile, const std::vector<ToolChange>& changes);
 
-// One line of Numbers.tmp with the changes applied.
+// One line of Numbers.tmp with the changes applied; a line without a ":" is copied.
 std::string RewriteToolLine(const std::string& line, const std::vector<ToolChange>& changes);
 
 }  // namespace kirvana

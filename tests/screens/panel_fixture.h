@@ -93,6 +93,7 @@ protected:
             ++Ends;
         };
         options.PowerOff = [this] { ++PowerOffs; };
+        options.Mounts = Mounts;
         panel_ = std::make_unique<Panel>(options);
         return panel_->Start(dir_.Path());
     }
@@ -113,6 +114,8 @@ protected:
     int EndCode = -1;
     int Ends = 0;
     int PowerOffs = 0;
+    // The mount list of the drive lists: by default one without removable media.
+    std::string Mounts;
 };
 
 }  // namespace kirvana

@@ -225,13 +225,15 @@ TEST_F(ToolingCommandTest, LeavingTheTurretGivesTheDrawingsHitsTheNewTool) {
     ToolRecord tool;
     ASSERT_TRUE(ParseToolText("DIAMETER 10", tool, false));
     DefineTurretTool(p, edits, 1, tool);
-    TurretUnloadResult result = LeaveTurret(p, edits);
+    TurretUnloadResult result = LeaveTurret(p, platform, nullptr, edits).Unload;
     EXPECT_TRUE(result.DrawingRewritten);
     EXPECT_TRUE(edits.Changes.empty());
     EXPECT_EQ(stationRecords(1, "Diameter 10"), hitsOfOne);
     EXPECT_EQ(stationRecords(1, ""), 0);
     // Without changes nothing happens.
-    EXPECT_FALSE(LeaveTurret(p, edits).DrawingRewritten);
+    TurretLeave unchanged = LeaveTurret(p, platform, nullptr, edits);
+    EXPECT_FALSE(unchanged.Unload.DrawingRewritten);
+    EXPECT_FALSE(unchanged.Conversion);
 }
 
 TEST_F(ToolingCommandTest, ADrawingThatCannotBeRewrittenStaysWhole) {
@@ -241,7 +243,7 @@ TEST_F(ToolingCommandTest, ADrawingThatCannotBeRewrittenStaysWhole) {
     ToolRecord tool;
     ASSERT_TRUE(ParseToolText("DIAMETER 10", tool, false));
     DefineTurretTool(p, edits, 1, tool);
-    EXPECT_FALSE(LeaveTurret(p, edits).DrawingRewritten);
+    EXPECT_FALSE(RewriteDrawingTools(drawing, edits.Changes));
     EXPECT_EQ(Text(drawing), before);
     // A change no record uses leaves the drawing as it is.
     std::filesystem::remove(drawing + ".tmp");

@@ -344,15 +344,35 @@ TEST_F(TurretTest, UnloadRewritesDrawingThroughTheHookAndTheToolLines) {
     EXPECT_TRUE(result.NumbersRewritten);
     EXPECT_TRUE(result.ConvertAgain);
     ASSERT_EQ(seen.size(), 1u);
-    EXPECT_EQ(
-        *ReadLines(dir_.Path() + "Numbers.tmp"),
-        (std::vector<std::string>{"7:N0007 ! T5=Square 12 a0", "8:N0008 ! T05=Square 12 a0",
-                                  "9:N0009 (T15=Square 10 a0)", "10:N0010 (T5=Square 12 a0)", "11:N0011 G01 X5"}));
+    EXPECT_EQ(*ReadLines(dir_.Path() + "Numbers.tmp"),
+              (std::vector<std::string>{"7:Square 12 a0", "8:Square 12 a0", "9:N0009 (T15=Square 10 a0)",
+                                        "10:Square 12 a0", "11:N0011 G01 X5"}));
     EXPECT_FALSE(std::filesystem::exists(dir_.Path() + "Update.tmp"));
     // Without the hook the drawing stays as it is and the rest still runs.
     result = UnloadTurret(dir_.Path() + "Actvprg1.drw", dir_.Path() + "Numbers.tmp", {change}, nullptr);
     EXPECT_FALSE(result.DrawingRewritten);
     EXPECT_TRUE(result.ConvertAgain);
+}
+
+TEST_F(TurretTest, ToolLinesTakeTheNewDescriptionBehindTheHeadersColon) {
+    ToolChange change;
+    change.Station = 3;
+    change.TNumber = 3;
+    ParseToolText("SQUARE 10 A0", change.OldTool, false);
+    ParseToolText("DIAMETER 8", change.NewTool, false);
+    // The first ":" ends the header, whatever follows.
+    EXPECT_EQ(RewriteToolLine("12:N0012 ! t03=Square 10 a0 : old", {change}), "12:Diameter 8");
+    EXPECT_EQ(RewriteToolLine("4: T3=", {change}), "4:Diameter 8");
+    // Without "=" behind the number, or without a header, the line is copied.
+    EXPECT_EQ(RewriteToolLine("5:N0005 T3 X10", {change}), "5:N0005 T3 X10");
+    EXPECT_EQ(RewriteToolLine("N0006 T3=Square 10 a0", {change}), "N0006 T3=Square 10 a0");
+    // An invalid new tool leaves the header alone.
+    ParseToolText("SQUARE 0.2", change.NewTool, false);
+    EXPECT_EQ(RewriteToolLine("7:T3=Square 10 a0", {change}), "7:");
+    // Without the file nothing is written.
+    EXPECT_FALSE(RewriteToolNumbers(dir_.Path() + "Numbers.tmp", {change}));
+    EXPECT_FALSE(std::filesystem::exists(dir_.Path() + "Numbers.tmp"));
+    EXPECT_FALSE(std::filesystem::exists(dir_.Path() + "Update.tmp"));
 }
 
 TEST(TurretCaptions, SettingsButtonFollowsTheProfiler) {
