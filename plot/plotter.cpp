@@ -20,7 +20,25 @@ bool Finite(PlotPoint p) { return std::isfinite(p.X) && std::isfinite(p.Y); }
 // The records of a part drawn by a Multi-Part entity, at most this many copies of records.
 constexpr std::int64_t MaxPartRecordsDrawn = MaxExpandedHits;
 
+// The farthest any element of the list comes from the hit, at any angle.
+double ListReach(const ShapeList& list) {
+    double reach = 0;
+    for (const ShapeEntry& e : list.Entries) {
+        if (e.Op == '*') break;
+        if (e.Op == 'L')
+            reach = std::max(
+                {reach, static_cast<double>(std::hypot(e.X1, e.Y1)), static_cast<double>(std::hypot(e.X2, e.Y2))});
+        else
+            reach = std::max(reach, static_cast<double>(std::hypot(e.X1, e.Y1)) + std::abs(e.Radius));
+    }
+    return std::isfinite(reach) ? reach : 0;
+}
+
 }  // namespace
+
+PlotRect RectBetween(PlotPoint a, PlotPoint b) {
+    return {std::min(a.X, b.X), std::min(a.Y, b.Y), std::max(a.X, b.X), std::max(a.Y, b.Y)};
+}
 
 double HitAngle(const ToolRecord& tool, double extra1) {
     if (tool.Shape == 'A' || tool.Shape == 'P') return 0;
@@ -124,8 +142,12 @@ void Plotter::PlotHit(int plot, const ToolRecord& tool, PlotPoint position, doub
     // 2. The display list, built anew only when the tool differs from the one it was built from.
     if (!shapes_.Built || !SameShapeTool(tool, shapes_.Tool)) {
         BuildShapeList(tool, toolsDir_, shapes_);
+        reach_ = ListReach(shapes_);
         ++listsBuilt_;
     }
+    // A list that reaches nowhere finite is drawn wherever it stands.
+    if (reach_ > 0 && !InArea(position.X - reach_, position.Y - reach_, position.X + reach_, position.Y + reach_))
+        return;
     ++hitsDrawn_;
     const double radians = DegToRad(angle);
     const double c = std::cos(radians), s = std::sin(radians);
@@ -171,7 +193,10 @@ void Plotter::PlotLine(PlotPoint from, PlotPoint to, std::int32_t colour, PlotPo
 
 void Plotter::PlotLineProfile(const EntityRec& rec, std::int32_t colour) {
     PlotPoint from{rec.Points.Start.X, rec.Points.Start.Y}, to{rec.Points.End.X, rec.Points.End.Y};
-    if (Finite(from) && Finite(to)) canvas_.Line(from, to, colour, LineStyle::Solid, 1);
+    if (!Finite(from) || !Finite(to)) return;
+    const PlotRect box = RectBetween(from, to);
+    if (!InArea(box.X1, box.Y1, box.X2, box.Y2)) return;
+    canvas_.Line(from, to, colour, LineStyle::Solid, 1);
 }
 
 void Plotter::PlotArcProfile(const EntityRec& rec, std::int32_t colour) {
@@ -179,6 +204,7 @@ void Plotter::PlotArcProfile(const EntityRec& rec, std::int32_t colour) {
     const double radius = rec.Values[1], first = rec.Values[10], sweep = rec.Values[11];
     if (!Finite(centre) || !std::isfinite(radius) || !std::isfinite(first) || !std::isfinite(sweep)) return;
     if (radius <= 0 || sweep == 0) return;
+    if (!InArea(centre.X - radius, centre.Y - radius, centre.X + radius, centre.Y + radius)) return;
     const double turn = std::min(std::abs(sweep), 360.0);
     // Clockwise arcs are drawn from their far end.
     const double start = sweep > 0 ? first : first - turn;
@@ -190,11 +216,14 @@ void Plotter::PlotReposition(const EntityRec& rec, std::int32_t colour) {
     PlotPoint at{rec.Points.Position.X, rec.Points.Position.Y};
     if (!Finite(at)) return;
     constexpr double Size = 5;
+    const double shift = rec.Values[1];
+    const bool shiftShown = std::isfinite(shift) && shift != 0 && shift != NoValue;
+    if (!InArea(at.X - Size + std::min(shiftShown ? shift : 0.0, 0.0), at.Y - Size,
+                at.X + Size + std::max(shiftShown ? shift : 0.0, 0.0), at.Y + Size))
+        return;
     canvas_.Polygon({{at.X + Size, at.Y}, {at.X, at.Y + Size}, {at.X - Size, at.Y}, {at.X, at.Y - Size}}, colour,
                     false);
-    const double shift = rec.Values[1];
-    if (std::isfinite(shift) && shift != 0 && shift != NoValue)
-        canvas_.Line(at, {at.X + shift, at.Y}, colour, LineStyle::Dotted, 1);
+    if (shiftShown) canvas_.Line(at, {at.X + shift, at.Y}, colour, LineStyle::Dotted, 1);
 }
 
 void Plotter::PlotMultiPart(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis) {
