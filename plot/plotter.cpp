@@ -17,6 +17,17 @@ bool IsProfile(std::int16_t kind) { return kind == EntityKind::LineProfile || ki
 
 bool Finite(PlotPoint p) { return std::isfinite(p.X) && std::isfinite(p.Y); }
 
+// The slot of `Settings` that holds the plasma kerf width of a profile.
+constexpr std::size_t KerfSlot = 7;
+
+// The width of the kerf line a profile shows beside it; 0 for none (no side, no kerf set).
+double KerfWidth(const EntityRec& rec) {
+    const double kerf = rec.Settings[KerfSlot];
+    if (rec.Compensation != 1 && rec.Compensation != 2) return 0;
+    if (!std::isfinite(kerf) || kerf <= 0 || kerf == NoValue || kerf > 1e6) return 0;
+    return kerf;
+}
+
 // The records of a part drawn by a Multi-Part entity, at most this many copies of records.
 constexpr std::int64_t MaxPartRecordsDrawn = MaxExpandedHits;
 
@@ -195,8 +206,10 @@ void Plotter::PlotLineProfile(const EntityRec& rec, std::int32_t colour) {
     PlotPoint from{rec.Points.Start.X, rec.Points.Start.Y}, to{rec.Points.End.X, rec.Points.End.Y};
     if (!Finite(from) || !Finite(to)) return;
     const PlotRect box = RectBetween(from, to);
-    if (!InArea(box.X1, box.Y1, box.X2, box.Y2)) return;
+    const double kerf = KerfWidth(rec);
+    if (!InArea(box.X1 - kerf, box.Y1 - kerf, box.X2 + kerf, box.Y2 + kerf)) return;
     canvas_.Line(from, to, colour, LineStyle::Solid, 1);
+    PlotKerfLine(rec, colour);
 }
 
 void Plotter::PlotArcProfile(const EntityRec& rec, std::int32_t colour) {
@@ -204,11 +217,50 @@ void Plotter::PlotArcProfile(const EntityRec& rec, std::int32_t colour) {
     const double radius = rec.Values[1], first = rec.Values[10], sweep = rec.Values[11];
     if (!Finite(centre) || !std::isfinite(radius) || !std::isfinite(first) || !std::isfinite(sweep)) return;
     if (radius <= 0 || sweep == 0) return;
-    if (!InArea(centre.X - radius, centre.Y - radius, centre.X + radius, centre.Y + radius)) return;
+    const double reach = radius + KerfWidth(rec);
+    if (!InArea(centre.X - reach, centre.Y - reach, centre.X + reach, centre.Y + reach)) return;
     const double turn = std::min(std::abs(sweep), 360.0);
     // Clockwise arcs are drawn from their far end.
     const double start = sweep > 0 ? first : first - turn;
     canvas_.Arc(centre, radius, start, start + turn, colour);
+    PlotKerfLine(rec, colour);
+}
+
+void Plotter::PlotKerfLine(const EntityRec& rec, std::int32_t colour) {
+    const double kerf = KerfWidth(rec);
+    if (kerf == 0) return;
+    // Left of the way is +1, right -1.
+    const double side = rec.Compensation == 1 ? 1 : -1;
+    if (rec.Kind == EntityKind::LineProfile) {
+        const double dx = static_cast<double>(rec.Points.End.X) - rec.Points.Start.X;
+        const double dy = static_cast<double>(rec.Points.End.Y) - rec.Points.Start.Y;
+        const double length = std::hypot(dx, dy);
+        if (!(length > 0) || !std::isfinite(length)) return;
+        // The left normal of the way from Start to End.
+        const double nx = -dy / length * kerf * side, ny = dx / length * kerf * side;
+        canvas_.Line({rec.Points.Start.X + nx, rec.Points.Start.Y + ny}, {rec.Points.End.X + nx, rec.Points.End.Y + ny},
+                     colour, LineStyle::Dotted, 1);
+        return;
+    }
+    // An arc: its left is towards the centre when it turns counter-clockwise.
+    const double radius = rec.Values[1], first = rec.Values[10], sweep = rec.Values[11];
+    const double offsetRadius = radius - (sweep > 0 ? side : -side) * kerf;
+    if (!(offsetRadius > 0)) return;
+    const double turn = std::min(std::abs(sweep), 360.0);
+    const double start = sweep > 0 ? first : first - turn;
+    // Chords of at most 3 degrees, each stroke dotted.
+    const int pieces = std::max(1, static_cast<int>(std::ceil(turn / 3)));
+    auto at = [&](int k) {
+        const double a = DegToRad(start + turn * k / pieces);
+        return PlotPoint{rec.Points.Position.X + offsetRadius * std::cos(a),
+                         rec.Points.Position.Y + offsetRadius * std::sin(a)};
+    };
+    PlotPoint last = at(0);
+    for (int k = 1; k <= pieces; ++k) {
+        const PlotPoint next = at(k);
+        canvas_.Line(last, next, colour, LineStyle::Dotted, 1);
+        last = next;
+    }
 }
 
 void Plotter::PlotReposition(const EntityRec& rec, std::int32_t colour) {

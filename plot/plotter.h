@@ -98,6 +98,9 @@ private:
     // False when the area is set and the box misses it.
     bool InArea(double x1, double y1, double x2, double y2) const { return !areaSet_ || area_.Meets(x1, y1, x2, y2); }
     void Dispatch(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis, bool inPart);
+    // A profile cut with the kerf to one side (G41 left, G42 right of its way): a dotted line as
+    // far from it as the kerf's width, on that side, so that the two lines bound the cut.
+    void PlotKerfLine(const EntityRec& rec, std::int32_t colour);
 
     Canvas& canvas_;
     const ColourTable& colours_;

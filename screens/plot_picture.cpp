@@ -19,16 +19,16 @@ bool Whole(double origin) { return std::isfinite(origin) && std::abs(origin) < 1
 }  // namespace
 
 bool PlotPicture::Source::operator==(const Source& other) const {
-    return Plot == other.Plot && DrawingPath == other.DrawingPath && Written == other.Written &&
-           Bytes == other.Bytes && SheetX == other.SheetX && SheetY == other.SheetY && Clamps == other.Clamps &&
-           Datum == other.Datum && Colours.Values == other.Colours.Values;
+    return Plot == other.Plot && DrawingPath == other.DrawingPath && Written == other.Written && Bytes == other.Bytes &&
+           SheetX == other.SheetX && SheetY == other.SheetY && Clamps == other.Clamps && Datum == other.Datum &&
+           Colours.Values == other.Colours.Values;
 }
 
 PlotPicture::PlotPicture(const ColourTable& colours, const std::string& toolsDir)
     : colours_(colours), plotter_(canvas_, colours, toolsDir) {}
 
 PlotPicture::Source PlotPicture::SourceOf(const MachineData& machine, const PlotBoxInput& input) const {
-    Source source{input.Plot, input.DrawingPath, {}, 0, input.SheetX, input.SheetY,
+    Source source{input.Plot,   input.DrawingPath,       {},      0, input.SheetX, input.SheetY,
                   input.Clamps, machine.ClampCount == 0, colours_};
     std::error_code error;
     if (!input.DrawingPath.empty()) {

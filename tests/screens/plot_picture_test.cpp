@@ -1,8 +1,8 @@
 // The picture of a plot box kept between redraws: a pan moves it and draws what it uncovers, a
 // zoom draws only what the view shows, and either way the picture is the one a whole redraw of
 // every entity gives, pixel for pixel within the golden pictures' tolerance.
-#include <QDir>
 #include <gtest/gtest.h>
+#include <QDir>
 
 #include "analysis/tool_outline.h"
 #include "screens/plot_picture.h"
@@ -150,7 +150,8 @@ struct PictureTest : ::testing::Test {
         if (differing >= 60) {
             QDir().mkpath(KIRVANA_BINARY_DIR "/screenshots");
             picture.Image().save(QString(KIRVANA_BINARY_DIR "/screenshots/plot_moved_%1.png").arg(what.c_str()));
-            WholeRedraw(picture.View()).save(QString(KIRVANA_BINARY_DIR "/screenshots/plot_whole_%1.png").arg(what.c_str()));
+            WholeRedraw(picture.View())
+                .save(QString(KIRVANA_BINARY_DIR "/screenshots/plot_whole_%1.png").arg(what.c_str()));
         }
     }
 };
