@@ -16,9 +16,9 @@ using namespace kirvana;
 namespace {
 
 ToolRecord ToolOf(int k) {
-    static const char* texts[] = {"DIAMETER 10",     "SQUARE 10 A15",    "RAD-SQUARE 12R2A0", "RECTANGLE 20X8A30",
-                                  "RAD-RECT 20X8R2A45", "OBROUND 20X8A90", "SINGLE-D 12X10A0", "DOUBLE-D 12X9A0",
-                                  "CANNON-D 20X8A0", "HEXAGON 12A0"};
+    static const char* texts[] = {"DIAMETER 10",        "SQUARE 10 A15",   "RAD-SQUARE 12R2A0", "RECTANGLE 20X8A30",
+                                  "RAD-RECT 20X8R2A45", "OBROUND 20X8A90", "SINGLE-D 12X10A0",  "DOUBLE-D 12X9A0",
+                                  "CANNON-D 20X8A0",    "HEXAGON 12A0"};
     ToolRecord tool;
     ParseToolText(texts[k % 10], tool, false);
     tool.Station = 20;
@@ -97,7 +97,8 @@ void BM_PanStep(benchmark::State& state) {
         if (!scene.picture.LastMoved()) state.SkipWithError("the pan drew the whole picture");
         direction = -direction;
     }
-    state.counters["frames/s"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    state.counters["frames/s"] =
+        benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
 }
 
 // A zoom in by 1.5 round the centre, then the zoom out back ("ZOOM &OUT"), from a view a
@@ -110,7 +111,8 @@ void BM_ZoomStep(benchmark::State& state) {
         scene.ZoomTo(in ? fraction * 1.5 : fraction);
         in = !in;
     }
-    state.counters["frames/s"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    state.counters["frames/s"] =
+        benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
 }
 
 // One hit of the running machine drawn solid on the kept picture.
