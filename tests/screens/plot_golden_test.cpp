@@ -46,8 +46,8 @@ QImage Picture(const std::vector<EntityRec>& records, double sheetX, double shee
     PlotView view;
     FitView(view, {static_cast<double>(GoldenSize.width()), static_cast<double>(GoldenSize.height()), 0, 0, sheetX,
                    sheetY, 1});
-    if (!(viewTopLeft == viewBottomRight)) SetViewCorners(view, viewTopLeft.X, viewTopLeft.Y, viewBottomRight.X,
-                                                          viewBottomRight.Y, 1);
+    if (!(viewTopLeft == viewBottomRight))
+        SetViewCorners(view, viewTopLeft.X, viewTopLeft.Y, viewBottomRight.X, viewBottomRight.Y, 1);
     canvas.SetView(view.ViewTopLeft, view.ViewBottomRight);
     DrawSheet(canvas, colours, true, true, sheetX, sheetY);
     Plotter plotter(canvas, colours, "");
