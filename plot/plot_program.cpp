@@ -84,6 +84,12 @@ void PlotBackground(Canvas& canvas, const ColourTable& colours, const PlotView& 
     canvas.SetOverlay(OverlayId::PadCirc2, {true, OverlayForm::Circle, middle + width, padY, radius, 0, pad, true});
 }
 
+void PlaceView(PlotView& view, const MachineData& machine, const PlotBoxInput& input) {
+    if (!view.ViewChanged)
+        FitView(view, {input.BoxWidth, input.BoxHeight, machine.Travel.XLimitMin, machine.Travel.YLimitMin,
+                       input.SheetX, input.SheetY, machine.MachineOrientation});
+}
+
 PlotResult PlotProgram(Plotter& plotter, PlotView& view, const MachineData& machine, const PlotBoxInput& input) {
     PlotResult result;
     Canvas& canvas = plotter.Surface();
@@ -93,14 +99,25 @@ PlotResult PlotProgram(Plotter& plotter, PlotView& view, const MachineData& mach
     DrawSheet(canvas, colours, false, false, input.SheetX, input.SheetY);
     PlotBackground(canvas, colours, view, machine, input, false);
     // 3. The fit, unless the operator zoomed or panned.
-    if (!view.ViewChanged)
-        FitView(view, {input.BoxWidth, input.BoxHeight, machine.Travel.XLimitMin, machine.Travel.YLimitMin,
-                       input.SheetX, input.SheetY, machine.MachineOrientation});
+    PlaceView(view, machine, input);
     // 4. The box's coordinates are table millimetres from here on; what was drawn goes.
     canvas.SetView(view.ViewTopLeft, view.ViewBottomRight);
     canvas.FillRect(view.ViewTopLeft, view.ViewBottomRight, colours[ColourItem::PlotBackground]);
     // 5. The marker step.
     view.MarkerStep = ViewWidthStep(view);
+    // What lies wholly outside the view, or outside the part drawn anew, changes no pixel of it
+    // and is left out. The view's own area is set back at the end, for the hits of a run.
+    const double spreadX =
+        SmoothingSpread * std::abs(view.ViewBottomRight.X - view.ViewTopLeft.X) / std::max(input.BoxWidth, 1.0);
+    const double spreadY =
+        SmoothingSpread * std::abs(view.ViewBottomRight.Y - view.ViewTopLeft.Y) / std::max(input.BoxHeight, 1.0);
+    PlotRect whole = RectBetween(view.ViewTopLeft, view.ViewBottomRight);
+    whole = {whole.X1 - spreadX, whole.Y1 - spreadY, whole.X2 + spreadX, whole.Y2 + spreadY};
+    const bool finiteView = std::isfinite(whole.X1 + whole.Y1 + whole.X2 + whole.Y2);
+    if (finiteView)
+        plotter.SetDrawArea(whole);
+    else
+        plotter.ClearDrawArea();
     // 6. The drawing, when there is one.
     if (input.DrawingPath.empty() || !FileExists(input.DrawingPath)) return result;
     DrawingFile drawing;
@@ -109,6 +126,10 @@ PlotResult PlotProgram(Plotter& plotter, PlotView& view, const MachineData& mach
     DrawSheet(canvas, colours, true, machine.ClampCount == 0, input.SheetX, input.SheetY);
     PlotBackground(canvas, colours, view, machine, input, true);
     plotter.SetPartDir(DirectoryOf(input.DrawingPath));
+    if (input.PartOnly) {
+        if (input.Part.Empty()) return result;
+        plotter.SetDrawArea(input.Part);
+    }
     const std::int32_t last = drawing.LastReadable();
     EntityRec rec;
     for (std::int32_t n = 2; n <= last; ++n) {
@@ -117,6 +138,10 @@ PlotResult PlotProgram(Plotter& plotter, PlotView& view, const MachineData& mach
         ++result.Entities;
     }
     drawing.Close();
+    if (finiteView)
+        plotter.SetDrawArea(whole);
+    else
+        plotter.ClearDrawArea();
     return result;
 }
 

@@ -25,12 +25,22 @@ struct PlotBoxInput {
     double BoxWidth = 0;  // the box's inner size in pixels
     double BoxHeight = 0;
     bool LimitsOn = false;  // "SHOW &LIMITS": punching zones and pads shown
+    // Set: only this part of the view is drawn anew (its caller has clipped the canvas to it),
+    // and what lies wholly outside it is left out; empty, the drawing isn't read at all.
+    bool PartOnly = false;
+    PlotRect Part;
 };
+
+// The pixels an outline may spread beyond its lines when smoothed, and a little more.
+inline constexpr double SmoothingSpread = 3;
 
 struct PlotResult {
     bool DrawingFound = false;
     std::int32_t Entities = 0;  // records handed to PlotEntity
 };
+
+// The view a redraw shows: fitted to the sheet, unless the operator changed it.
+void PlaceView(PlotView& view, const MachineData& machine, const PlotBoxInput& input);
 
 // `PlotProgram`: the view fitted unless the operator changed it, the box cleared, the sheet and
 // its shapes placed, then records 2 to the count drawn in their background colours.

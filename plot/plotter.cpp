@@ -17,10 +17,39 @@ bool IsProfile(std::int16_t kind) { return kind == EntityKind::LineProfile || ki
 
 bool Finite(PlotPoint p) { return std::isfinite(p.X) && std::isfinite(p.Y); }
 
+// The slot of `Settings` that holds the plasma kerf width of a profile.
+constexpr std::size_t KerfSlot = 7;
+
+// The width of the kerf line a profile shows beside it; 0 for none (no side, no kerf set).
+double KerfWidth(const EntityRec& rec) {
+    const double kerf = rec.Settings[KerfSlot];
+    if (rec.Compensation != 1 && rec.Compensation != 2) return 0;
+    if (!std::isfinite(kerf) || kerf <= 0 || kerf == NoValue || kerf > 1e6) return 0;
+    return kerf;
+}
+
 // The records of a part drawn by a Multi-Part entity, at most this many copies of records.
 constexpr std::int64_t MaxPartRecordsDrawn = MaxExpandedHits;
 
+// The farthest any element of the list comes from the hit, at any angle.
+double ListReach(const ShapeList& list) {
+    double reach = 0;
+    for (const ShapeEntry& e : list.Entries) {
+        if (e.Op == '*') break;
+        if (e.Op == 'L')
+            reach = std::max(
+                {reach, static_cast<double>(std::hypot(e.X1, e.Y1)), static_cast<double>(std::hypot(e.X2, e.Y2))});
+        else
+            reach = std::max(reach, static_cast<double>(std::hypot(e.X1, e.Y1)) + std::abs(e.Radius));
+    }
+    return std::isfinite(reach) ? reach : 0;
+}
+
 }  // namespace
+
+PlotRect RectBetween(PlotPoint a, PlotPoint b) {
+    return {std::min(a.X, b.X), std::min(a.Y, b.Y), std::max(a.X, b.X), std::max(a.Y, b.Y)};
+}
 
 double HitAngle(const ToolRecord& tool, double extra1) {
     if (tool.Shape == 'A' || tool.Shape == 'P') return 0;
@@ -124,8 +153,12 @@ void Plotter::PlotHit(int plot, const ToolRecord& tool, PlotPoint position, doub
     // 2. The display list, built anew only when the tool differs from the one it was built from.
     if (!shapes_.Built || !SameShapeTool(tool, shapes_.Tool)) {
         BuildShapeList(tool, toolsDir_, shapes_);
+        reach_ = ListReach(shapes_);
         ++listsBuilt_;
     }
+    // A list that reaches nowhere finite is drawn wherever it stands.
+    if (reach_ > 0 && !InArea(position.X - reach_, position.Y - reach_, position.X + reach_, position.Y + reach_))
+        return;
     ++hitsDrawn_;
     const double radians = DegToRad(angle);
     const double c = std::cos(radians), s = std::sin(radians);
@@ -171,7 +204,12 @@ void Plotter::PlotLine(PlotPoint from, PlotPoint to, std::int32_t colour, PlotPo
 
 void Plotter::PlotLineProfile(const EntityRec& rec, std::int32_t colour) {
     PlotPoint from{rec.Points.Start.X, rec.Points.Start.Y}, to{rec.Points.End.X, rec.Points.End.Y};
-    if (Finite(from) && Finite(to)) canvas_.Line(from, to, colour, LineStyle::Solid, 1);
+    if (!Finite(from) || !Finite(to)) return;
+    const PlotRect box = RectBetween(from, to);
+    const double kerf = KerfWidth(rec);
+    if (!InArea(box.X1 - kerf, box.Y1 - kerf, box.X2 + kerf, box.Y2 + kerf)) return;
+    canvas_.Line(from, to, colour, LineStyle::Solid, 1);
+    PlotKerfLine(rec, colour);
 }
 
 void Plotter::PlotArcProfile(const EntityRec& rec, std::int32_t colour) {
@@ -179,10 +217,50 @@ void Plotter::PlotArcProfile(const EntityRec& rec, std::int32_t colour) {
     const double radius = rec.Values[1], first = rec.Values[10], sweep = rec.Values[11];
     if (!Finite(centre) || !std::isfinite(radius) || !std::isfinite(first) || !std::isfinite(sweep)) return;
     if (radius <= 0 || sweep == 0) return;
+    const double reach = radius + KerfWidth(rec);
+    if (!InArea(centre.X - reach, centre.Y - reach, centre.X + reach, centre.Y + reach)) return;
     const double turn = std::min(std::abs(sweep), 360.0);
     // Clockwise arcs are drawn from their far end.
     const double start = sweep > 0 ? first : first - turn;
     canvas_.Arc(centre, radius, start, start + turn, colour);
+    PlotKerfLine(rec, colour);
+}
+
+void Plotter::PlotKerfLine(const EntityRec& rec, std::int32_t colour) {
+    const double kerf = KerfWidth(rec);
+    if (kerf == 0) return;
+    // Left of the way is +1, right -1.
+    const double side = rec.Compensation == 1 ? 1 : -1;
+    if (rec.Kind == EntityKind::LineProfile) {
+        const double dx = static_cast<double>(rec.Points.End.X) - rec.Points.Start.X;
+        const double dy = static_cast<double>(rec.Points.End.Y) - rec.Points.Start.Y;
+        const double length = std::hypot(dx, dy);
+        if (!(length > 0) || !std::isfinite(length)) return;
+        // The left normal of the way from Start to End.
+        const double nx = -dy / length * kerf * side, ny = dx / length * kerf * side;
+        canvas_.Line({rec.Points.Start.X + nx, rec.Points.Start.Y + ny}, {rec.Points.End.X + nx, rec.Points.End.Y + ny},
+                     colour, LineStyle::Dotted, 1);
+        return;
+    }
+    // An arc: its left is towards the centre when it turns counter-clockwise.
+    const double radius = rec.Values[1], first = rec.Values[10], sweep = rec.Values[11];
+    const double offsetRadius = radius - (sweep > 0 ? side : -side) * kerf;
+    if (!(offsetRadius > 0)) return;
+    const double turn = std::min(std::abs(sweep), 360.0);
+    const double start = sweep > 0 ? first : first - turn;
+    // Chords of at most 3 degrees, each stroke dotted.
+    const int pieces = std::max(1, static_cast<int>(std::ceil(turn / 3)));
+    auto at = [&](int k) {
+        const double a = DegToRad(start + turn * k / pieces);
+        return PlotPoint{rec.Points.Position.X + offsetRadius * std::cos(a),
+                         rec.Points.Position.Y + offsetRadius * std::sin(a)};
+    };
+    PlotPoint last = at(0);
+    for (int k = 1; k <= pieces; ++k) {
+        const PlotPoint next = at(k);
+        canvas_.Line(last, next, colour, LineStyle::Dotted, 1);
+        last = next;
+    }
 }
 
 void Plotter::PlotReposition(const EntityRec& rec, std::int32_t colour) {
@@ -190,11 +268,14 @@ void Plotter::PlotReposition(const EntityRec& rec, std::int32_t colour) {
     PlotPoint at{rec.Points.Position.X, rec.Points.Position.Y};
     if (!Finite(at)) return;
     constexpr double Size = 5;
+    const double shift = rec.Values[1];
+    const bool shiftShown = std::isfinite(shift) && shift != 0 && shift != NoValue;
+    if (!InArea(at.X - Size + std::min(shiftShown ? shift : 0.0, 0.0), at.Y - Size,
+                at.X + Size + std::max(shiftShown ? shift : 0.0, 0.0), at.Y + Size))
+        return;
     canvas_.Polygon({{at.X + Size, at.Y}, {at.X, at.Y + Size}, {at.X - Size, at.Y}, {at.X, at.Y - Size}}, colour,
                     false);
-    const double shift = rec.Values[1];
-    if (std::isfinite(shift) && shift != 0 && shift != NoValue)
-        canvas_.Line(at, {at.X + shift, at.Y}, colour, LineStyle::Dotted, 1);
+    if (shiftShown) canvas_.Line(at, {at.X + shift, at.Y}, colour, LineStyle::Dotted, 1);
 }
 
 void Plotter::PlotMultiPart(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis) {

@@ -27,6 +27,18 @@ inline constexpr int DialoguePlot = 0;
 // The stored point of PlotLine that is not set.
 inline constexpr PlotPoint UnsetPoint{-999, -999};
 
+// A rectangle of the table between its low and high corners.
+struct PlotRect {
+    double X1 = 0, Y1 = 0, X2 = 0, Y2 = 0;
+    // Has a point in common with the box between (x1, y1) and (x2, y2).
+    bool Meets(double x1, double y1, double x2, double y2) const {
+        return x1 <= X2 && x2 >= X1 && y1 <= Y2 && y2 >= Y1;
+    }
+    bool Empty() const { return !(X2 > X1) || !(Y2 > Y1); }
+};
+// The rectangle between two corners in any order.
+PlotRect RectBetween(PlotPoint a, PlotPoint b);
+
 class Plotter {
 public:
     Plotter(Canvas& canvas, const ColourTable& colours, std::string toolsDir);
@@ -67,6 +79,15 @@ public:
     // The line through the stored points: a set point that differs from an end takes its place.
     void PlotLine(PlotPoint from, PlotPoint to, std::int32_t colour, PlotPoint& storedStart, PlotPoint& storedEnd);
 
+    // Only what reaches into the area is drawn from now on: a hit, profile or reposition wholly
+    // outside it cannot change a pixel there, so it is left out before its outline is built.
+    void SetDrawArea(PlotRect area) {
+        area_ = area;
+        areaSet_ = true;
+    }
+    // Everything is drawn again, wherever it lies.
+    void ClearDrawArea() { areaSet_ = false; }
+
     const ShapeList& Shapes() const { return shapes_; }
     // Hits drawn since the plotter was made; a measure for tests and benchmarks.
     std::int64_t HitsDrawn() const { return hitsDrawn_; }
@@ -74,7 +95,12 @@ public:
     std::int64_t ListsBuilt() const { return listsBuilt_; }
 
 private:
+    // False when the area is set and the box misses it.
+    bool InArea(double x1, double y1, double x2, double y2) const { return !areaSet_ || area_.Meets(x1, y1, x2, y2); }
     void Dispatch(int plot, const EntityRec& rec, std::int32_t colour, bool emphasis, bool inPart);
+    // A profile cut with the kerf to one side (G41 left, G42 right of its way): a dotted line as
+    // far from it as the kerf's width, on that side, so that the two lines bound the cut.
+    void PlotKerfLine(const EntityRec& rec, std::int32_t colour);
 
     Canvas& canvas_;
     const ColourTable& colours_;
@@ -84,6 +110,9 @@ private:
     std::vector<OutlinePiece> pieces_;
     bool trailSet_ = false;
     PlotPoint trailLast_;
+    double reach_ = 0;  // the farthest the display list comes from the hit
+    PlotRect area_;
+    bool areaSet_ = false;
     std::int64_t hitsDrawn_ = 0;
     std::int64_t listsBuilt_ = 0;
 };

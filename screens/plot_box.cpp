@@ -6,7 +6,7 @@
 namespace kirvana {
 
 PlotBox::PlotBox(int index, const ColourTable& colours, const std::string& toolsDir, QWidget* parent)
-    : QFrame(parent), index_(index), plotter_(std::make_unique<Plotter>(canvas_, colours, toolsDir)) {
+    : QFrame(parent), index_(index), picture_(colours, toolsDir) {
     setObjectName(QString("PlotBox%1").arg(index));
     setFrameShape(QFrame::Box);
     setLineWidth(2);
@@ -14,37 +14,31 @@ PlotBox::PlotBox(int index, const ColourTable& colours, const std::string& tools
 }
 
 PlotResult PlotBox::Redraw(const MachineData& machine, PlotBoxInput input) {
-    const QSize size = contentsRect().size().expandedTo(QSize(1, 1));
-    if (image_.size() != size) image_ = QImage(size, QImage::Format_RGB32);
-    image_.fill(PlotColour(plotter_->Colours()[ColourItem::PlotBackground]));
-    canvas_.SetDevice(&image_, size);
     input.Plot = index_;
-    input.BoxWidth = size.width();
-    input.BoxHeight = size.height();
-    PlotResult result = PlotProgram(*plotter_, view_, machine, input);
+    PlotResult result = picture_.Draw(machine, input, contentsRect().size());
     Show();
     return result;
 }
 
 void PlotBox::Show() {
-    canvas_.Finish();
+    Canvas().Finish();
     update();
 }
 
 void PlotBox::resizeEvent(QResizeEvent* event) {
     QFrame::resizeEvent(event);
-    if (Resized && !image_.isNull() && NeedsRedraw()) Resized(index_);
+    if (Resized && !Picture().isNull() && NeedsRedraw()) Resized(index_);
 }
 
 void PlotBox::paintEvent(QPaintEvent* event) {
     QFrame::paintEvent(event);
-    canvas_.Finish();
+    Canvas().Finish();
     QPainter painter(this);
     const QRect inner = contentsRect();
     painter.setClipRect(inner);
-    if (!image_.isNull()) painter.drawImage(inner.topLeft(), image_);
+    if (!Picture().isNull()) painter.drawImage(inner.topLeft(), Picture());
     painter.translate(inner.topLeft());
-    canvas_.PaintOverlays(painter);
+    Canvas().PaintOverlays(painter);
 }
 
 }  // namespace kirvana

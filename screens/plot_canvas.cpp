@@ -16,6 +16,20 @@ bool Reasonable(QPointF p) {
 
 }  // namespace
 
+PixelMapping MappingOf(PlotPoint topLeft, PlotPoint bottomRight, QSize size) {
+    PixelMapping map;
+    const double width = bottomRight.X - topLeft.X, height = bottomRight.Y - topLeft.Y;
+    map.ScaleX = width != 0 && std::isfinite(width) ? size.width() / width : 1;
+    map.ScaleY = height != 0 && std::isfinite(height) ? size.height() / height : 1;
+    // The corner on whole pixels where it can be; a corner beyond any pixel is left as it is.
+    auto origin = [](double corner) {
+        return std::isfinite(corner) && std::abs(corner) < 1e15 ? std::floor(corner) : corner;
+    };
+    map.OriginX = origin(topLeft.X * map.ScaleX);
+    map.OriginY = origin(topLeft.Y * map.ScaleY);
+    return map;
+}
+
 QColor PlotColour(std::int32_t colour) { return QColor(colour & 0xFF, (colour >> 8) & 0xFF, (colour >> 16) & 0xFF); }
 
 PlotCanvas::~PlotCanvas() { Finish(); }
@@ -24,6 +38,17 @@ void PlotCanvas::SetDevice(QPaintDevice* device, QSize size) {
     Finish();
     device_ = device;
     size_ = size;
+    clip_ = QRect();
+}
+
+void PlotCanvas::SetClip(QRect pixels) {
+    Flush();
+    clip_ = pixels;
+    if (!painter_.isActive()) return;
+    if (clip_.isEmpty())
+        painter_.setClipping(false);
+    else
+        painter_.setClipRect(clip_);
 }
 
 void PlotCanvas::Finish() {
@@ -37,6 +62,7 @@ QPainter* PlotCanvas::Painter() {
     if (!painter_.isActive()) {
         if (!painter_.begin(device_)) return nullptr;
         painter_.setRenderHint(QPainter::Antialiasing, smooth_);
+        if (!clip_.isEmpty()) painter_.setClipRect(clip_);
         penColour_ = -1;
     }
     return &painter_;
@@ -65,20 +91,18 @@ void PlotCanvas::Pen(std::int32_t colour, LineStyle style, int width) {
     penWidth_ = width;
 }
 
-QPointF PlotCanvas::ToPixel(PlotPoint p) const { return {(p.X - topLeft_.X) * scaleX_, (p.Y - topLeft_.Y) * scaleY_}; }
+QPointF PlotCanvas::ToPixel(PlotPoint p) const {
+    return {p.X * map_.ScaleX - map_.OriginX, p.Y * map_.ScaleY - map_.OriginY};
+}
 
 PlotPoint PlotCanvas::ToTable(QPointF pixel) const {
-    return {topLeft_.X + pixel.x() / scaleX_, topLeft_.Y + pixel.y() / scaleY_};
+    return {(pixel.x() + map_.OriginX) / map_.ScaleX, (pixel.y() + map_.OriginY) / map_.ScaleY};
 }
 
-void PlotCanvas::SetView(PlotPoint topLeft, PlotPoint bottomRight) {
-    const double width = bottomRight.X - topLeft.X, height = bottomRight.Y - topLeft.Y;
-    topLeft_ = topLeft;
-    scaleX_ = width != 0 && std::isfinite(width) ? size_.width() / width : 1;
-    scaleY_ = height != 0 && std::isfinite(height) ? size_.height() / height : 1;
-}
+void PlotCanvas::SetView(PlotPoint topLeft, PlotPoint bottomRight) { map_ = MappingOf(topLeft, bottomRight, size_); }
 
 void PlotCanvas::Line(PlotPoint from, PlotPoint to, std::int32_t colour, LineStyle style, int width) {
+    ++drawCalls_;
     QPointF a = ToPixel(from), b = ToPixel(to);
     if (!Reasonable(a) || !Reasonable(b)) return;
     if (!Painter()) return;
@@ -89,14 +113,14 @@ void PlotCanvas::Line(PlotPoint from, PlotPoint to, std::int32_t colour, LineSty
 bool PlotCanvas::ArcGeometry(PlotPoint centre, double radius, double start, double end, QRectF& box, int& qtStart,
                              int& qtSpan) const {
     QPointF c = ToPixel(centre);
-    const double rx = std::abs(radius * scaleX_), ry = std::abs(radius * scaleY_);
+    const double rx = std::abs(radius * map_.ScaleX), ry = std::abs(radius * map_.ScaleY);
     if (!Reasonable(c) || !std::isfinite(rx) || !std::isfinite(ry) || rx > FarPixel || ry > FarPixel) return false;
     if (!std::isfinite(start) || !std::isfinite(end) || std::abs(start) > 1e6 || std::abs(end) > 1e6) return false;
     box = QRectF(c.x() - rx, c.y() - ry, 2 * rx, 2 * ry);
     const double span = std::min(end - start, 360.0);
     // Qt turns counter-clockwise as seen; with Y growing down the screen a table angle is seen
     // mirrored.
-    const bool yUp = scaleY_ < 0;
+    const bool yUp = map_.ScaleY < 0;
     const double from = yUp ? start : -(start + span);
     qtStart = static_cast<int>(std::lround(from * 16));
     qtSpan = static_cast<int>(std::lround(span * 16));
@@ -104,6 +128,7 @@ bool PlotCanvas::ArcGeometry(PlotPoint centre, double radius, double start, doub
 }
 
 void PlotCanvas::Arc(PlotPoint centre, double radius, double startAngle, double endAngle, std::int32_t colour) {
+    ++drawCalls_;
     QRectF box;
     int qtStart = 0, qtSpan = 0;
     if (!ArcGeometry(centre, radius, startAngle, endAngle, box, qtStart, qtSpan)) return;
@@ -130,6 +155,7 @@ void PlotCanvas::Arc(PlotPoint centre, double radius, double startAngle, double 
 }
 
 void PlotCanvas::FillRect(PlotPoint corner1, PlotPoint corner2, std::int32_t colour) {
+    ++drawCalls_;
     QPointF a = ToPixel(corner1), b = ToPixel(corner2);
     auto clamp = [](QPointF q) {
         return QPointF(std::clamp(q.x(), -FarPixel, FarPixel), std::clamp(q.y(), -FarPixel, FarPixel));
@@ -142,6 +168,7 @@ void PlotCanvas::FillRect(PlotPoint corner1, PlotPoint corner2, std::int32_t col
 }
 
 void PlotCanvas::Polygon(const std::vector<PlotPoint>& points, std::int32_t colour, bool filled) {
+    ++drawCalls_;
     QPolygonF polygon;
     for (const PlotPoint& point : points) {
         QPointF q = ToPixel(point);
@@ -158,6 +185,7 @@ void PlotCanvas::Polygon(const std::vector<PlotPoint>& points, std::int32_t colo
 }
 
 void PlotCanvas::FillOutline(const std::vector<OutlinePiece>& pieces, std::int32_t colour) {
+    ++drawCalls_;
     QPainterPath path;
     bool started = false;
     for (const OutlinePiece& piece : pieces) {
@@ -180,8 +208,8 @@ void PlotCanvas::FillOutline(const std::vector<OutlinePiece>& pieces, std::int32
         };
         QPointF first = at(piece.StartAngle), last = at(piece.EndAngle);
         const double start = qtStart / 16.0, span = qtSpan / 16.0;
-        QPointF qtFirst = scaleY_ < 0 ? first : last;  // where Qt's sweep begins
-        QPointF qtLast = scaleY_ < 0 ? last : first;
+        QPointF qtFirst = map_.ScaleY < 0 ? first : last;  // where Qt's sweep begins
+        QPointF qtLast = map_.ScaleY < 0 ? last : first;
         if (!started) path.moveTo(qtFirst);
         started = true;
         QPointF now = path.currentPosition();
@@ -219,7 +247,7 @@ void PlotCanvas::PaintOverlays(QPainter& painter) const {
                 break;
             }
             case OverlayForm::Circle: {
-                const double rx = std::abs(o.X2 * scaleX_), ry = std::abs(o.X2 * scaleY_);
+                const double rx = std::abs(o.X2 * map_.ScaleX), ry = std::abs(o.X2 * map_.ScaleY);
                 if (Reasonable(a) && rx < FarPixel && ry < FarPixel) painter.drawEllipse(a, rx, ry);
                 break;
             }

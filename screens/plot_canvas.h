@@ -14,6 +14,16 @@
 
 namespace kirvana {
 
+// How table millimetres become pixels: pixel = millimetres x scale - origin. The origin is the
+// view's corner on the whole pixels of its scale, so that two views of one scale see the table on
+// the same pixel grid, a whole number of pixels apart: a panned picture can be moved and be the
+// same as one drawn anew. (The picture stands under a pixel off the exact corner.)
+struct PixelMapping {
+    double ScaleX = 1, ScaleY = 1;
+    double OriginX = 0, OriginY = 0;
+};
+PixelMapping MappingOf(PlotPoint topLeft, PlotPoint bottomRight, QSize size);
+
 class PlotCanvas : public Canvas {
 public:
     PlotCanvas() = default;
@@ -23,6 +33,9 @@ public:
 
     // The device drawn on from the next call on, of this size in pixels; nullptr for none.
     void SetDevice(QPaintDevice* device, QSize size);
+    // Only the pixels inside the rectangle are painted until the next SetDevice; an empty
+    // rectangle paints everywhere.
+    void SetClip(QRect pixels);
     // Smoothed (antialiased) lines: finer, and some times slower.
     void SetSmooth(bool smooth) {
         Finish();
@@ -35,6 +48,9 @@ public:
     // The table point at a pixel of the device, and back.
     QPointF ToPixel(PlotPoint p) const;
     PlotPoint ToTable(QPointF pixel) const;
+    const PixelMapping& Mapping() const { return map_; }
+    // Drawing calls made since the canvas was made: tells whether a picture was drawn over.
+    std::int64_t DrawCalls() const { return drawCalls_; }
 
     void SetView(PlotPoint topLeft, PlotPoint bottomRight) override;
     void Line(PlotPoint from, PlotPoint to, std::int32_t colour, LineStyle style, int width) override;
@@ -59,8 +75,9 @@ private:
     QPaintDevice* device_ = nullptr;
     QSize size_;
     QPainter painter_;
-    PlotPoint topLeft_{0, 0};
-    double scaleX_ = 1, scaleY_ = 1;
+    PixelMapping map_;
+    QRect clip_;
+    std::int64_t drawCalls_ = 0;
     std::int32_t penColour_ = -1;
     LineStyle penStyle_ = LineStyle::Solid;
     int penWidth_ = -1;
