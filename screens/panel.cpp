@@ -18,6 +18,7 @@
 #include "screens/panel_style.h"
 #include "screens/plot_box.h"
 #include "screens/program_form.h"
+#include "screens/restart_forms.h"
 #include "screens/shutdown_form.h"
 #include "screens/splash_form.h"
 #include "screens/tooling_forms.h"
@@ -62,6 +63,7 @@ void Panel::RegisterForms() {
     forms_.Register("KeyboardForm", [this] { return std::make_unique<KeyboardForm>(*this); });
     forms_.Register("UserForm", [this] { return std::make_unique<UserForm>(*this); });
     RegisterProgramForms(*this, forms_);
+    RegisterRestartForms(*this, forms_);
     RegisterToolingForms(*this, forms_);
     RegisterMachineForms(forms_, *this);
     RegisterFileForms(*this);
