@@ -22,7 +22,8 @@ const SlotRecord& Record(const Process& process, int slot) {
 
 // The block files of the slot's main program hold exactly its records; else the damaged one.
 std::string DamagedBlockFile(const Process& process, int slot) {
-    const auto count = static_cast<std::uintmax_t>(std::max<std::int32_t>(Record(process, slot).Counts[0].SourceRecordCount, 0));
+    const auto count =
+        static_cast<std::uintmax_t>(std::max<std::int32_t>(Record(process, slot).Counts[0].SourceRecordCount, 0));
     for (auto [extension, width] : {std::pair{"RA1", SourceWidth}, {"RM1", MotionWidth}}) {
         const std::string path = SlotFile(process.Config.Dirs, slot, extension);
         std::error_code error;
@@ -122,7 +123,7 @@ RestartOutcome RunRestart(Conversation& talk, const Process& process, const Rest
         return RestartOutcome::DownloadFault;
     }
     return GetGoing(talk, process, session.Slot, session.Point, hooks.Going) ? RestartOutcome::Started
-                                                                               : RestartOutcome::Left;
+                                                                             : RestartOutcome::Left;
 }
 
 }  // namespace kirvana

@@ -14,7 +14,6 @@
 
 using namespace kirvana;
 
-
 class RestartFormsTest : public ProgramFormsTest {
 protected:
     void SetUp() override {
@@ -149,9 +148,9 @@ TEST_F(RestartFormsTest, ExitDuringTheWaitGivesTheSlotBackAndSendsNoRunCommand) 
     EXPECT_FALSE(form_->CycleStartLit());
     std::vector<std::string> sent = Received();
     // The poll's reads go on; the last command is the slot given back.
-    sent.erase(std::remove_if(sent.begin(), sent.end(),
-                              [](const std::string& s) { return s.find('=') == std::string::npos; }),
-               sent.end());
+    sent.erase(
+        std::remove_if(sent.begin(), sent.end(), [](const std::string& s) { return s.find('=') == std::string::npos; }),
+        sent.end());
     ASSERT_FALSE(sent.empty());
     EXPECT_EQ(sent.back(), "M811=1");
     EXPECT_EQ(std::count_if(sent.begin(), sent.end(), [](const std::string& s) { return s[0] == 'B'; }), 0);
