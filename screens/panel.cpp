@@ -122,8 +122,10 @@ void Panel::DoKeyAction(const KeyResult& result) {
             if (frontEnd_) frontEnd_->SetText("");
             break;
         case KeyAction::PathKey:
+            // The place the key reached stays on TextPanel, over the mode's prompt.
+            if (frontEnd_) frontEnd_->ShowNavigation();
             PlotPathKey(result.Index);
-            break;
+            return;
         case KeyAction::ToggleLimits:
             RedrawPlot(ActivePlot());
             break;
@@ -224,9 +226,10 @@ void Panel::CursorButton(int index) {
 }
 
 void Panel::CursorCancel() {
-    if (nav_.ViewMode >= 5 && nav_.ViewMode <= 8)
+    if (nav_.ViewMode >= 5 && nav_.ViewMode <= 8) {
         nav_.ViewMode = 0;
-    else
+        visual_ = VisualRestart{};
+    } else
         CursorCancelled(nav_);
     DoKeyAction({KeyAction::CursorCancel, {}, 0});
 }

@@ -13,6 +13,7 @@
 #include "controller/pmac_ethernet_link.h"
 #include "navigation/colours.h"
 #include "navigation/navigation.h"
+#include "navigation/visual_restart.h"
 #include "navigation/warning.h"
 #include "plot/path_stepper.h"
 #include "plot/plot_config.h"
@@ -72,6 +73,9 @@ public:
     void GraphicsButton(int index);
     void CursorButton(int index);
     void CursorCancel();
+    // The visual restart: the path keys pick a hit on the active slot's plot (panel_plot.cpp).
+    void BeginVisualRestart();
+    const VisualRestart& Visual() const { return visual_; }
 
     // The plot (panel_plot.cpp). RedrawPlot draws the box's drawing anew and, unless told not
     // to, resets the run data of its slot.
@@ -135,6 +139,7 @@ private:
     void PlotCursorKey(int index, std::int16_t modeBefore);
     void HidePlotCursor();
     void PlotPathKey(int index);
+    void VisualRestartKey(int index);
 
     PanelOptions options_;
     Process process_;
@@ -155,6 +160,7 @@ private:
     PlotConfig plotConfig_;
     PlotCursor cursor_;
     PathStepper path_;
+    VisualRestart visual_;
     std::int16_t modeBeforeKey_ = 0;
 };
 

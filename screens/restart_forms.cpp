@@ -42,18 +42,33 @@ BlockStartForm::BlockStartForm(Panel& panel, std::shared_ptr<RestartSession> ses
     auto* up = FormButton(this, c, "PAGE &UP", "PageUpButton");
     auto* down = FormButton(this, c, "PAGE &DOWN", "PageDownButton");
     auto* block = FormButton(this, c, "&BLOCK ...", "BlockPadButton");
+    auto* visual = FormButton(this, c, "&VISUAL", "VisualButton");
     select_ = FormButton(this, c, "&SELECT", "SelectButton");
     auto* exit = FormButton(this, c, "E&XIT", "ExitButton");
-    for (QPushButton* button : {up, down, block, select_, exit}) buttons->addWidget(button);
+    for (QPushButton* button : {up, down, block, visual, select_, exit}) buttons->addWidget(button);
     layout->addLayout(buttons);
-    for (auto [code, button] : {std::pair{'U', up}, {'D', down}, {'B', block}, {'S', select_}, {'X', exit}})
+    for (auto [code, button] :
+         {std::pair{'U', up}, {'D', down}, {'B', block}, {'V', visual}, {'S', select_}, {'X', exit}})
         keys_.Add(code, button);
     connect(up, &QPushButton::clicked, this, [this] { Page(-1); });
     connect(down, &QPushButton::clicked, this, [this] { Page(1); });
     connect(block, &QPushButton::clicked, this, [this] { GoToBlock(); });
     connect(select_, &QPushButton::clicked, this, [this] { Select(); });
     connect(list_, &QListWidget::itemDoubleClicked, this, [this] { Select(); });
+    connect(visual, &QPushButton::clicked, this, [this] { Visual(); });
     connect(exit, &QPushButton::clicked, this, [this] { accept(); });
+}
+
+void BlockStartForm::Visual() {
+    // The pick happens on FrontEnd's plot: this form and ProgramForm give way to it.
+    if (Refusal refused = RestartInterlock(panel_.State())) {
+        Warn(panel_, *refused);
+        return;
+    }
+    accept();
+    if (PanelForm* program = panel_.Forms().Loaded("ProgramForm"); program && program->isVisible()) program->accept();
+    Panel* panel = &panel_;
+    QTimer::singleShot(0, panel, [panel] { panel->BeginVisualRestart(); });
 }
 
 void BlockStartForm::Activate() {

@@ -31,6 +31,7 @@ private:
     void Page(int direction);
     void GoToBlock();
     void Select();
+    void Visual();
 
     std::shared_ptr<RestartSession> session_;
     QLabel* program_;

@@ -2,6 +2,7 @@
 // faults, what RestartForm shows, and the activation with its question, download and wait, on a
 // fake card that records what it is sent.
 #include "navigation/restart_screens.h"
+#include "navigation/visual_restart.h"
 
 #include <gtest/gtest.h>
 
@@ -62,9 +63,12 @@ struct RestartScreensTest : ::testing::Test {
         p.Slots[0].Counts[0] = *counts;
         p.Slots[0].Present = true;
     }
-    std::int64_t SentCount(const std::string& text) const { return std::count(card.Sent.begin(), card.Sent.end(), text); }
+    std::int64_t SentCount(const std::string& text) const {
+        return std::count(card.Sent.begin(), card.Sent.end(), text);
+    }
     bool ProgramSent() const {
-        return std::any_of(card.Sent.begin(), card.Sent.end(), [](const std::string& s) { return s.starts_with("FILE "); });
+        return std::any_of(card.Sent.begin(), card.Sent.end(),
+                           [](const std::string& s) { return s.starts_with("FILE "); });
     }
 };
 
@@ -192,6 +196,67 @@ TEST_F(RestartScreensTest, BlockNeverReachedIsShownAndNothingSent) {
     EXPECT_TRUE(card.Sent.empty());
     EXPECT_FALSE(ProgramSent());
     EXPECT_FALSE(std::filesystem::exists(dir.Path() + "DownPrg.tmp"));
+}
+
+TEST_F(RestartScreensTest, VisualRestartCountsHitsOnViewSplitsAPatternAndPicksItsHit) {
+    Select(Row);  // record 2 a Punch at 100,100; record 3 five hits from 200,100 by 10; record 4 at 300,300
+    const std::string drw = SlotFile(p.Config.Dirs, 1, "drw");
+    PlotView view;
+    view.ViewTopLeft = {0, 400};
+    view.ViewBottomRight = {400, 0};
+    EXPECT_EQ(HitsOnView(drw, view), 7);
+    view.ViewTopLeft = {195, 105};
+    view.ViewBottomRight = {225, 95};
+    EXPECT_EQ(HitsOnView(drw, view), 3);
+    view.ViewTopLeft = {500, 600};
+    view.ViewBottomRight = {600, 500};
+    VisualRestart visual;
+    EXPECT_EQ(StartVisualRestart(p, 1, view, visual), "Can Not Visually Restart\n\nIf No Punches Are On View !");
+    EXPECT_FALSE(visual.Active);
+    view.ViewTopLeft = {0, 400};
+    view.ViewBottomRight = {400, 0};
+    ASSERT_EQ(StartVisualRestart(p, 1, view, visual), "");
+    EXPECT_TRUE(visual.Active);
+    // A Punch is no pattern to split; the grid is, into "SplitCyc.drw" of the installation.
+    EXPECT_EQ(SplitPickedEntity(p, 1, 2, visual), "Can Not Visually Restart\n\nPick A Pattern To Split !");
+    ASSERT_EQ(SplitPickedEntity(p, 1, 3, visual), "");
+    EXPECT_EQ(visual.Record, 3);
+    EXPECT_EQ(visual.SplitHits, 5);
+    EXPECT_EQ(PickDrawingPath(p, 1, visual), dir.Path() + "SplitCyc.drw");
+    RestartSession session;
+    PickState pick;
+    EXPECT_EQ(SelectVisualRestart(p, 1, pick, visual, session),
+              "Can Not Visually Restart\n\nPick A Hit With The Path Keys !");
+    pick.Record = 4;  // the split file's record 4: hit 3
+    ASSERT_EQ(SelectVisualRestart(p, 1, pick, visual, session), "");
+    EXPECT_EQ(session.Point.RestartHit, 3);
+    EXPECT_EQ(session.Point.Kind, RestartKind::Cycle);
+    EXPECT_FLOAT_EQ(session.Point.Record.TargetState.X, 220);
+    EXPECT_EQ(session.Point.Record.TargetState.Hits, 3);
+    // Unsplit, an entity restarts at its first hit.
+    pick.Record = 4;
+    ASSERT_EQ(SelectVisualRestart(p, 1, pick, VisualRestart{true, 0, 0}, session), "");
+    EXPECT_EQ(session.Point.Kind, RestartKind::Point);
+    EXPECT_EQ(session.Point.RestartHit, 1);
+    EXPECT_EQ(session.Point.Record.TargetState.Hits, 6);
+    EXPECT_TRUE(card.Sent.empty());
+}
+
+TEST_F(RestartScreensTest, VisualRestartRefusedWithAHitFileOlderThanTheDrawing) {
+    Select(Row);
+    const std::string drw = SlotFile(p.Config.Dirs, 1, "drw"), dr1 = SlotFile(p.Config.Dirs, 1, "dr1");
+    dir.Write("Actvprg1.dr1", "");
+    std::filesystem::last_write_time(dr1, std::filesystem::last_write_time(drw) - std::chrono::seconds(10));
+    PlotView view;
+    view.ViewTopLeft = {0, 400};
+    view.ViewBottomRight = {400, 0};
+    VisualRestart visual;
+    EXPECT_EQ(StartVisualRestart(p, 1, view, visual),
+              "Can Not Visually Restart\n\nThe Hit File Is Older Than The Drawing !");
+    EXPECT_FALSE(visual.Active);
+    p.Running = true;
+    std::filesystem::remove(dr1);
+    EXPECT_EQ(StartVisualRestart(p, 1, view, visual), "Can Not Restart\n\nWhile Machine Is Running or In Error !");
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include "controller/cardsim/card_simulator.h"
 #include "navigation/restart_screens.h"
+#include "screens/plot_box.h"
 #include "screens/restart_forms.h"
 #include "system/slot_run_plan.h"
 #include "tests/screens/program_forms_fixture.h"
@@ -197,4 +198,82 @@ TEST_F(RestartFormsTest, BlockPadOutOfRangeIsRefused) {
         EXPECT_EQ(form.BlockList()->currentRow(), 3);
     });
     EXPECT_EQ(warning.substr(0, 35), "Can Not Restart\n\nBlock 999 Out Of R");
+}
+
+// The visual restart: VISUAL of the block list hands over to FrontEnd's path keys; a Grid
+// Pattern is split into its hits with SPLI&T, a hit is picked with the path keys and &SELECT
+// shows RestartForm for it.
+TEST_F(RestartFormsTest, VisualRestartSplitsTheGridAndRestartsAtThePickedHit) {
+    Select(1, "GRID03");  // record 2 a Punch, record 3 a Grid Pattern of 10 x 5 hits
+    sim_.ClearReceived();
+    OnBlockStartForm([&](BlockStartForm& form) { ButtonOf(&form, "VisualButton")->click(); });
+    Spin(50);
+    ASSERT_TRUE(P().Visual().Active);
+    EXPECT_EQ(P().Nav().ViewMode, 5);
+    EXPECT_EQ(S(F().TextPanel()->text()), "SELECT RESTART POSITION");
+    P().CursorButton(1);  // the first entity, the Punch
+    P().CursorButton(3);  // the grid
+    EXPECT_NE(S(F().TextPanel()->text()).find("G26"), std::string::npos);
+    P().CursorButton(5);  // SPLI&T
+    EXPECT_EQ(P().Visual().Record, 3);
+    EXPECT_EQ(P().Visual().SplitHits, 50);
+    EXPECT_EQ(S(F().TextPanel()->text()), "SPLIT : 50 HITS");
+    EXPECT_TRUE(std::filesystem::exists(dir_.Path() + "SplitCyc.drw"));
+    P().CursorButton(1);                              // hit 1 of the grid
+    for (int i = 0; i < 6; ++i) P().CursorButton(3);  // hit 7
+    EXPECT_EQ(S(F().TextPanel()->text()), "HIT 7 OF 50");
+    SavePanel("visual_restart_pick");
+    bool shown = false;
+    WhenModal([&](QWidget* modal) {
+        auto* restart = dynamic_cast<RestartForm*>(modal);
+        if (!restart) return;
+        shown = true;
+        // One Punch and six hits of the grid done; hit 7 stands at X 200 + 6 x 20.
+        EXPECT_EQ(S(restart->Label("HitsLabel")->text()), "Completed Hits : 7");
+        EXPECT_EQ(S(restart->PositnLabel()->text()).substr(0, 21), "X  320.00     Y  200.");
+        auto* watch = new QTimer(restart);
+        QObject::connect(watch, &QTimer::timeout, restart, [this, restart, watch] {
+            if (!restart->CycleStartLit()) return;
+            watch->stop();
+            SavePanel("visual_restart_form");
+            sim_.RaiseStatusBits(8192);
+        });
+        watch->start(10);
+        form_ = restart;
+    });
+    P().CursorButton(6);  // &SELECT
+    ASSERT_TRUE(shown);
+    EXPECT_FALSE(P().Visual().Active);
+    EXPECT_EQ(P().Nav().ViewMode, 0);
+    const std::vector<std::string> sent = Received();
+    EXPECT_NE(std::find(sent.begin(), sent.end(), "M869=7"), sent.end());
+    const std::vector<std::string> program = sim_.Program(5);
+    // The rest of the first row, four hits, comes first.
+    EXPECT_NE(std::find_if(program.begin(), program.end(), [](const std::string& l) { return l.starts_with("P1=4 "); }),
+              program.end());
+}
+
+TEST_F(RestartFormsTest, VisualRestartRefusedWithNoHitOnViewOrAnOldHitFile) {
+    // A view far off the sheet holds no hit.
+    PlotView& view = P().PlotBoxAt(1)->View();
+    const PlotView kept = view;
+    view.ViewTopLeft = {5000, 5000};
+    view.ViewBottomRight = {6000, 4000};
+    std::string warning;
+    OnBlockStartForm([&](BlockStartForm& form) { ButtonOf(&form, "VisualButton")->click(); });
+    warning = WarningOf([] { Spin(200); });
+    EXPECT_EQ(warning, "Can Not Visually Restart\n\nIf No Punches Are On View !");
+    EXPECT_FALSE(P().Visual().Active);
+    EXPECT_EQ(P().Nav().ViewMode, 0);
+    // A hit file older than the drawing.
+    view = kept;
+    const std::string dr1 = dir_.Path() + "Actvprg1.dr1";
+    ASSERT_TRUE(std::filesystem::exists(dr1));
+    std::filesystem::last_write_time(
+        dr1, std::filesystem::last_write_time(dir_.Path() + "Actvprg1.drw") - std::chrono::hours(1));
+    OnBlockStartForm([&](BlockStartForm& form) { ButtonOf(&form, "VisualButton")->click(); });
+    warning = WarningOf([] { Spin(200); });
+    EXPECT_EQ(warning, "Can Not Visually Restart\n\nThe Hit File Is Older Than The Drawing !");
+    EXPECT_FALSE(P().Visual().Active);
+    EXPECT_TRUE(sim_.Program(5).empty());
 }
