@@ -133,7 +133,10 @@ void Panel::VisualRestartKey(int index) {
             visual_ = VisualRestart{};
             nav_.ViewMode = 0;
             RedrawPlot(plot, false);
-            if (frontEnd_) frontEnd_->ShowNavigation();
+            if (frontEnd_) {
+                frontEnd_->ShowNavigation();
+                frontEnd_->SetText("");
+            }
             OpenForm("RestartForm");
             return;
         }

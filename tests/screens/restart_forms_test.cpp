@@ -4,6 +4,7 @@
 // show their message and send nothing.
 #include <QListWidget>
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 
 #include "controller/cardsim/card_simulator.h"
@@ -276,4 +277,66 @@ TEST_F(RestartFormsTest, VisualRestartRefusedWithNoHitOnViewOrAnOldHitFile) {
     EXPECT_EQ(warning, "Can Not Visually Restart\n\nThe Hit File Is Older Than The Drawing !");
     EXPECT_FALSE(P().Visual().Active);
     EXPECT_TRUE(sim_.Program(5).empty());
+}
+
+// End to end: GRID03 runs on the simulated card and is stopped inside its grid; the operator
+// restarts at the next hit through the plot and RestartForm, presses cycle start, and the card
+// runs program 5 and then the slot's program from the run command's label to its end. The hits
+// made before the stop and after the restart are the program's hits, each once.
+TEST_F(RestartFormsTest, StoppedRunRestartedThroughTheScreensMakesEveryHitOnce) {
+    Select(1, "GRID03");
+    const std::optional<RunPlan> plan = BuildRunPlan(P().State().Config.Dirs, 1);
+    ASSERT_TRUE(plan.has_value());
+    std::vector<std::pair<long long, long long>> all;
+    for (const RunStep& step : *plan)
+        if (step.Hits > 0) all.emplace_back(std::llround(step.X * 100), std::llround(step.Y * 100));
+    ASSERT_EQ(all.size(), 63u);
+    // The run, walked step by step, stopped after some twenty hits.
+    sim_.SetRunSpeed(0);
+    ASSERT_TRUE(sim_.CycleStart());
+    while (sim_.Variable("M869") < 20) sim_.WalkRun(1);
+    sim_.Abort();
+    const int done = static_cast<int>(sim_.Variable("M869"));
+    ASSERT_EQ(sim_.HitLog().size(), static_cast<std::size_t>(done));
+    Spin(300);
+    ASSERT_FALSE(P().State().Running);
+    // The next hit is hit `done` of the grid (the Punch came first): picked on the plot.
+    OnBlockStartForm([&](BlockStartForm& form) { ButtonOf(&form, "VisualButton")->click(); });
+    Spin(50);
+    ASSERT_TRUE(P().Visual().Active);
+    P().CursorButton(1);
+    P().CursorButton(3);
+    P().CursorButton(5);
+    P().CursorButton(1);
+    for (int i = 1; i < done; ++i) P().CursorButton(3);
+    EXPECT_EQ(S(F().TextPanel()->text()), "HIT " + std::to_string(done) + " OF 50");
+    WhenModal([&](QWidget* modal) {
+        auto* restart = dynamic_cast<RestartForm*>(modal);
+        if (!restart) return;
+        EXPECT_EQ(S(restart->Label("HitsLabel")->text()), "Completed Hits : " + std::to_string(done));
+        auto* watch = new QTimer(restart);
+        QObject::connect(watch, &QTimer::timeout, restart, [this, restart, watch] {
+            if (!restart->CycleStartLit()) return;
+            watch->stop();
+            // The operator's cycle start: the card runs program 5.
+            EXPECT_TRUE(sim_.CycleStart());
+        });
+        watch->start(10);
+        form_ = restart;
+    });
+    P().CursorButton(6);
+    ASSERT_NE(form_, nullptr);
+    EXPECT_FALSE(form_->isVisible());
+    // Program 5, then the slot's program from its label, walked to the end.
+    for (int i = 0; i < 400 && sim_.RunState() != ProgramRun::State::Idle; ++i) sim_.WalkRun(1);
+    EXPECT_EQ(sim_.RunState(), ProgramRun::State::Idle);
+    std::vector<std::pair<long long, long long>> made;
+    for (const auto& [x, y] : sim_.HitLog()) made.emplace_back(std::llround(x * 100), std::llround(y * 100));
+    EXPECT_EQ(made.size(), all.size());
+    EXPECT_EQ(static_cast<std::size_t>(sim_.Variable("M869")), all.size());
+    std::sort(made.begin(), made.end());
+    std::sort(all.begin(), all.end());
+    EXPECT_EQ(made, all);
+    Spin(200);
+    SavePanel("restart_run_end");
 }
