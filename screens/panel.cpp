@@ -18,6 +18,7 @@
 #include "screens/panel_style.h"
 #include "screens/plot_box.h"
 #include "screens/program_form.h"
+#include "screens/restart_forms.h"
 #include "screens/shutdown_form.h"
 #include "screens/splash_form.h"
 #include "screens/tooling_forms.h"
@@ -62,6 +63,7 @@ void Panel::RegisterForms() {
     forms_.Register("KeyboardForm", [this] { return std::make_unique<KeyboardForm>(*this); });
     forms_.Register("UserForm", [this] { return std::make_unique<UserForm>(*this); });
     RegisterProgramForms(*this, forms_);
+    RegisterRestartForms(*this, forms_);
     RegisterToolingForms(*this, forms_);
     RegisterMachineForms(forms_, *this);
     RegisterFileForms(*this);
@@ -120,8 +122,10 @@ void Panel::DoKeyAction(const KeyResult& result) {
             if (frontEnd_) frontEnd_->SetText("");
             break;
         case KeyAction::PathKey:
+            // The place the key reached stays on TextPanel, over the mode's prompt.
+            if (frontEnd_) frontEnd_->ShowNavigation();
             PlotPathKey(result.Index);
-            break;
+            return;
         case KeyAction::ToggleLimits:
             RedrawPlot(ActivePlot());
             break;
@@ -222,9 +226,10 @@ void Panel::CursorButton(int index) {
 }
 
 void Panel::CursorCancel() {
-    if (nav_.ViewMode >= 5 && nav_.ViewMode <= 8)
+    if (nav_.ViewMode >= 5 && nav_.ViewMode <= 8) {
         nav_.ViewMode = 0;
-    else
+        visual_ = VisualRestart{};
+    } else
         CursorCancelled(nav_);
     DoKeyAction({KeyAction::CursorCancel, {}, 0});
 }

@@ -16,6 +16,7 @@
 #include "files/program_store.h"
 #include "navigation/colours.h"
 #include "navigation/navigation.h"
+#include "navigation/visual_restart.h"
 #include "navigation/warning.h"
 #include "plot/path_stepper.h"
 #include "plot/plot_config.h"
@@ -79,6 +80,9 @@ public:
     void GraphicsButton(int index);
     void CursorButton(int index);
     void CursorCancel();
+    // The visual restart: the path keys pick a hit on the active slot's plot (panel_plot.cpp).
+    void BeginVisualRestart();
+    const VisualRestart& Visual() const { return visual_; }
 
     // The plot (panel_plot.cpp). RedrawPlot draws the box's drawing anew and, unless told not
     // to, resets the run data of its slot.
@@ -142,6 +146,7 @@ private:
     void PlotCursorKey(int index, std::int16_t modeBefore);
     void HidePlotCursor();
     void PlotPathKey(int index);
+    void VisualRestartKey(int index);
 
     PanelOptions options_;
     Process process_;
@@ -162,6 +167,7 @@ private:
     PlotConfig plotConfig_;
     PlotCursor cursor_;
     PathStepper path_;
+    VisualRestart visual_;
     std::int16_t modeBeforeKey_ = 0;
 };
 

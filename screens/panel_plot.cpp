@@ -6,6 +6,7 @@
 #include "screens/front_end.h"
 #include "screens/panel.h"
 #include "screens/plot_box.h"
+#include "screens/restart_forms.h"
 #include "system/slots.h"
 
 namespace kirvana {
@@ -90,11 +91,57 @@ void Panel::PlotPathKey(int index) {
     const int plot = ActivePlot();
     if (!box || plot < 1) return;
     DrawingFile drawing;
-    if (!drawing.Open(SlotFile(process_.Config.Dirs, plot, "drw"), true)) return;
+    if (!drawing.Open(PickDrawingPath(process_, plot, visual_), true)) return;
     if (path_.Last <= PathBeginning) StartPath(path_, drawing);
     std::string place = kirvana::PathKey(path_, index, drawing, box->Drawing(), plot);
     box->Show();
+    // On a split pattern the place is the hit's number.
+    if (visual_.Record > 0 && path_.Current > PathBeginning)
+        place = "HIT " + std::to_string(path_.Current - 1) + " OF " + std::to_string(visual_.SplitHits);
     if (frontEnd_) frontEnd_->SetText(place);
+    if (visual_.Active && (index == 5 || index == 6)) VisualRestartKey(index);
+}
+
+void Panel::BeginVisualRestart() {
+    const int plot = ActivePlot();
+    PlotBox* box = PlotBoxAt(plot);
+    if (!box || plot < 1) return;
+    if (std::string fault = StartVisualRestart(process_, plot, box->View(), visual_); !fault.empty()) {
+        ShowWarning(fault + "\n\n\n", WarningKind::Notice, 1);
+        return;
+    }
+    nav_.GraphicsOn = true;
+    nav_.ViewMode = 5;
+    path_ = PathStepper{};
+    if (frontEnd_) frontEnd_->ShowNavigation();
+}
+
+void Panel::VisualRestartKey(int index) {
+    const int plot = ActivePlot();
+    std::string fault;
+    if (index == 5) {
+        // The pattern picked: its hits, walked by the path keys from its first.
+        fault = SplitPickedEntity(process_, plot, path_.Pick.Record, visual_);
+        if (fault.empty()) {
+            path_ = PathStepper{};
+            if (frontEnd_) frontEnd_->SetText("SPLIT : " + std::to_string(visual_.SplitHits) + " HITS");
+        }
+    } else {
+        auto* form = static_cast<RestartForm*>(forms_.Get("RestartForm"));
+        fault = SelectVisualRestart(process_, plot, path_.Pick, visual_, form->Session());
+        if (fault.empty()) {
+            visual_ = VisualRestart{};
+            nav_.ViewMode = 0;
+            RedrawPlot(plot, false);
+            if (frontEnd_) {
+                frontEnd_->ShowNavigation();
+                frontEnd_->SetText("");
+            }
+            OpenForm("RestartForm");
+            return;
+        }
+    }
+    if (!fault.empty()) ShowWarning(fault + "\n\n\n", WarningKind::Notice, 1);
 }
 
 void Panel::ShowPlotUpdate() {

@@ -140,7 +140,7 @@ ProgramForm::ProgramForm(Panel& panel) : PanelForm(panel, "ProgramForm") {
     connect(list, &QPushButton::clicked, this, [this] { OpenList(); });
     connect(search, &QPushButton::clicked, this, [this] { OpenSearch(); });
     connect(batch, &QPushButton::clicked, this, [this] { panel_.OpenForm("BatchForm"); });
-    // The restart screens come with the restart: until then the panel says they are not built.
+    // The restart from a block of the program's list.
     connect(restart, &QPushButton::clicked, this, [this] { panel_.OpenForm("BlockStartForm"); });
     connect(exit, &QPushButton::clicked, this, [this] { accept(); });
 }

@@ -57,6 +57,14 @@ std::vector<PointF> HitsOf(const EntityRec& sheet, const EntityRec& entity) {
     return hits;
 }
 
+// The N number of main program line `line` (from 1); 0 when it has none.
+int LineLabel(const std::vector<std::string>& lines, int line) {
+    if (line < 1 || static_cast<std::size_t>(line) > lines.size()) return 0;
+    const std::string text = UpperCase(Trim(lines[static_cast<std::size_t>(line - 1)]));
+    if (!text.starts_with("N")) return 0;
+    return static_cast<int>(std::max(0.0, ToNumber(std::string_view(text).substr(1))));
+}
+
 }  // namespace
 
 std::optional<RunPlan> BuildRunPlan(const Directories& dirs, int slot) {
@@ -65,6 +73,8 @@ std::optional<RunPlan> BuildRunPlan(const Directories& dirs, int slot) {
     EntityRec sheet;
     if (!drawing.Open(SlotFile(dirs, slot, "drw"), true) || !drawing.Get(1, sheet)) return std::nullopt;
     const std::vector<int> mainWords = LineWords(dirs, slot, false), subWords = LineWords(dirs, slot, true);
+    const std::vector<std::string> mainLines =
+        ReadLines(SlotFile(dirs, slot, "M1")).value_or(std::vector<std::string>{});
     RunPlan plan;
     int station = 0;
     EntityRec rec;
@@ -75,6 +85,7 @@ std::optional<RunPlan> BuildRunPlan(const Directories& dirs, int slot) {
         bool inSub = rec.SubBlock > 0;
         step.Program = inSub ? slot + 2 : slot;
         step.Word = inSub ? WordOf(subWords, rec.SubBlock) : WordOf(mainWords, rec.MainBlock);
+        step.Label = LineLabel(mainLines, rec.MainBlock);
         switch (rec.Kind) {
             case EntityKind::Punch:
             case EntityKind::LinearPattern:

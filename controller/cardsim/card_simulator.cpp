@@ -11,6 +11,7 @@
 #include <sstream>
 #include <utility>
 
+#include "controller/cardsim/restart_run.h"
 #include "core/number.h"
 #include "core/text.h"
 
@@ -288,6 +289,12 @@ std::vector<std::string> CardSimulator::Program(int number) {
     return it == programs_.end() ? std::vector<std::string>{} : it->second;
 }
 
+std::vector<std::pair<double, double>> CardSimulator::HitLog() {
+    std::lock_guard lock(mutex_);
+    AdvanceLocked();
+    return hitLog_;
+}
+
 std::vector<std::string> CardSimulator::Received() {
     std::lock_guard lock(mutex_);
     return received_;
@@ -406,9 +413,15 @@ double CardSimulator::Scale(int motor) const {
 // a program runs; the hits and station changes of the last steps.
 void CardSimulator::ShowRunLocked(const ProgramRun::Events& events) {
     Slot("M869") += events.Hits;
+    hitLog_.insert(hitLog_.end(), events.HitPlaces.begin(), events.HitPlaces.end());
     for (int station : events.Stations) {
         Slot("M802") = station;
         Slot("P1022") = static_cast<double>(Whole(Slot("P1022")) | 512);
+    }
+    if (events.Ended && handOverProgram_ != 0) {
+        const int program = handOverProgram_;
+        handOverProgram_ = 0;
+        if (BeginLocked(program, handOverLabel_, true)) return;
     }
     ProgramRun::State state = run_.Now();
     if (state != ProgramRun::State::Idle || events.Ended) {
@@ -438,22 +451,30 @@ void CardSimulator::ShowRunLocked(const ProgramRun::Events& events) {
 
 void CardSimulator::AdvanceLocked() { ShowRunLocked(run_.Advance(ProgramRun::Clock::now(), feedOverride_)); }
 
-bool CardSimulator::BeginLocked(int program) {
+bool CardSimulator::BeginLocked(int program, int label, bool countOn) {
     if (run_.Now() != ProgramRun::State::Idle) return false;
     auto stored = programs_.find(program);
-    if (stored == programs_.end() || stored->second.empty() || !planSource_) return false;
-    std::optional<RunPlan> plan = planSource_(program);
+    if (stored == programs_.end() || stored->second.empty()) return false;
+    // The restart program is run from its own text; a slot's program from its plan, from the
+    // line label the run command names.
+    std::optional<RunPlan> plan;
+    if (program == 5)
+        plan = RestartProgramPlan(stored->second);
+    else if (planSource_)
+        plan = planSource_(program);
     if (!plan) return false;
-    // A slot's program starts its hit counter anew; the restart program counts on.
-    if (program >= 1 && program <= 4) Slot("M869") = 0;
-    ShowRunLocked(run_.Begin(program, std::move(*plan), position_[0] / Scale(0), position_[1] / Scale(1),
+    // A slot's program starts its hit counter anew; the restart program, and the slot's program
+    // it hands over to, count on.
+    if (program >= 1 && program <= 4 && !countOn) Slot("M869") = 0;
+    ShowRunLocked(run_.Begin(program, PlanFromLabel(*plan, label), position_[0] / Scale(0), position_[1] / Scale(1),
                              ProgramRun::Clock::now()));
     return true;
 }
 
-// The card's run commands: "B" and a program number (a label behind a point is not followed:
-// the program starts at its beginning), "R" to run or resume, "H" feed hold, "A" abort, each
-// optionally behind a coordinate system "&n". False for a token that is none of these.
+// The card's run commands: "B" and a program number (a label behind a point, five places, names
+// the line the program starts at: B1.0001R is line N10 of program 1), "R" to run or resume, "H"
+// feed hold, "A" abort, each optionally behind a coordinate system "&n". False for a token that
+// is none of these.
 bool CardSimulator::RunCommand(const std::string& token) {
     std::string t = token;
     if (t.size() >= 2 && t[0] == '&' && IsDigit(t[1])) {
@@ -481,6 +502,7 @@ bool CardSimulator::RunCommand(const std::string& token) {
         double value = ToNumber(number);
         if (!(value >= 1 && value <= 32767)) return false;
         pointedProgram_ = static_cast<int>(value);
+        pointedLabel_ = RunLabel(value);
         t.clear();
     }
     if (!t.empty()) return false;
@@ -491,7 +513,14 @@ bool CardSimulator::RunCommand(const std::string& token) {
         ShowRunLocked({});
         return true;
     }
-    return BeginLocked(pointedProgram_);
+    // Under the restart program the command is the hand-over: the program goes on from its label
+    // when the restart program has ended.
+    if (begin && run_.Now() != ProgramRun::State::Idle && run_.Program() == 5) {
+        handOverProgram_ = pointedProgram_;
+        handOverLabel_ = pointedLabel_;
+        return true;
+    }
+    return BeginLocked(pointedProgram_, pointedLabel_, false);
 }
 
 void CardSimulator::SetRunPlanSource(RunPlanSource source) {

@@ -50,8 +50,9 @@ public:
     void SetMotor(int motor, double position, double followingError);
     void SetAxisDefinition(int motor, const std::string& definition);
     void SetProgramCounter(int program, int word);
-    std::vector<std::string> Program(int number);  // a stored motion program
-    std::vector<std::string> Received();           // every command, in order
+    std::vector<std::string> Program(int number);     // a stored motion program
+    std::vector<std::string> Received();              // every command, in order
+    std::vector<std::pair<double, double>> HitLog();  // the place of every hit made, in order
     void ClearReceived();
     // Running programs: where the steps of a program come from, and the speed in blocks per
     // second at a feed override of 100 (100: real time).
@@ -77,7 +78,7 @@ private:
     std::string ExecuteLocked(const std::string& line);
     bool RunToken(const std::string& token, std::string& answer);
     bool RunCommand(const std::string& token);
-    bool BeginLocked(int program);
+    bool BeginLocked(int program, int label = 0, bool countOn = false);
     void AdvanceLocked();
     void ShowRunLocked(const ProgramRun::Events& events);
     double Scale(int motor) const;
@@ -104,6 +105,10 @@ private:
     ProgramRun run_;
     RunPlanSource planSource_;
     int pointedProgram_ = 1;  // the program "B" points at
+    int pointedLabel_ = 0;    // and the line label behind its point
+    // The slot's program the restart program hands over to at its end, and its label; 0: none.
+    int handOverProgram_ = 0, handOverLabel_ = 0;
+    std::vector<std::pair<double, double>> hitLog_;
     ProgramRun::State shownState_ = ProgramRun::State::Idle;
 
     int listener_ = -1;

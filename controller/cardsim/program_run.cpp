@@ -79,6 +79,7 @@ ProgramRun::Events ProgramRun::Walk(double budget) {
         Place();
         const RunStep& done = plan_[step_];
         events.Hits += done.Hits;
+        if (done.Hits > 0) events.HitPlaces.emplace_back(done.X, done.Y);
         bool stops =
             done.Stop == RunStep::StopKind::Program || (done.Stop == RunStep::StopKind::Optional && optionalStop_);
         progress_ = 0;

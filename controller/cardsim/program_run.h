@@ -4,6 +4,7 @@
 #pragma once
 
 #include <chrono>
+#include <utility>
 #include <vector>
 
 #include "controller/cardsim/run_plan.h"
@@ -18,7 +19,8 @@ public:
     // What an advance did that the card's variables must show.
     struct Events {
         int Hits = 0;
-        std::vector<int> Stations;  // station changes, in order
+        std::vector<std::pair<double, double>> HitPlaces;  // where the hits were made, in order
+        std::vector<int> Stations;                         // station changes, in order
         bool Ended = false;
     };
 

@@ -17,6 +17,7 @@ struct RunStep {
     int Hits = 0;         // hits made at the end of the step
     int Station = 0;      // a new station at the start of the step; 0: none
     StopKind Stop = StopKind::None;
+    int Label = 0;  // the N number of the main program's line the step belongs to; 0: none
 };
 
 using RunPlan = std::vector<RunStep>;

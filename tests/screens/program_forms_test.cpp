@@ -348,13 +348,6 @@ TEST_F(ProgramFormsTest, EveryProgramScreenOpensByNameAndKeepsToThePanel) {
         modal->close();
     });
     P().OpenForm("SearchForm");
-    // Restart is not part of this build: the button opens nothing and the panel says so.
-    if (!P().Forms().Known("BlockStartForm")) {
-        OnProgramForm([&](ProgramForm& form) {
-            form.findChild<QPushButton*>("RestartButton")->click();
-            EXPECT_TRUE(form.isVisible());
-        });
-    }
 }
 
 TEST_F(ProgramFormsTest, ProgramFormLettersOpenItsScreensAsItsButtonsDo) {

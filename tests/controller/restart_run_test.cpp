@@ -1,0 +1,91 @@
+// The simulated card's run of the restart program: the places and hits its lines command, the
+// label of a run command, and the hand-over to the slot's program at the end of program 5.
+#include "controller/cardsim/restart_run.h"
+
+#include <gtest/gtest.h>
+
+#include "controller/cardsim/card_simulator.h"
+
+namespace kirvana {
+namespace {
+
+std::vector<std::pair<double, double>> Hits(const RunPlan& plan) {
+    std::vector<std::pair<double, double>> hits;
+    for (const RunStep& step : plan)
+        if (step.Hits > 0) hits.emplace_back(step.X, step.Y);
+    return hits;
+}
+
+TEST(RestartRun, RowsArcsMovesAndCutsOfTheRestartProgram) {
+    const RunPlan plan = RestartProgramPlan({
+        "CLOSE", "OPEN PROG 5", "CLEAR", "G00 G05 G90 G71", "G93 X0 Y0", "G53",
+        "G95 X0 Y1250 I100 J2 K0 P6=-999 ",
+        "G80 X230 Y100 C0 T1",
+        "P1=2 P5=0 P7=10 P2=-999 P3=-999 P4=-999 P6=-999 P8=-999 P9=1 P10=0 P11=0 G26 X230 Y100",
+        "P1=3 P5=180 P7=20 P2=-999 P3=-999 P4=-999 P6=-999 P8=-999 P9=1 P10=0 P11=0 G26 X240 Y120",
+        "P7=500 P8=500 P3=90 P2=90 P1=2 P10=-999 P4=-999 P5=-999 P6=-999 P9=1 G28 R50",
+        "G101 X10 Y20", "G93 X0 Y0", "G56 X0 Y0", "M10", "G90 G71", "Q190=Q190-0", "P1022=P1022|16384",
+        "P1022=P1022-32768", "CLOSE"});
+    ASSERT_EQ(plan.size(), 9u);
+    EXPECT_EQ(plan.front().Hits, 0);
+    EXPECT_DOUBLE_EQ(plan.front().X, 230);
+    const auto hits = Hits(plan);
+    ASSERT_EQ(hits.size(), 7u);
+    EXPECT_DOUBLE_EQ(hits[1].first, 240);
+    EXPECT_NEAR(hits[3].first, 220, 1e-6);
+    EXPECT_NEAR(hits[4].first, 200, 1e-6);
+    EXPECT_NEAR(hits[5].first, 500, 1e-4);
+    EXPECT_NEAR(hits[5].second, 550, 1e-4);
+    EXPECT_NEAR(hits[6].first, 450, 1e-4);
+    EXPECT_EQ(plan.back().Hits, 0);
+    EXPECT_DOUBLE_EQ(plan.back().Y, 20);
+    for (const RunStep& step : plan) EXPECT_EQ(step.Program, 5);
+}
+
+TEST(RestartRun, RunCommandLabelsAndThePlanFromALabel) {
+    EXPECT_EQ(RunLabel(1.0001), 10);
+    EXPECT_EQ(RunLabel(1.00123), 123);
+    EXPECT_EQ(RunLabel(2), 0);
+    RunPlan plan(4);
+    for (int i = 0; i < 4; ++i) plan[static_cast<std::size_t>(i)].Label = 10 * (i + 1);
+    EXPECT_EQ(PlanFromLabel(plan, 0).size(), 4u);
+    EXPECT_EQ(PlanFromLabel(plan, 30).size(), 2u);
+    EXPECT_EQ(PlanFromLabel(plan, 25).front().Label, 30);  // a line without a step goes on at the next
+    EXPECT_TRUE(PlanFromLabel(plan, 50).empty());
+}
+
+TEST(RestartRun, CardRunsProgramFiveThenHandsOverAtTheLabel) {
+    CardSimulator card;
+    RunPlan slot;
+    for (int n = 1; n <= 4; ++n) {
+        RunStep step;
+        step.Label = n * 10;
+        step.X = n * 100;
+        step.Hits = 1;
+        slot.push_back(step);
+    }
+    card.SetRunPlanSource([slot](int program) -> std::optional<RunPlan> {
+        if (program == 1) return slot;
+        return std::nullopt;
+    });
+    card.SetRunSpeed(0);
+    ASSERT_FALSE(card.WriteBuffer("OPEN PROG 1\nCLEAR\nN10 G81 X100\nCLOSE\n").Error);
+    ASSERT_FALSE(
+        card.WriteBuffer("OPEN PROG 5\nCLEAR\nG80 X300 Y0\nP1=1 P5=0 P7=10 P9=1 G26 X300 Y0\nCLOSE\n").Error);
+    card.Execute("M869=2");
+    card.Execute("M811=5");
+    ASSERT_TRUE(card.CycleStart());
+    EXPECT_EQ(card.RunState(), ProgramRun::State::Running);
+    // The run command under program 5 waits for its end; the hits count on.
+    EXPECT_EQ(card.Execute("M811=1 B1.0004R").back(), '\x06');
+    for (int i = 0; i < 20 && card.RunState() != ProgramRun::State::Idle; ++i) card.WalkRun(1);
+    EXPECT_EQ(card.RunState(), ProgramRun::State::Idle);
+    const auto log = card.HitLog();
+    ASSERT_EQ(log.size(), 2u);
+    EXPECT_DOUBLE_EQ(log[0].first, 300);  // program 5's hit
+    EXPECT_DOUBLE_EQ(log[1].first, 400);  // then the slot's program from N40
+    EXPECT_EQ(card.Variable("M869"), 4);
+}
+
+}  // namespace
+}  // namespace kirvana
