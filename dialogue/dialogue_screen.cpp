@@ -30,44 +30,44 @@ std::map<DialogueScreen, DialogueScreenDescription> BuildDescriptions() {
                                    Box("ClampDemand", 3, "CLAMP 3 :  &5"), Box("ClampDemand", 4, "CLAMP 4 :  &6")},
                                   {},
                                   false};
-    all[DialogueScreen::Punch] = {DialogueScreen::Punch,
-                                  "PunchDialogue",
-                                  "PUNCH",
-                                  {Box("PunchBox", 1, "X POSITION :  &1"), Box("PunchBox", 2, "Y POSITION :  &2"),
-                                   IndexBox()},
-                                  {{"PunchOption", {"&PUNCH", "M&OVE"}}},
-                                  true};
-    all[DialogueScreen::Line] = {DialogueScreen::Line,
-                                 "LineDialogue",
-                                 "LINE",
-                                 {Box("LineBox", 1, "X START :  &1"), Box("LineBox", 2, "Y START :  &2"),
-                                  Box("LineBox", 3, "X FINISH :  &3"), Box("LineBox", 4, "Y FINISH :  &4"),
-                                  Box("LineBox", 5, "LENGTH :  &5"), Box("LineBox", 6, "ANGLE :  &6", BoxKind::Angle),
-                                  Box("LineBox", 7, "PITCH :  &7"), Box("LineBox", 8, "HITS :  &8", BoxKind::Count),
-                                  IndexBox()},
-                                 {CompToggle},
-                                 true};
-    all[DialogueScreen::Grid] = {DialogueScreen::Grid,
-                                 "GridDialogue",
-                                 "GRID PATTERN",
-                                 {Box("GridBox", 1, "X START :  &1"), Box("GridBox", 2, "Y START :  &2"),
-                                  Box("GridBox", 3, "LENGTH :  &3"), Box("GridBox", 4, "HEIGHT :  &4"),
-                                  Box("GridBox", 5, "X PITCH :  &5"), Box("GridBox", 6, "Y PITCH :  &6"),
-                                  Box("GridBox", 7, "X HITS :  &7", BoxKind::Count),
-                                  Box("GridBox", 8, "Y HITS :  &8", BoxKind::Count),
-                                  Box("GridBox", 9, "ANGLE :  &9", BoxKind::Angle), IndexBox()},
-                                 {},
-                                 true};
+    all[DialogueScreen::Punch] = {
+        DialogueScreen::Punch,
+        "PunchDialogue",
+        "PUNCH",
+        {Box("PunchBox", 1, "X POSITION :  &1"), Box("PunchBox", 2, "Y POSITION :  &2"), IndexBox()},
+        {{"PunchOption", {"&PUNCH", "M&OVE"}}},
+        true};
+    all[DialogueScreen::Line] = {
+        DialogueScreen::Line,
+        "LineDialogue",
+        "LINE",
+        {Box("LineBox", 1, "X START :  &1"), Box("LineBox", 2, "Y START :  &2"), Box("LineBox", 3, "X FINISH :  &3"),
+         Box("LineBox", 4, "Y FINISH :  &4"), Box("LineBox", 5, "LENGTH :  &5"),
+         Box("LineBox", 6, "ANGLE :  &6", BoxKind::Angle), Box("LineBox", 7, "PITCH :  &7"),
+         Box("LineBox", 8, "HITS :  &8", BoxKind::Count), IndexBox()},
+        {CompToggle},
+        true};
+    all[DialogueScreen::Grid] = {
+        DialogueScreen::Grid,
+        "GridDialogue",
+        "GRID PATTERN",
+        {Box("GridBox", 1, "X START :  &1"), Box("GridBox", 2, "Y START :  &2"), Box("GridBox", 3, "LENGTH :  &3"),
+         Box("GridBox", 4, "HEIGHT :  &4"), Box("GridBox", 5, "X PITCH :  &5"), Box("GridBox", 6, "Y PITCH :  &6"),
+         Box("GridBox", 7, "X HITS :  &7", BoxKind::Count), Box("GridBox", 8, "Y HITS :  &8", BoxKind::Count),
+         Box("GridBox", 9, "ANGLE :  &9", BoxKind::Angle), IndexBox()},
+        {},
+        true};
     all[DialogueScreen::Arc] = {
         DialogueScreen::Arc,
         "ArcDialogue",
         "ARC",
         {Box("XYArcBox", 1, "X START :  &1"), Box("XYArcBox", 2, "Y START :  &2"), Box("XYArcBox", 3, "X MIDDLE :  &3"),
-         Box("XYArcBox", 4, "Y MIDDLE :  &4"), Box("XYArcBox", 5, "X FINISH :  &5"), Box("XYArcBox", 6, "Y FINISH :  &6"),
-         Box("XYArcBox", 7, "ANGULAR PITCH :  &7", BoxKind::Angle), Box("XYArcBox", 8, "NIBBLE PITCH :  &8"),
-         Box("XYArcBox", 9, "HITS :  &9", BoxKind::Count), Box("PArcBox", 1, "X CENTRE :  &1"),
-         Box("PArcBox", 2, "Y CENTRE :  &2"), Box("PArcBox", 3, "RADIUS :  &3"),
-         Box("PArcBox", 4, "START ANGLE :  &4", BoxKind::Angle), Box("PArcBox", 5, "FINISH ANGLE :  &5", BoxKind::Angle),
+         Box("XYArcBox", 4, "Y MIDDLE :  &4"), Box("XYArcBox", 5, "X FINISH :  &5"),
+         Box("XYArcBox", 6, "Y FINISH :  &6"), Box("XYArcBox", 7, "ANGULAR PITCH :  &7", BoxKind::Angle),
+         Box("XYArcBox", 8, "NIBBLE PITCH :  &8"), Box("XYArcBox", 9, "HITS :  &9", BoxKind::Count),
+         Box("PArcBox", 1, "X CENTRE :  &1"), Box("PArcBox", 2, "Y CENTRE :  &2"), Box("PArcBox", 3, "RADIUS :  &3"),
+         Box("PArcBox", 4, "START ANGLE :  &4", BoxKind::Angle),
+         Box("PArcBox", 5, "FINISH ANGLE :  &5", BoxKind::Angle),
          Box("PArcBox", 6, "ANGULAR PITCH :  &6", BoxKind::Angle), Box("PArcBox", 7, "NIBBLE PITCH :  &7"),
          Box("PArcBox", 8, "HITS :  &8", BoxKind::Count), IndexBox()},
         {{"ArcOption", {"&X Y ARC", "&POLAR ARC"}},
@@ -383,17 +383,19 @@ void DialogueScreenModel::Show() {
 }
 
 void DialogueScreenModel::ShowLine() {
-    const double v[8] = {line_.X1,          line_.Y1,          line_.X2,         line_.Y2,
+    const double v[8] = {line_.X1,          line_.Y1,         line_.X2,         line_.Y2,
                          line_.LengthValue, line_.AngleValue, line_.PitchValue, static_cast<double>(line_.HitsValue)};
     for (std::size_t i = 0; i < 8; ++i) values_[i] = v[i];
 }
 
 void DialogueScreenModel::ShowArc() {
     arc_.Settle();
-    const double xy[9] = {arc_.X1, arc_.Y1, arc_.XM, arc_.YM, arc_.X2, arc_.Y2, arc_.AngularPitch, arc_.NibblePitch,
-                          static_cast<double>(arc_.HitsValue)};
-    const double polar[8] = {arc_.CentreX,    arc_.CentreY,     arc_.Radius,      arc_.StartAngle,
-                             arc_.FinishAngle, arc_.AngularPitch, arc_.NibblePitch, static_cast<double>(arc_.HitsValue)};
+    const double xy[9] = {arc_.X1,           arc_.Y1,          arc_.XM,
+                          arc_.YM,           arc_.X2,          arc_.Y2,
+                          arc_.AngularPitch, arc_.NibblePitch, static_cast<double>(arc_.HitsValue)};
+    const double polar[8] = {
+        arc_.CentreX,     arc_.CentreY,      arc_.Radius,      arc_.StartAngle,
+        arc_.FinishAngle, arc_.AngularPitch, arc_.NibblePitch, static_cast<double>(arc_.HitsValue)};
     for (std::size_t i = 0; i < 9; ++i) values_[i] = xy[i];
     for (std::size_t i = 0; i < 8; ++i) values_[9 + i] = polar[i];
     for (std::size_t i = 0; i < 17; ++i) texts_[i] = BoxText(i);
@@ -429,8 +431,7 @@ void DialogueScreenModel::SetBox(std::size_t box, const std::string& text) {
             arc_.Change(static_cast<ArcFields::Field>(b.Index - patternFrom), value);
         } else {
             double* fields[6] = {&arc_.X1, &arc_.Y1, &arc_.XM, &arc_.YM, &arc_.X2, &arc_.Y2};
-            double* polarFields[5] = {&arc_.CentreX, &arc_.CentreY, &arc_.Radius, &arc_.StartAngle,
-                                      &arc_.FinishAngle};
+            double* polarFields[5] = {&arc_.CentreX, &arc_.CentreY, &arc_.Radius, &arc_.StartAngle, &arc_.FinishAngle};
             *(xy ? fields : polarFields)[b.Index - 1] = value;
             arc_.Option = xy ? 0 : 1;
             arc_.Change(ArcFields::AngularPitchField, arc_.AngularPitch);

@@ -10,6 +10,8 @@
 
 #include "navigation/pad_entry.h"
 #include "navigation/program_change.h"
+#include "screens/dialogue_entity_form.h"
+#include "screens/dialogue_front.h"
 #include "screens/file_forms.h"
 #include "screens/front_end.h"
 #include "screens/machine_forms.h"
@@ -65,6 +67,12 @@ void Panel::RegisterForms() {
     RegisterToolingForms(*this, forms_);
     RegisterMachineForms(forms_, *this);
     RegisterFileForms(*this);
+    RegisterDialogueForms(*this, forms_);
+}
+
+DialogueFront& Panel::Dialogue() {
+    if (!dialogue_) dialogue_ = std::make_unique<DialogueFront>(*this);
+    return *dialogue_;
 }
 
 int Panel::Start(const std::string& root) {
@@ -91,6 +99,8 @@ Conversation Panel::Talk() { return Conversation(&link_, process_.Card, process_
 void Panel::MainKeyPressed(int code) {
     if (ended_) return;
     modeBeforeKey_ = nav_.ViewMode;
+    // The dialogue's own keys first; the rest (F9, X) go on to MainKey.
+    if (nav_.DialogueOn && !process_.Card.FormsLocked && Dialogue().Key(code)) return;
     DoKeyAction(MainKey(nav_, process_.Config.Machine, process_.Card.FormsLocked, code));
 }
 
@@ -124,6 +134,13 @@ void Panel::DoKeyAction(const KeyResult& result) {
             break;
         case KeyAction::ToggleLimits:
             RedrawPlot(ActivePlot());
+            break;
+        case KeyAction::EnterDialogue:
+            Dialogue().Enter();
+            break;
+        case KeyAction::LeaveDialogue:
+            if (frontEnd_) frontEnd_->ShowNavigation();
+            Dialogue().Leave();
             break;
         default:
             break;

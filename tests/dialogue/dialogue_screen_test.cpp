@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "dialogue/dialogue_screen.h"
-#include "tooling/tool_record.h"
 #include "tests/dialogue/dialogue_fixture.h"
+#include "tooling/tool_record.h"
 
 namespace kirvana {
 namespace {
@@ -33,8 +33,7 @@ TEST(DialogueScreenDescriptions, EveryScreenHasItsFormNameAndDigitBoxes) {
     }
     EXPECT_TRUE(DescribeScreen(DialogueScreen::Punch).HasTool);
     EXPECT_FALSE(DescribeScreen(DialogueScreen::Dwell).HasTool);
-    EXPECT_EQ(DescribeScreen(DialogueScreen::Stop).Toggles[0].Captions,
-              (std::vector<std::string>{"&M00", "&M01"}));
+    EXPECT_EQ(DescribeScreen(DialogueScreen::Stop).Toggles[0].Captions, (std::vector<std::string>{"&M00", "&M01"}));
 }
 
 TEST_F(DialogueScreenTest, DigitsGoToTheBoxesOfTheShownForm) {
@@ -133,9 +132,10 @@ TEST_F(DialogueScreenTest, EachValidationMessageLeavesTheDrawingAlone) {
         DialogueScreen Screen;
         const char* Message;
     };
-    for (const Case& c : {Case{DialogueScreen::Line, "Invalid Line !"}, Case{DialogueScreen::Grid, "Invalid Grid Pattern !"},
-                          Case{DialogueScreen::Arc, "Invalid Arc !"}, Case{DialogueScreen::Dwell, "Invalid Dwell Time !"},
-                          Case{DialogueScreen::Reposition, "Invalid Reposition !"}}) {
+    for (const Case& c :
+         {Case{DialogueScreen::Line, "Invalid Line !"}, Case{DialogueScreen::Grid, "Invalid Grid Pattern !"},
+          Case{DialogueScreen::Arc, "Invalid Arc !"}, Case{DialogueScreen::Dwell, "Invalid Dwell Time !"},
+          Case{DialogueScreen::Reposition, "Invalid Reposition !"}}) {
         DialogueScreenModel model(session, c.Screen);
         model.Open();
         EXPECT_EQ(model.Confirm(), c.Message) << model.Description().FormName;
