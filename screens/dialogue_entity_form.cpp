@@ -58,9 +58,8 @@ DialogueEntityForm::DialogueEntityForm(Panel& panel, DialogueScreen screen)
         const DialogueBox& b = d.Boxes[i];
         QLabel* label = ToolingLabel(panel, S(Plain(b.Label)), frame);
         label->setObjectName(Q(b.Control + "Label" + (b.Index ? std::to_string(b.Index) : std::string())));
-        QPushButton* box =
-            ValueBox(panel, frame, Q(b.Control + (b.Index ? std::to_string(b.Index) : std::string())),
-                     b.Kind == BoxKind::Text ? 260 : 170);
+        QPushButton* box = ValueBox(panel, frame, Q(b.Control + (b.Index ? std::to_string(b.Index) : std::string())),
+                                    b.Kind == BoxKind::Text ? 260 : 170);
         const int row = cells[i] / 2, column = (cells[i] % 2) * 2;
         grid->addWidget(label, row, column);
         grid->addWidget(box, row, column + 1);

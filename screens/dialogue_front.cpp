@@ -11,6 +11,7 @@
 #include "screens/panel.h"
 #include "screens/panel_style.h"
 #include "screens/plot_box.h"
+#include "screens/turret_dialogue.h"
 
 namespace kirvana {
 
@@ -132,7 +133,13 @@ void DialogueFront::OpenScreen(DialogueScreen screen) {
 }
 
 void DialogueFront::OpenTooling() {
-    panel_.OpenForm(session_->Machine().HasTurret ? "TurretDialogue" : "PlasmaSettingsDialogue");
+    if (!session_->Machine().HasTurret) {
+        panel_.OpenForm("PlasmaSettingsDialogue");
+        return;
+    }
+    // From FrontEnd the turret stands on its stations, for no screen's tool.
+    static_cast<TurretDialogue*>(panel_.Forms().Get("TurretDialogue"))->Begin(ScreenTool{});
+    panel_.OpenForm("TurretDialogue");
 }
 
 std::string DialogueFront::ChosenDirectory() {

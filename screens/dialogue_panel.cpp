@@ -32,8 +32,9 @@ QComboBox* NameCombo(QWidget* parent, const QString& name, const QString& placeh
     combo->setInsertPolicy(QComboBox::NoInsert);
     combo->setMinimumSize(170, TouchSize);
     combo->lineEdit()->setPlaceholderText(placeholder);
-    combo->setStyleSheet("QComboBox { font-size: 18px; } QComboBox QAbstractItemView { font-size: 18px; } "
-                         "QComboBox::drop-down { width: 40px; }");
+    combo->setStyleSheet(
+        "QComboBox { font-size: 18px; } QComboBox QAbstractItemView { font-size: 18px; } "
+        "QComboBox::drop-down { width: 40px; }");
     return combo;
 }
 

@@ -99,8 +99,9 @@ Conversation Panel::Talk() { return Conversation(&link_, process_.Card, process_
 void Panel::MainKeyPressed(int code) {
     if (ended_) return;
     modeBeforeKey_ = nav_.ViewMode;
-    // The dialogue's own keys first; the rest (F9, X) go on to MainKey.
-    if (nav_.DialogueOn && !process_.Card.FormsLocked && Dialogue().Key(code)) return;
+    // The dialogue's own keys first, on FrontEnd only; the rest (F9, X) go on to MainKey.
+    if (nav_.DialogueOn && !process_.Card.FormsLocked && !QApplication::activeModalWidget() && Dialogue().Key(code))
+        return;
     DoKeyAction(MainKey(nav_, process_.Config.Machine, process_.Card.FormsLocked, code));
 }
 

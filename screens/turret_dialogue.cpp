@@ -20,10 +20,9 @@ namespace kirvana {
 namespace {
 
 // The plasma settings as this screen labels them.
-constexpr std::array<const char*, 10> PlasmaLabels = {"RAPID SPEED :",  "CUT SPEED :", "MIN CORNER :",
-                                                      "HEIGHT FREEZE :", "HEIGHT ON :", "HEIGHT OFF :",
-                                                      "ARC / RAD  :",    "KERF :",      "PIERCE  :",
-                                                      "TORCH TYPE  :"};
+constexpr std::array<const char*, 10> PlasmaLabels = {
+    "RAPID SPEED :", "CUT SPEED :",  "MIN CORNER :", "HEIGHT FREEZE :", "HEIGHT ON :",
+    "HEIGHT OFF :",  "ARC / RAD  :", "KERF :",       "PIERCE  :",       "TORCH TYPE  :"};
 
 QGroupBox* Frame(Panel& panel, const char* caption, const char* name, QWidget* parent) {
     auto* frame = new QGroupBox(caption, parent);

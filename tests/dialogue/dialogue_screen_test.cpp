@@ -2,6 +2,7 @@
 // boxes, the screen's tool, filling from a record under Edit, and confirmation.
 #include <gtest/gtest.h>
 
+#include "dialogue/dialogue_keys.h"
 #include "dialogue/dialogue_screen.h"
 #include "tests/dialogue/dialogue_fixture.h"
 #include "tooling/tool_record.h"
@@ -254,6 +255,26 @@ TEST_F(DialogueScreenTest, ThePlasmaToolMakesProfilesWithCompensation) {
     EXPECT_EQ(rec->Kind, EntityKind::LineProfile);
     EXPECT_EQ(rec->Compensation, 2);
     EXPECT_EQ(rec->StationNo, -1);
+}
+
+}  // namespace
+}  // namespace kirvana
+
+namespace kirvana {
+namespace {
+
+TEST(DialogueScreenKeys, TheFrontEndLettersAndTheButtonCaptions) {
+    EXPECT_EQ(DialogueKey('P').Command, DialogueCommand::FocusProgram);
+    EXPECT_EQ(DialogueKey('D').Command, DialogueCommand::FocusDirectory);
+    EXPECT_EQ(DialogueKey('M').Command, DialogueCommand::ToggleImperial);
+    EXPECT_EQ(DialogueKey('T').Command, DialogueCommand::Tooling);
+    EXPECT_EQ(DialogueKey('S').Command, DialogueCommand::Tooling);
+    EXPECT_EQ(DialogueButtonCaption(2, true), "PUNCH (&2)");
+    EXPECT_EQ(DialogueButtonCaption(2, false), "MOVE (&2)");
+    EXPECT_EQ(DialogueButtonCaption(0, true), "&TOOLING");
+    EXPECT_EQ(DialogueButtonCaption(0, false), "&SETTINGS");
+    EXPECT_EQ(DialogueButtonCaption(9, true), "MULTI-PART (&9)");
+    EXPECT_EQ(DialogueButtonCaption(10, true), "");
 }
 
 }  // namespace

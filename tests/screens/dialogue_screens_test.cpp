@@ -14,8 +14,8 @@
 #include "screens/plot_box.h"
 #include "screens/turret_dialogue.h"
 #include "screens/warning_form.h"
-#include "tooling/tool_record.h"
 #include "tests/screens/panel_fixture.h"
+#include "tooling/tool_record.h"
 
 using namespace kirvana;
 
@@ -188,7 +188,8 @@ TEST_F(DialogueScreensTest, EachMessageIsShownAndTheScreenStaysOpen) {
                                                              {'8', "Invalid Reposition !"}};
     for (const auto& [digit, message] : cases) {
         std::string shown;
-        EXPECT_TRUE(OnScreen([&shown](DialogueEntityForm& form) { shown = Refusal(form); }, [this, d = digit] { Key(d); }));
+        EXPECT_TRUE(
+            OnScreen([&shown](DialogueEntityForm& form) { shown = Refusal(form); }, [this, d = digit] { Key(d); }));
         EXPECT_EQ(shown, message + "\n\n\n");
     }
     std::string shown;
@@ -215,7 +216,8 @@ TEST_F(DialogueScreensTest, TheDigitKeysOpenTheirBoxesAndTheLineFollows) {
     ASSERT_TRUE(OnScreen(
         [](DialogueEntityForm& form) {
             // 5 opens the length's pad, 6 the angle's.
-            for (const auto& [digit, text] : std::vector<std::pair<int, std::string>>{{5, "100"}, {6, "90"}, {7, "25"}}) {
+            for (const auto& [digit, text] :
+                 std::vector<std::pair<int, std::string>>{{5, "100"}, {6, "90"}, {7, "25"}}) {
                 WhenModal([text = text](QWidget* pad) {
                     for (char c : text) static_cast<PadForm*>(pad)->SendKey(c);
                     static_cast<PadForm*>(pad)->OkButton()->click();
@@ -315,6 +317,56 @@ TEST_F(DialogueScreensTest, WriteAndLoadThroughTheButtons) {
     });
     C().LoadButton()->click();
     EXPECT_EQ(*text, "Program Does Not Exist !\n\n\n");
+    // Written again over itself: asked first.
+    C().ProgramCombo()->setEditText("PART7");
+    WhenModal([text](QWidget* modal) {
+        auto* warning = static_cast<WarningForm*>(modal);
+        *text = warning->WarningLabel()->text().toStdString();
+        warning->WarningButton(1)->click();
+    });
+    Key('W');
+    EXPECT_EQ(*text, "Program\nPART7\nAlready Exists !\nOverwrite It ?\n\n\n");
+    // The pad types the program's name.
+    WhenModal([](QWidget* modal) {
+        auto* pad = static_cast<PadForm*>(modal);
+        pad->Box()->clear();
+        for (char c : std::string("PART9")) pad->SendKey(c);
+        pad->OkButton()->click();
+    });
+    C().PadButton()->click();
+    EXPECT_EQ(C().ProgramCombo()->currentText(), "PART9");
+}
+
+TEST_F(DialogueScreensTest, DamagedWorkFilesStartAnEmptyDialogueWithANotice) {
+    Write("Dialogue/Dlgprg.cfg", "PART\nDIR\nTEXT\n******\n");
+    Write("Dialogue/Dlgprg.drw", "not a drawing");
+    ASSERT_EQ(Start(), 0);
+    auto text = std::make_shared<std::string>();
+    WhenModal([text](QWidget* modal) {
+        auto* warning = static_cast<WarningForm*>(modal);
+        *text = warning->WarningLabel()->text().toStdString();
+        warning->WarningButton(0)->click();
+    });
+    Key(key::F5);
+    EXPECT_EQ(*text, "Dialogue Files Damaged !\nAn Empty Dialogue Is Started !\n\n\n");
+    EXPECT_EQ(CountText(), "1 / 1");
+    EXPECT_FALSE(Session().State.SheetDefined);
+}
+
+TEST_F(DialogueScreensTest, KeysOnAnotherScreenDoNotReachTheDialogue) {
+    StartDialogue();
+    DefineSheet();
+    std::string stillUp;
+    WhenModal([&stillUp](QWidget* turret) {
+        QTest::keyClick(turret, Qt::Key_2);
+        QTest::keyClick(turret, Qt::Key_C);
+        stillUp = QApplication::activeModalWidget()->objectName().toStdString();
+        ButtonOf(turret, "ExitButton")->click();
+    });
+    Key('T');
+    EXPECT_EQ(stillUp, "TurretDialogue");
+    EXPECT_EQ(CountText(), "1 / 1");
+    EXPECT_TRUE(Session().State.SheetDefined);  // C on the turret did not clear the dialogue
 }
 
 TEST_F(DialogueScreensTest, LeavingWritesTheWorkFilesAndTheMainPanelReturns) {

@@ -23,7 +23,8 @@ void Save(Panel& panel, const std::string& name) {
 }
 
 // Composes and confirms a record as its screen would.
-void Confirm(DialogueSession& session, DialogueScreen screen, const std::vector<std::pair<std::size_t, std::string>>& boxes) {
+void Confirm(DialogueSession& session, DialogueScreen screen,
+             const std::vector<std::pair<std::size_t, std::string>>& boxes) {
     DialogueScreenModel model(session, screen);
     model.Open();
     for (const auto& [box, text] : boxes) model.SetBox(box, text);
@@ -41,7 +42,8 @@ TEST_F(PanelTest, ScreenshotsOfTheDialogue) {
     Key(key::F5);
     DialogueSession& session = P().Dialogue().Session();
     // A part: the sheet, punches, a line, a grid, an arc and a profile.
-    Confirm(session, DialogueScreen::Sheet, {{0, "1200"}, {1, "600"}, {2, "MILD STEEL 2MM"}, {3, "200"}, {4, "600"}, {5, "1000"}});
+    Confirm(session, DialogueScreen::Sheet,
+            {{0, "1200"}, {1, "600"}, {2, "MILD STEEL 2MM"}, {3, "200"}, {4, "600"}, {5, "1000"}});
     Confirm(session, DialogueScreen::Punch, {{0, "100"}, {1, "100"}});
     Confirm(session, DialogueScreen::Punch, {{0, "1100"}, {1, "100"}});
     Confirm(session, DialogueScreen::Line, {{0, "150"}, {1, "500"}, {4, "900"}, {5, "0"}, {6, "30"}});
