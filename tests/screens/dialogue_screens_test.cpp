@@ -10,6 +10,7 @@
 #include "screens/dialogue_entity_form.h"
 #include "screens/dialogue_front.h"
 #include "screens/dialogue_panel.h"
+#include "screens/dialogue_settings_forms.h"
 #include "screens/pad_forms.h"
 #include "screens/plot_box.h"
 #include "screens/turret_dialogue.h"
@@ -425,6 +426,46 @@ TEST_F(DialogueScreensTest, TheTurretDialogueGivesTheScreenItsTool) {
     });
     Key('T');
     EXPECT_EQ(name, "TurretDialogue");
+}
+
+TEST_F(DialogueScreensTest, TheSettingsDialoguesKeepTheirValuesInTheDialogue) {
+    StartDialogue();
+    DefineSheet();
+    WhenModal([](QWidget* modal) {
+        auto* turret = static_cast<TurretDialogue*>(modal);
+        turret->StationList()->setCurrentRow(1);
+        WhenModal([](QWidget* settings) {
+            auto* form = static_cast<PunchSettingsDialogue*>(settings);
+            EXPECT_EQ(form->Name(), "PunchSettingsDialogue");
+            form->SetText(1, "70");
+            form->ApplyButton(1)->click();
+            form->ExitButton()->click();
+        });
+        turret->SettingsButton(1)->click();
+        EXPECT_EQ(turret->PunchSettingsBox(1)->text(), "70");
+        WhenModal([](QWidget* settings) {
+            auto* form = static_cast<PlasmaSettingsDialogue*>(settings);
+            EXPECT_EQ(form->Name(), "PlasmaSettingsDialogue");
+            form->SetText(2, "3100");
+            form->ApplyButton()->click();
+            form->ExitButton()->click();
+        });
+        turret->SettingsButton(2)->click();
+        turret->ExitButton()->click();
+    });
+    Key('S');
+    EXPECT_EQ(Session().Table()[1].Settings.FeedPercent, 70);
+    EXPECT_EQ(Session().Table()[0].Settings.FeedPercent, 100);
+    EXPECT_EQ(Session().Plasma().CutSpeed, 3100);
+    // The tool table at once, the plasma set when the dialogue is left.
+    auto trt = ReadLines(Session().WorkFile("trt"));
+    ASSERT_TRUE(trt);
+    F().ExitDialogueButton()->click();
+    EXPECT_TRUE(FileExists(Session().WorkFile("pls")));
+    // Back in: the table and the set come from the work files.
+    Key(key::F5);
+    EXPECT_EQ(Session().Table()[1].Settings.FeedPercent, 70);
+    EXPECT_EQ(Session().Plasma().CutSpeed, 3100);
 }
 
 }  // namespace
