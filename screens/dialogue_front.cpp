@@ -78,7 +78,6 @@ bool DialogueFront::Key(int code) {
 
 void DialogueFront::Command(DialogueCommand command) {
     if (ApplyCursorCommand(*session_, command)) {
-        if (PlotBox* box = Box()) box->Show();
         Show();
         return;
     }
@@ -198,25 +197,25 @@ void DialogueFront::PlotInput(PlotBoxInput& input) const {
 }
 
 void DialogueFront::DrawRecord(std::int32_t number, int colourMode) {
+    if (number < 2) return;
+    if (auto rec = session_->Entity(number)) Draw(*rec, colourMode);
+}
+
+void DialogueFront::Draw(const EntityRec& rec, int colourMode) {
     PlotBox* box = Box();
-    if (!box || number < 2) return;
-    if (auto rec = session_->Entity(number)) box->Drawing().PlotEntity(DialoguePlot, *rec, colourMode, false);
+    if (!box) return;
+    box->Drawing().PlotEntity(DialoguePlot, rec, colourMode, false);
+    // Each drawing is finished at once: the box may be resized before the next.
+    box->Show();
 }
 
-void DialogueFront::EraseEntity(const EntityRec& rec) {
-    if (PlotBox* box = Box()) box->Drawing().PlotEntity(DialoguePlot, rec, ColourMode::Erase, false);
-}
+void DialogueFront::EraseEntity(const EntityRec& rec) { Draw(rec, ColourMode::Erase); }
 
-void DialogueFront::DrawEntity(const EntityRec& rec) {
-    if (PlotBox* box = Box()) box->Drawing().PlotEntity(DialoguePlot, rec, ColourMode::Background, false);
-}
+void DialogueFront::DrawEntity(const EntityRec& rec) { Draw(rec, ColourMode::Background); }
 
 void DialogueFront::RedrawDrawing() { panel_.RedrawPlot(DialoguePlot); }
 
-void DialogueFront::Highlight() {
-    DrawRecord(session_->State.EntityCursor, ColourMode::Highlight);
-    if (PlotBox* box = Box()) box->Show();
-}
+void DialogueFront::Highlight() { DrawRecord(session_->State.EntityCursor, ColourMode::Highlight); }
 
 void DialogueFront::MoveHighlight(std::int32_t from, std::int32_t to) {
     DrawRecord(from, ColourMode::Background);

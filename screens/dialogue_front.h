@@ -53,6 +53,7 @@ private:
     DialogueControls* Controls();
     PlotBox* Box();
     void DrawRecord(std::int32_t number, int colourMode);
+    void Draw(const EntityRec& rec, int colourMode);
     void Warn(const std::vector<std::string>& lines);
     std::string ChosenDirectory();
     std::string ChosenProgram();

@@ -15,6 +15,8 @@ PlotBox::PlotBox(int index, const ColourTable& colours, const std::string& tools
 
 PlotResult PlotBox::Redraw(const MachineData& machine, PlotBoxInput input) {
     const QSize size = contentsRect().size().expandedTo(QSize(1, 1));
+    // What is still to be drawn goes to the picture before the picture is replaced.
+    canvas_.Finish();
     if (image_.size() != size) image_ = QImage(size, QImage::Format_RGB32);
     image_.fill(PlotColour(plotter_->Colours()[ColourItem::PlotBackground]));
     canvas_.SetDevice(&image_, size);
