@@ -468,4 +468,24 @@ TEST_F(DialogueScreensTest, TheSettingsDialoguesKeepTheirValuesInTheDialogue) {
     EXPECT_EQ(Session().Plasma().CutSpeed, 3100);
 }
 
+TEST_F(DialogueScreensTest, AProfilerWithoutTurretHasSettingsAndMovesAndNoGrid) {
+    MachineType(2);
+    ASSERT_EQ(Start(), 0);
+    Key(key::F5);
+    EXPECT_EQ(C().DialogueButton(0)->text(), "&SETTINGS");
+    EXPECT_EQ(C().DialogueButton(2)->text(), "MOVE (&2)");
+    DefineSheet();
+    EXPECT_FALSE(OnScreen([](DialogueEntityForm&) {}, [this] { Key('4'); }));
+    std::string name;
+    WhenModal([&name](QWidget* modal) {
+        name = modal->objectName().toStdString();
+        ButtonOf(modal, "ExitButton")->click();
+    });
+    Key('S');
+    EXPECT_EQ(name, "PlasmaSettingsDialogue");
+    // The punching screens start with the plasma tool.
+    ASSERT_TRUE(OnScreen([](DialogueEntityForm& form) { EXPECT_TRUE(form.ToolLabel()->text().startsWith("PLASMA")); },
+                         [this] { Key('3'); }));
+}
+
 }  // namespace
