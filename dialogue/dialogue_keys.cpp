@@ -1,5 +1,7 @@
 #include "dialogue/dialogue_keys.h"
 
+#include <array>
+
 namespace kirvana {
 
 namespace {
@@ -38,6 +40,15 @@ DialogueKeyResult DialogueKey(int keyCode) {
             return {DialogueCommand::Load};
         case 'X':
             return {DialogueCommand::Leave};
+        case 'P':
+            return {DialogueCommand::FocusProgram};
+        case 'D':
+            return {DialogueCommand::FocusDirectory};
+        case 'M':
+            return {DialogueCommand::ToggleImperial};
+        case 'T':
+        case 'S':
+            return {DialogueCommand::Tooling};
         default:
             return {};
     }
@@ -69,5 +80,15 @@ bool ApplyCursorCommand(DialogueSession& session, DialogueCommand command) {
 }
 
 const char* ImperialButtonCaption(bool imperial) { return imperial ? "&METRIC" : "I&MPERIAL"; }
+
+std::string DialogueButtonCaption(int n, bool hasTurret) {
+    static constexpr std::array<const char*, 10> captions = {
+        "&TOOLING", "SHEET (&1)", "PUNCH (&2)", "LINE (&3)",       "GRID (&4)",
+        "ARC (&5)", "STOP (&6)",  "DWELL (&7)", "REPOSITION (&8)", "MULTI-PART (&9)"};
+    if (n < 0 || n > 9) return {};
+    if (!hasTurret && n == 0) return "&SETTINGS";
+    if (!hasTurret && n == 2) return "MOVE (&2)";
+    return captions[static_cast<std::size_t>(n)];
+}
 
 }  // namespace kirvana

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "dialogue/dialogue_session.h"
 
@@ -23,6 +24,10 @@ enum class DialogueCommand {
     Load,              // R
     Leave,             // X
     OpenScreen,        // 1 to 9: `Screen`
+    FocusProgram,      // P: `ProgramCombo`
+    FocusDirectory,    // D: `DirectoryCombo`
+    ToggleImperial,    // M: `ImperialButton`
+    Tooling,           // T or S: `DialogueButton` 0
 };
 
 struct DialogueKeyResult {
@@ -41,5 +46,9 @@ bool ApplyCursorCommand(DialogueSession& session, DialogueCommand command);
 
 // The caption of `ImperialButton`: what a press switches to.
 const char* ImperialButtonCaption(bool imperial);
+
+// The caption of `DialogueButton` n: 0 the tooling ("&SETTINGS" without a turret), 1 to 9 the
+// screens ("MOVE (&2)" on a machine without punch).
+std::string DialogueButtonCaption(int n, bool hasTurret);
 
 }  // namespace kirvana

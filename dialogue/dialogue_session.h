@@ -59,9 +59,9 @@ inline constexpr const char* NeedsSheetNotice = "Define The Sheet First !";
 
 // What the dialogue asks of the plot on box 0, which the plot module answers; without one the
 // dialogue draws nothing.
-class DialoguePlot {
+class DialoguePlotHook {
 public:
-    virtual ~DialoguePlot() = default;
+    virtual ~DialoguePlotHook() = default;
     virtual void EraseEntity(const EntityRec& rec) = 0;
     virtual void DrawEntity(const EntityRec& rec) = 0;
     // The whole drawing again (after an edit, a delete of the Multi-Part, a clear or a load).
@@ -120,8 +120,8 @@ public:
     // left out of a copy. False when nothing was deleted.
     bool DeleteAtCursor();
 
-    void SetPlot(DialoguePlot* plot) { plot_ = plot; }
-    DialoguePlot* Plot() const { return plot_; }
+    void SetPlot(DialoguePlotHook* plot) { plot_ = plot; }
+    DialoguePlotHook* Plot() const { return plot_; }
 
     // What the screens start from.
     LastPoint Last() const { return LastPoint{State.LastX, State.LastY}; }
@@ -150,7 +150,7 @@ private:
     const Directories& dirs_;
     const MachineData& machine_;
     Tooling& tooling_;
-    DialoguePlot* plot_ = nullptr;
+    DialoguePlotHook* plot_ = nullptr;
 };
 
 }  // namespace kirvana

@@ -15,7 +15,8 @@ struct MachineData;
 namespace key {
 inline constexpr int F1 = 112, F2 = 113, F3 = 114, F4 = 115, F5 = 116, F6 = 117, F7 = 118, F8 = 119, F9 = 120,
                      F10 = 121, F11 = 122, F12 = 123;
-inline constexpr int End = 35, Home = 36, Left = 37, Up = 38, Right = 39, Down = 40;
+inline constexpr int PageUp = 33, PageDown = 34, End = 35, Home = 36, Left = 37, Up = 38, Right = 39, Down = 40;
+inline constexpr int Delete = 46;
 inline constexpr int Minus = 189, Subtract = 109;
 }  // namespace key
 

@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
+#include "screens/dialogue_panel.h"
 #include "screens/panel.h"
 #include "screens/panel_style.h"
 #include "screens/plot_box.h"
@@ -61,8 +62,11 @@ FrontEnd::FrontEnd(Panel& panel) : QWidget(nullptr), panel_(panel) {
     outer->addLayout(middle, 1);
     outer->addWidget(BuildStatusPanel());
     outer->addWidget(BuildBottomRow());
+    dialogue_ = std::make_unique<DialogueControls>(panel_, dialoguePanel_, dialogueBar_);
     ApplyColours();
 }
+
+FrontEnd::~FrontEnd() = default;
 
 QWidget* FrontEnd::BuildButtonColumn() {
     column_ = new QStackedWidget(this);
@@ -125,12 +129,11 @@ QWidget* FrontEnd::BuildButtonColumn() {
 
     dialoguePanel_ = Column(column_, layout);
     dialoguePanel_->setObjectName("DialoguePanel");
-    auto* frame = new QFrame(dialoguePanel_);
-    frame->setFrameShape(QFrame::Box);
-    layout->addWidget(frame, 1);
+    // The dialogue's controls come above its exit (DialogueControls).
     exitDialogue_ = MakeButton("E&XIT", dialoguePanel_);
     exitDialogue_->setObjectName("ExitDialogueButton");
-    layout->addWidget(exitDialogue_);
+    layout->addWidget(exitDialogue_, 1);
+    exitDialogue_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     connect(exitDialogue_, &QPushButton::clicked, this, [this] {
         panel_.DoKeyAction(MainKey(panel_.Nav(), panel_.State().Config.Machine, panel_.State().Card.FormsLocked, 'X'));
     });
@@ -185,6 +188,10 @@ QWidget* FrontEnd::BuildBottomRow() {
         connect(programButtons_[slot - 1], &QPushButton::clicked, this,
                 [this, slot] { panel_.MainKeyPressed(slot == 1 ? key::F10 : key::F11); });
     }
+    // In the dialogue the program buttons give way to its Write and Load bar.
+    dialogueBar_ = new QWidget(row);
+    dialogueBar_->setObjectName("DialogueBar");
+    layout->addWidget(dialogueBar_, 5);
     messageButton_ = MakeButton("MESSAGES F9", row, 200);
     messageButton_->setObjectName("MessageButton");
     layout->addWidget(messageButton_, 1);
@@ -238,6 +245,10 @@ void FrontEnd::ShowNavigation() {
         column_->setCurrentWidget(mainPanel_);
     header_->setVisible(!nav.DialogueOn);
     shutdownButton_->setVisible(!nav.DialogueOn);
+    dialogueBar_->setVisible(nav.DialogueOn);
+    for (QPushButton* b : programButtons_) b->setVisible(!nav.DialogueOn);
+    // The dialogue's column holds its screens two to a row.
+    column_->setFixedWidth(nav.DialogueOn ? 330 : 250);
     limitsButton_->setChecked(nav.LimitsOn);
     std::vector<std::string> path = PathButtonCaptions(nav.ViewMode);
     for (int i = 0; i < 6; ++i) {

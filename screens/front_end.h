@@ -9,16 +9,19 @@
 #include <QStackedWidget>
 #include <QWidget>
 #include <array>
+#include <memory>
 #include <vector>
 
 namespace kirvana {
 
+class DialogueControls;
 class Panel;
 class PlotBox;
 
 class FrontEnd : public QWidget {
 public:
     explicit FrontEnd(Panel& panel);
+    ~FrontEnd() override;
 
     // The captions and panels from the navigation state and the slots.
     void ShowNavigation();
@@ -51,6 +54,9 @@ public:
     QWidget* GraphicsButtonPanel() { return graphicsPanel_; }
     QWidget* PathButtonPanel() { return pathPanel_; }
     QWidget* DialoguePanel() { return dialoguePanel_; }
+    // The dialogue panel's controls, and the bar of Write and Load below the plot.
+    DialogueControls& Dialogue() { return *dialogue_; }
+    QWidget* DialogueBar() { return dialogueBar_; }
     QStackedWidget* ButtonColumn() { return column_; }
 
 protected:
@@ -76,6 +82,8 @@ private:
     QWidget* graphicsPanel_ = nullptr;
     QWidget* pathPanel_ = nullptr;
     QWidget* dialoguePanel_ = nullptr;
+    QWidget* dialogueBar_ = nullptr;
+    std::unique_ptr<DialogueControls> dialogue_;
     QFrame* positionBox_ = nullptr;
     std::array<QPushButton*, 7> mainButtons_{};
     std::array<QPushButton*, 2> programButtons_{};

@@ -10,6 +10,8 @@
 
 #include "navigation/pad_entry.h"
 #include "navigation/program_change.h"
+#include "screens/dialogue_entity_form.h"
+#include "screens/dialogue_front.h"
 #include "screens/file_forms.h"
 #include "screens/front_end.h"
 #include "screens/machine_forms.h"
@@ -67,6 +69,12 @@ void Panel::RegisterForms() {
     RegisterToolingForms(*this, forms_);
     RegisterMachineForms(forms_, *this);
     RegisterFileForms(*this);
+    RegisterDialogueForms(*this, forms_);
+}
+
+DialogueFront& Panel::Dialogue() {
+    if (!dialogue_) dialogue_ = std::make_unique<DialogueFront>(*this);
+    return *dialogue_;
 }
 
 int Panel::Start(const std::string& root) {
@@ -93,6 +101,9 @@ Conversation Panel::Talk() { return Conversation(&link_, process_.Card, process_
 void Panel::MainKeyPressed(int code) {
     if (ended_) return;
     modeBeforeKey_ = nav_.ViewMode;
+    // The dialogue's own keys first, on FrontEnd only; the rest (F9, X) go on to MainKey.
+    if (nav_.DialogueOn && !process_.Card.FormsLocked && !QApplication::activeModalWidget() && Dialogue().Key(code))
+        return;
     DoKeyAction(MainKey(nav_, process_.Config.Machine, process_.Card.FormsLocked, code));
 }
 
@@ -128,6 +139,13 @@ void Panel::DoKeyAction(const KeyResult& result) {
             return;
         case KeyAction::ToggleLimits:
             RedrawPlot(ActivePlot());
+            break;
+        case KeyAction::EnterDialogue:
+            Dialogue().Enter();
+            break;
+        case KeyAction::LeaveDialogue:
+            if (frontEnd_) frontEnd_->ShowNavigation();
+            Dialogue().Leave();
             break;
         default:
             break;

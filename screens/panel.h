@@ -26,6 +26,7 @@
 
 namespace kirvana {
 
+class DialogueFront;
 class FrontEnd;
 class PlotBox;
 class SplashForm;
@@ -62,6 +63,8 @@ public:
     Conversation Talk();
     FormRegistry& Forms() { return forms_; }
     FrontEnd* Front() { return frontEnd_.get(); }
+    // The dialogue of F5, made on first use.
+    DialogueFront& Dialogue();
     SplashForm* Splash() { return splash_.get(); }
     // What the panel could not read of its own files (Colour.cfg), shown on FrontEnd.
     const std::string& StartNote() const { return startNote_; }
@@ -155,6 +158,8 @@ private:
     Navigation nav_;
     ColourTable colours_;
     WarningGate warning_;
+    // Before the forms and FrontEnd, which use it, so that it goes after them.
+    std::unique_ptr<DialogueFront> dialogue_;
     FormRegistry forms_;
     std::unique_ptr<FrontEnd> frontEnd_;
     std::unique_ptr<SplashForm> splash_;

@@ -3,6 +3,7 @@
 #include <QApplication>
 
 #include "analysis/drawing_file.h"
+#include "screens/dialogue_front.h"
 #include "screens/front_end.h"
 #include "screens/panel.h"
 #include "screens/plot_box.h"
@@ -36,7 +37,9 @@ void Panel::RedrawPlot(int plot, bool resetRunData) {
             slot.RunHitFile = 1;
         }
     }
+    if (plot == DialoguePlot) Dialogue().PlotInput(input);
     box->Redraw(process_.Config.Machine, input);
+    if (plot == DialoguePlot) Dialogue().Highlight();
 }
 
 void Panel::PlotGraphicsButton(int index) {

@@ -53,6 +53,12 @@ int KeyCodeOf(const QKeyEvent& event) {
             return key::Down;
         case Qt::Key_Home:
             return key::Home;
+        case Qt::Key_PageUp:
+            return key::PageUp;
+        case Qt::Key_PageDown:
+            return key::PageDown;
+        case Qt::Key_Delete:
+            return key::Delete;
         case Qt::Key_End:
             return key::End;
         case Qt::Key_Minus:

@@ -14,6 +14,8 @@ PlotBox::PlotBox(int index, const ColourTable& colours, const std::string& tools
 }
 
 PlotResult PlotBox::Redraw(const MachineData& machine, PlotBoxInput input) {
+    // What is still to be drawn goes to the picture before the picture is moved or replaced.
+    Canvas().Finish();
     input.Plot = index_;
     PlotResult result = picture_.Draw(machine, input, contentsRect().size());
     Show();

@@ -193,7 +193,8 @@ bool SettingsForm::FormKey(int code, QKeyEvent&) {
     return PressMarkedButton(this, code);
 }
 
-PunchSettingsForm::PunchSettingsForm(Panel& panel) : SettingsForm(panel, "PunchSettingsForm", "TOOL SETTINGS", 6, 600) {
+PunchSettingsForm::PunchSettingsForm(Panel& panel, std::string name)
+    : SettingsForm(panel, std::move(name), "TOOL SETTINGS", 6, 600) {
     apply_[0] = AddButton("APPLY TO &TOOL", "ApplyButton1");
     apply_[1] = AddButton("APPLY TO &ALL", "ApplyButton2");
     FinishButtons();
@@ -234,8 +235,8 @@ void PunchSettingsForm::Apply(bool all) {
     if (!change.FileFault.empty()) Warn(change.FileFault);
 }
 
-PlasmaSettingsForm::PlasmaSettingsForm(Panel& panel)
-    : SettingsForm(panel, "PlasmaSettingsForm", "PLASMA SETTINGS", 10, 720) {
+PlasmaSettingsForm::PlasmaSettingsForm(Panel& panel, std::string name)
+    : SettingsForm(panel, std::move(name), "PLASMA SETTINGS", 10, 720) {
     apply_ = AddButton("&APPLY", "ApplyButton");
     FinishButtons();
     connect(apply_, &QPushButton::clicked, this, [this] { Apply(); });

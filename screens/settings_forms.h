@@ -68,7 +68,7 @@ private:
 
 class PunchSettingsForm : public SettingsForm {
 public:
-    explicit PunchSettingsForm(Panel& panel);
+    explicit PunchSettingsForm(Panel& panel) : PunchSettingsForm(panel, "PunchSettingsForm") {}
     // The station the form works on (from 1), before it is shown.
     void Begin(int station) { station_ = station; }
     void Activate() override;
@@ -76,29 +76,34 @@ public:
     QPushButton* ApplyButton(int n) { return apply_[static_cast<std::size_t>(n - 1)]; }
 
 protected:
+    // The same screen under another name (the dialogue's).
+    PunchSettingsForm(Panel& panel, std::string name);
     void LoadSet(const std::string& name) override;
     SaveOutcome SaveSet(const std::string& name, const AskOperator& ask) override;
     int PadMode(int n) const override;
+    // The settings of the boxes to the station (to all with `all`).
+    virtual void Apply(bool all);
+    int station_ = 1;
 
 private:
-    void Apply(bool all);
-    int station_ = 1;
     std::array<QPushButton*, 2> apply_{};
 };
 
 class PlasmaSettingsForm : public SettingsForm {
 public:
-    explicit PlasmaSettingsForm(Panel& panel);
+    explicit PlasmaSettingsForm(Panel& panel) : PlasmaSettingsForm(panel, "PlasmaSettingsForm") {}
     void Activate() override;
     QPushButton* ApplyButton() { return apply_; }
 
 protected:
+    PlasmaSettingsForm(Panel& panel, std::string name);
     void LoadSet(const std::string& name) override;
     SaveOutcome SaveSet(const std::string& name, const AskOperator& ask) override;
     int PadMode(int n) const override;
+    // The set of the boxes becomes the program's.
+    virtual void Apply();
 
 private:
-    void Apply();
     QPushButton* apply_;
 };
 

@@ -193,7 +193,7 @@ TEST_F(DialogueSessionTest, ClearEmptiesTheDrawingAndTheNames) {
 }
 
 // Records what the dialogue asks of the plot.
-class RecordingPlot : public DialoguePlot {
+class RecordingPlot : public DialoguePlotHook {
 public:
     std::vector<std::string> Calls;
     void EraseEntity(const EntityRec& rec) override { Calls.push_back("erase " + std::to_string(rec.Kind)); }
