@@ -9,11 +9,14 @@
 #include <QListWidget>
 #include <QRegularExpression>
 
+#include "analysis/drawing_file.h"
 #include "screens/edit_prog_form.h"
 #include "screens/file_forms.h"
 #include "screens/machine_forms.h"
 #include "screens/program_choice_forms.h"
 #include "screens/settings_forms.h"
+#include "screens/tool_def_dialogue.h"
+#include "screens/turret_form.h"
 #include "tests/screens/program_forms_fixture.h"
 
 using namespace kirvana;
@@ -178,4 +181,43 @@ TEST_F(ProgramFormsTest, EveryListRowIsHighEnoughForAFinger) {
         EXPECT_TRUE(shown) << name;
         EXPECT_EQ(low, std::vector<std::string>{}) << name;
     }
+}
+
+TEST_F(ProgramFormsTest, LeavingTheTurretScreenConvertsTheProgramWithTheNewTool) {
+    ASSERT_EQ(Start(), 0);
+    Select(1, "PLATE01");
+    const std::string hitFile = dir_.Path() + "Actvprg1.dr1";
+    auto hitsOfFive = [&](const std::string& description) {
+        DrawingFile hits;
+        EXPECT_TRUE(hits.Open(hitFile, true));
+        int n = 0;
+        for (std::int32_t r = 2; r <= hits.LastReadable(); ++r) {
+            EntityRec rec;
+            hits.Get(r, rec);
+            n += rec.StationNo == 5 && DescribeTool(rec.Tool, false) == description;
+        }
+        return n;
+    };
+    // Station 5 of the demo turret holds no tool yet.
+    const int hits = hitsOfFive("");
+    ASSERT_GT(hits, 0);
+    WhenModal([&](QWidget* modal) {
+        auto* turret = dynamic_cast<TurretForm*>(modal);
+        ASSERT_NE(turret, nullptr);
+        turret->StationList()->setCurrentRow(4);
+        WhenModal([&](QWidget* inner) {
+            auto* dialogue = static_cast<ToolDefDialogue*>(inner);
+            dialogue->ToolTypeList()->setCurrentRow(0);
+            dialogue->SetBox(0, 1, "12");
+            dialogue->OkButton()->click();
+        });
+        turret->ToolButton()->click();
+        turret->ExitButton()->click();
+    });
+    Key(key::F2);
+    // The hit file is made only by the conversion: its hits of station 5 carry the new tool.
+    EXPECT_EQ(hitsOfFive("Diameter 12"), hits);
+    EXPECT_EQ(hitsOfFive(""), 0);
+    EXPECT_TRUE(P().State().Slots[0].Present);
+    EXPECT_EQ(DescribeTool(SlotTable(P().State().Tools, 1)[4].Tool, false), "Diameter 12");
 }
