@@ -91,6 +91,41 @@ void LanguageWalk::BeginArcPattern(double centreX, double centreY, double radius
     rec_.Counts[2] = p10 == Missing || p10 <= 0 ? True16 : 0;
 }
 
+void LanguageWalk::BeginLinearPattern(double entryX, double entryY, double exitX, double exitY, double pitch,
+                                      double direction, std::int16_t hits) {
+    BeginEntity(EntityKind::LinearPattern, "Linear Pattern");
+    TakeTool();
+    rec_.Points.Entry = {ToSingle(entryX), ToSingle(entryY)};
+    rec_.Points.Exit = {ToSingle(exitX), ToSingle(exitY)};
+    rec_.Values[2] = ToSingle(pitch);
+    rec_.Values[10] = ToSingle(direction);
+    rec_.Counts[1] = hits;
+}
+
+void LanguageWalk::MirrorArcPattern(double& first, double& sweep, double& step) const {
+    if (S.MirrorX || S.MirrorY) first = MirrorAngle(first, S.MirrorX, S.MirrorY);
+    if (S.MirrorX) {
+        step = -step;
+        sweep = -sweep;
+    }
+    if (S.MirrorY) {
+        step = -step;
+        sweep = -sweep;
+    }
+}
+
+bool LanguageWalk::NibbleHitsUsable(std::optional<std::int16_t> hits) {
+    if (!hits) {
+        Overflow();
+        return false;
+    }
+    if (*hits == 1) {
+        Error(pass_message::DivisionByZero, true);
+        return false;
+    }
+    return true;
+}
+
 void LanguageWalk::MoveOnCircle(double centreX, double centreY, double radius, double angle) {
     S.PrevX = S.PosX;
     S.PrevY = S.PosY;
@@ -181,23 +216,10 @@ void LanguageWalk::NibbleLine() {
     angle = Round(angle, 3);
     double step = NibbleIncrement();
     auto hits = NibbleHits(length, step);
-    if (!hits) {
-        Overflow();
-        return;
-    }
-    if (*hits == 1) {
-        Error(pass_message::DivisionByZero, true);
-        return;
-    }
+    if (!NibbleHitsUsable(hits)) return;
     if (!TakeTool()) return;
-    BeginEntity(EntityKind::LinearPattern, "Linear Pattern");
-    TakeTool();
-    rec_.Points.Entry = {S.PrevX, S.PrevY};
-    rec_.Points.Exit = {S.PosX, S.PosY};
+    BeginLinearPattern(S.PrevX, S.PrevY, S.PosX, S.PosY, Round(std::fabs(length / (*hits - 1)), 4), angle, *hits);
     rec_.Values[1] = ToSingle(length);
-    rec_.Values[2] = ToSingle(Round(std::fabs(length / (*hits - 1)), 4));
-    rec_.Values[10] = ToSingle(angle);
-    rec_.Counts[1] = *hits;
     FinishPattern();
     S.PrevX = S.PosX;
     S.PrevY = S.PosY;
@@ -227,14 +249,7 @@ void LanguageWalk::NibbleArc(bool g02) {
     double step = NibbleIncrement();
     double arcLength = std::fabs(arc.Sweep) / 360 * (2 * arc.Radius * Pi);
     auto hits = NibbleHits(arcLength, step);
-    if (!hits) {
-        Overflow();
-        return;
-    }
-    if (*hits == 1) {
-        Error(pass_message::DivisionByZero, true);
-        return;
-    }
+    if (!NibbleHitsUsable(hits)) return;
     if (!TakeTool()) return;
     BeginArcPattern(arc.CentreX, arc.CentreY, arc.Radius, arc.StartAngle, arc.Sweep, arc.Sweep / (*hits - 1));
     // Every hit, the last one too (only G37 leaves its last hit to P10).
@@ -264,15 +279,7 @@ void LanguageWalk::CycleG64() {
     double sweep = 360;
     double step = hits == 0 ? 0 : (std::fabs(sweep) == 360 ? sweep / hits : sweep / (hits - 1));
     // 4. The mirrors.
-    if (S.MirrorX || S.MirrorY) first = MirrorAngle(first, S.MirrorX, S.MirrorY);
-    if (S.MirrorX) {
-        step = -step;
-        sweep = -sweep;
-    }
-    if (S.MirrorY) {
-        step = -step;
-        sweep = -sweep;
-    }
+    MirrorArcPattern(first, sweep, step);
     // 5, 6. The entity.
     if (!TakeTool()) return;
     BeginArcPattern(centreX, centreY, radius, first, sweep, step);
@@ -399,17 +406,11 @@ void LanguageWalk::CycleG26() {
             if (a > 360) a -= 360;
         }
     } else {
-        BeginEntity(EntityKind::LinearPattern, "Linear Pattern");
-        TakeTool();
         double dx, dy;
         PolarToXY(rowLength, grid.P5, dx, dy);
         endX += dx;
         endY += dy;
-        rec_.Points.Entry = {ToSingle(firstX), ToSingle(firstY)};
-        rec_.Points.Exit = {ToSingle(endX), ToSingle(endY)};
-        rec_.Values[2] = ToSingle(grid.P2.Value);
-        rec_.Values[10] = ToSingle(grid.P5);
-        rec_.Counts[1] = grid.P1;
+        BeginLinearPattern(firstX, firstY, endX, endY, grid.P2.Value, grid.P5, grid.P1);
     }
     FinishPattern();
     // At the end of the walk, or back at the start.
@@ -436,25 +437,12 @@ void LanguageWalk::CycleG36() {
     if (iGiven || jGiven) XYToPolar(iGiven ? i : 0, jGiven ? j : 0, p1, p5);
     auto hits = RoundToInt16(std::fabs(std::trunc(p1 / step)) + 1);
     if (step == 0 || !std::isfinite(p1 / step)) hits = std::int16_t{1};
-    if (!hits) {
-        Overflow();
-        return;
-    }
-    if (*hits == 1) {
-        Error(pass_message::DivisionByZero, true);
-        return;
-    }
+    if (!NibbleHitsUsable(hits)) return;
     if (S.MirrorX || S.MirrorY) p5 = MirrorAngle(p5, S.MirrorX, S.MirrorY);
     if (!TakeTool()) return;
-    BeginEntity(EntityKind::LinearPattern, "Linear Pattern");
-    TakeTool();
     double dx, dy;
     PolarToXY(p1, p5, dx, dy);
-    rec_.Points.Entry = {S.PosX, S.PosY};
-    rec_.Points.Exit = {ToSingle(S.PosX + dx), ToSingle(S.PosY + dy)};
-    rec_.Values[2] = ToSingle(p1 / (*hits - 1));
-    rec_.Values[10] = ToSingle(p5);
-    rec_.Counts[1] = *hits;
+    BeginLinearPattern(S.PosX, S.PosY, S.PosX + dx, S.PosY + dy, p1 / (*hits - 1), p5, *hits);
     FinishPattern();
     S.PrevX = S.PosX;
     S.PrevY = S.PosY;
@@ -487,24 +475,9 @@ void LanguageWalk::CycleG37() {
     double arcLength = (p1 / 360) * (r * Pi * 2);
     auto hits = RoundToInt16(std::fabs(std::trunc(arcLength / step)) + 1);
     if (step == 0 || !std::isfinite(arcLength / step)) hits = std::int16_t{1};
-    if (!hits) {
-        Overflow();
-        return;
-    }
-    if (*hits == 1) {
-        Error(pass_message::DivisionByZero, true);
-        return;
-    }
+    if (!NibbleHitsUsable(hits)) return;
     double stepAngle = p1 / (*hits - 1);
-    if (S.MirrorX || S.MirrorY) p5 = MirrorAngle(p5, S.MirrorX, S.MirrorY);
-    if (S.MirrorX) {
-        p1 = -p1;
-        stepAngle = -stepAngle;
-    }
-    if (S.MirrorY) {
-        p1 = -p1;
-        stepAngle = -stepAngle;
-    }
+    MirrorArcPattern(p5, p1, stepAngle);
     if (!TakeTool()) return;
     double centreX = S.MirrorX ? S.PosX - i : S.PosX + i;
     double centreY = S.MirrorY ? S.PosY - j : S.PosY + j;
@@ -525,12 +498,10 @@ void LanguageWalk::CycleG65() {
     }
     double step = Length("P8=");
     if (step == Missing) step = 0;
-    const double lengths[4] = {std::fabs(i), std::fabs(j), std::fabs(i), std::fabs(j)};
-    const double directions[4] = {i >= 0 ? 0.0 : 180.0, j >= 0 ? 90.0 : 270.0, i >= 0 ? 180.0 : 0.0,
-                                  j >= 0 ? 270.0 : 90.0};
+    const std::array<RectangleSide, 4> rectangle = RectangleSides(i, j);
     // A side needs a length and a step to be nibbled with.
-    for (double length : lengths) {
-        if (std::min(step, length) <= 0) {
+    for (const RectangleSide& side : rectangle) {
+        if (std::min(step, side.Length) <= 0) {
             Error(pass_message::DivisionByZero, true);
             return;
         }
@@ -541,8 +512,8 @@ void LanguageWalk::CycleG65() {
     } sides[4];
     for (int k = 0; k < 4; ++k) {
         Side& side = sides[k];
-        side.Length = lengths[k];
-        side.Direction = directions[k];
+        side.Length = rectangle[static_cast<std::size_t>(k)].Length;
+        side.Direction = rectangle[static_cast<std::size_t>(k)].Direction;
         if (S.MirrorX || S.MirrorY) side.Direction = MirrorAngle(side.Direction, S.MirrorX, S.MirrorY);
         double sideStep = std::min(step, side.Length);
         auto hits = RoundToInt16(std::floor(side.Length / sideStep) + 1);
@@ -558,15 +529,9 @@ void LanguageWalk::CycleG65() {
     S.PrevY = S.PosY;
     for (const Side& side : sides) {
         // From this corner up to one pitch before the next, which starts the next side.
-        BeginEntity(EntityKind::LinearPattern, "Linear Pattern");
-        TakeTool();
         double dx, dy;
         PolarToXY(side.Length - side.Pitch, side.Direction, dx, dy);
-        rec_.Points.Entry = {S.PosX, S.PosY};
-        rec_.Points.Exit = {ToSingle(S.PosX + dx), ToSingle(S.PosY + dy)};
-        rec_.Values[2] = ToSingle(side.Pitch);
-        rec_.Values[10] = ToSingle(side.Direction);
-        rec_.Counts[1] = side.Hits;
+        BeginLinearPattern(S.PosX, S.PosY, S.PosX + dx, S.PosY + dy, side.Pitch, side.Direction, side.Hits);
         FinishPattern();
         PolarToXY(side.Length, side.Direction, dx, dy);
         S.PosX = ToSingle(S.PosX + dx);
@@ -593,15 +558,9 @@ void LanguageWalk::CycleG66() {
     XYToPolar(i, j, pitch, direction);
     if (S.MirrorX || S.MirrorY) direction = MirrorAngle(direction, S.MirrorX, S.MirrorY);
     if (!TakeTool()) return;
-    BeginEntity(EntityKind::LinearPattern, "Linear Pattern");
-    TakeTool();
     double dx, dy;
     PolarToXY((count - 1) * pitch, direction, dx, dy);
-    rec_.Points.Entry = {ToSingle(firstX), ToSingle(firstY)};
-    rec_.Points.Exit = {ToSingle(firstX + dx), ToSingle(firstY + dy)};
-    rec_.Values[2] = ToSingle(pitch);
-    rec_.Values[10] = ToSingle(direction);
-    rec_.Counts[1] = std::max<std::int16_t>(count, 0);
+    BeginLinearPattern(firstX, firstY, firstX + dx, firstY + dy, pitch, direction, std::max<std::int16_t>(count, 0));
     FinishPattern();
     S.PrevX = S.PosX;
     S.PrevY = S.PosY;

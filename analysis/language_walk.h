@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -131,6 +132,16 @@ protected:
     // An Arc Pattern entity begun with the tool, its centre, radius, first angle, sweep and step;
     // the tool turns with it when the block's P10 is absent or not positive.
     void BeginArcPattern(double centreX, double centreY, double radius, double first, double sweep, double step);
+    // A Linear Pattern entity begun with the tool, from the entry to the exit point, with its
+    // pitch, direction and hits.
+    void BeginLinearPattern(double entryX, double entryY, double exitX, double exitY, double pitch, double direction,
+                            std::int16_t hits);
+    // The mirrors in force turn an arc pattern: the first angle mirrored, and the sweep and the
+    // step turned round once for each mirror.
+    void MirrorArcPattern(double& first, double& sweep, double& step) const;
+    // A nibbled cycle's hit count: beyond 16 bits is an overflow and a single hit would divide
+    // its length by zero; either is reported and gives false.
+    bool NibbleHitsUsable(std::optional<std::int16_t> hits);
     // The previous position takes the position, which moves to the point of the circle at the
     // angle; the limits are checked there.
     void MoveOnCircle(double centreX, double centreY, double radius, double angle);

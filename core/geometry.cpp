@@ -58,4 +58,11 @@ bool PointInBox(double x1, double y1, double x2, double y2, double x, double y) 
     return x1 <= x && x <= x2 && y1 <= y && y <= y2;
 }
 
+std::array<RectangleSide, 4> RectangleSides(double i, double j) {
+    return {{{std::fabs(i), i >= 0 ? 0.0 : 180.0},
+             {std::fabs(j), j >= 0 ? 90.0 : 270.0},
+             {std::fabs(i), i >= 0 ? 180.0 : 0.0},
+             {std::fabs(j), j >= 0 ? 270.0 : 90.0}}};
+}
+
 }  // namespace kirvana

@@ -78,13 +78,6 @@ void NoteFile(std::string_view serviceDir, std::string_view fileName) {
     ::close(fd);
 }
 
-void DeleteProgramFiles(std::string_view directory, std::string_view name) {
-    for (const char* extension : {".prg", ".inf", ".rpt", ".stg"}) {
-        std::error_code error;
-        fs::remove(std::string(directory) + std::string(name) + extension, error);
-    }
-}
-
 std::optional<std::vector<std::string>> ReadLines(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     if (!in) return std::nullopt;

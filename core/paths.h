@@ -26,8 +26,6 @@ bool FileExists(const std::string& path);
 
 // Rewrites serviceDir + "LastFile.txt" with the file name as its only line.
 void NoteFile(std::string_view serviceDir, std::string_view fileName);
-// Deletes directory + name + ".prg", ".inf", ".rpt", ".stg" where they exist.
-void DeleteProgramFiles(std::string_view directory, std::string_view name);
 
 // The lines of a text file, LF or CRLF; empty when it cannot be opened.
 std::optional<std::vector<std::string>> ReadLines(const std::string& path);

@@ -318,29 +318,6 @@ void ApplyPunchSettingToAll(StationTable& table, const PunchSetting& setting) {
     for (auto& station : table) station.Settings = setting;
 }
 
-TurretAction PositionAction(const StationTable& table, int station, int button, bool running, bool inFeedhold) {
-    TurretAction action;
-    if (running || inFeedhold) {
-        action.Refusal = {"Can Not Move Turret", "While Machine Is Running Or In Feedhold !"};
-        return action;
-    }
-    if (station < 1 || station > static_cast<int>(table.size())) return action;
-    const Station& row = table[static_cast<std::size_t>(station - 1)];
-    action.Commands.push_back("M802=" + IntegerText(button == 1 ? row.LoadPosition : row.TPosition));
-    return action;
-}
-
-TurretAction PunchAction(const StationTable& table, int station, bool running, bool inFeedhold) {
-    TurretAction action;
-    if (running || inFeedhold) {
-        action.Refusal = {"Can Not Punch", "While Machine Is Running Or In Feedhold !"};
-        return action;
-    }
-    if (station < 1 || station > static_cast<int>(table.size())) return action;
-    action.Commands = {"M802=" + std::to_string(station), "P1021=P1021|1024"};
-    return action;
-}
-
 std::optional<ToolChange> DefineStationTool(StationTable& table, int station, const ToolRecord& edited) {
     if (station < 1 || station > static_cast<int>(table.size())) return std::nullopt;
     Station& row = table[static_cast<std::size_t>(station - 1)];

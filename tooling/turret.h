@@ -101,17 +101,6 @@ bool ReadProgramSettings(const std::string& file, StationTable& table, std::stri
 bool ApplyPunchSetting(StationTable& table, int station, const PunchSetting& setting);
 void ApplyPunchSettingToAll(StationTable& table, const PunchSetting& setting);
 
-// The turret screen's buttons. A refusal holds the message lines for the warning screen;
-// otherwise the commands go to the card in their order.
-struct TurretAction {
-    std::vector<std::string> Refusal;
-    std::vector<std::string> Commands;
-};
-// `PositionButton` 1 (load position) or 2 (ram position) for the station (1 to the size).
-TurretAction PositionAction(const StationTable& table, int station, int button, bool running, bool inFeedhold);
-// `PunchButton`: the station to the ram and the punch request.
-TurretAction PunchAction(const StationTable& table, int station, bool running, bool inFeedhold);
-
 // `ToolButton` back from the definition screen: when the edited tool differs from the
 // station's (shape, name, D1 to D4, angle), the station takes it and the change is returned.
 struct ToolChange {

@@ -82,13 +82,11 @@ void BlendPass::CycleG65(const std::string& block) {
     double step = BlendValue(block, "P8=");
     step = step == Missing ? 0 : Length(step, true, false);
     // 1, 2. Sides and directions.
-    const double lengths[4] = {std::fabs(i), std::fabs(j), std::fabs(i), std::fabs(j)};
-    const double directions[4] = {i >= 0 ? 0.0 : 180.0, j >= 0 ? 90.0 : 270.0, i >= 0 ? 180.0 : 0.0,
-                                  j >= 0 ? 270.0 : 90.0};
+    const std::array<RectangleSide, 4> sides = RectangleSides(i, j);
     // A side needs a step to be nibbled with: without one the card would divide by zero. The
     // check stands ahead of step 3 so that a refused block leaves the position alone.
-    for (double length : lengths) {
-        if (std::min(step, length) == 0) {
+    for (const RectangleSide& side : sides) {
+        if (std::min(step, side.Length) == 0) {
             BlendError(block, pass_message::DivisionByZero, true);
             return;
         }
@@ -97,15 +95,15 @@ void BlendPass::CycleG65(const std::string& block) {
     State.BlendPrevX = State.BlendX;
     State.BlendPrevY = State.BlendY;
     // 4. Each side.
-    for (int side = 0; side < 4; ++side) {
+    for (const RectangleSide& side : sides) {
         // 1. The mirrors turn the direction.
-        double direction = directions[side];
+        double direction = side.Direction;
         if (State.BlendMirrorX || State.BlendMirrorY) direction = MirrorAngle(direction);
         // 2, 3. Nothing to do here: the side's step and hit count go no further (a step of 0
         // has been refused above).
         // 4. Along the side.
         double dx, dy;
-        PolarToXY(lengths[side], direction, dx, dy);
+        PolarToXY(side.Length, direction, dx, dy);
         MoveBy(dx, dy);
         // 5. Each side ends the tangency chain.
         ClearLastMove();

@@ -87,3 +87,19 @@ TEST(Stations, KindTestsAndWrap) {
     EXPECT_EQ(WrapStation(301), 1);
     EXPECT_EQ(WrapStation(7), 7);
 }
+
+TEST(Geometry, RectangleSidesGoRoundInTheDirectionsOfTheSigns) {
+    auto sides = RectangleSides(30, -20);
+    EXPECT_EQ(sides[0].Length, 30);
+    EXPECT_EQ(sides[0].Direction, 0);
+    EXPECT_EQ(sides[1].Length, 20);
+    EXPECT_EQ(sides[1].Direction, 270);
+    EXPECT_EQ(sides[2].Direction, 180);
+    EXPECT_EQ(sides[3].Direction, 90);
+    sides = RectangleSides(-5, 0);
+    EXPECT_EQ(sides[0].Direction, 180);
+    EXPECT_EQ(sides[1].Length, 0);
+    EXPECT_EQ(sides[1].Direction, 90);
+    EXPECT_EQ(sides[2].Direction, 0);
+    EXPECT_EQ(sides[3].Direction, 270);
+}

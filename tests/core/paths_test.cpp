@@ -50,17 +50,6 @@ TEST(Paths, NoteFileOverALongerNameLeavesOnlyTheNewLine) {
     EXPECT_EQ(bytes, "PMAC.cfg\n");
 }
 
-TEST(Paths, DeleteProgramFiles) {
-    TempDir t;
-    for (const char* ext : {".prg", ".inf", ".rpt", ".stg", ".pls"}) std::ofstream(t.Path() + "PLATE" + ext) << "x";
-    DeleteProgramFiles(t.Path(), "PLATE");
-    EXPECT_FALSE(FileExists(t.Path() + "PLATE.prg"));
-    EXPECT_FALSE(FileExists(t.Path() + "PLATE.inf"));
-    EXPECT_FALSE(FileExists(t.Path() + "PLATE.rpt"));
-    EXPECT_FALSE(FileExists(t.Path() + "PLATE.stg"));
-    EXPECT_TRUE(FileExists(t.Path() + "PLATE.pls"));
-}
-
 TEST(Paths, ReadLinesTakesCrlfAndNoFinalLineEnd) {
     TempDir t;
     std::ofstream(t.Path() + "a.txt", std::ios::binary) << "one\r\ntwo\nthree";

@@ -65,8 +65,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     for (int station = 0; station <= static_cast<int>(table.size()) + 1; ++station) {
         StationOfTNumber(table, station);
-        PunchAction(table, station, false, false);
-        PositionAction(table, station, 1 + station % 2, false, false);
     }
 
     PunchSetting punch;

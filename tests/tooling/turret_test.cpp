@@ -175,26 +175,6 @@ TEST_F(TurretTest, AToolInATypeNineteenStationShowsAAndInTypeTwentyIdx) {
     EXPECT_EQ(TurretLine(table[4]), "Square 10 idx30, 100, 100, 0, 0, 0, 0");
 }
 
-TEST_F(TurretTest, PunchWhileRunningShowsTheTwoLinesAndSendsNothing) {
-    Tooling tooling = ReadDemoTurret();
-    for (auto [running, feedhold] : {std::pair{true, false}, std::pair{false, true}}) {
-        TurretAction action = PunchAction(tooling.MachineTable, 2, running, feedhold);
-        EXPECT_EQ(action.Refusal,
-                  (std::vector<std::string>{"Can Not Punch", "While Machine Is Running Or In Feedhold !"}));
-        EXPECT_TRUE(action.Commands.empty());
-        action = PositionAction(tooling.MachineTable, 2, 1, running, feedhold);
-        EXPECT_EQ(action.Refusal,
-                  (std::vector<std::string>{"Can Not Move Turret", "While Machine Is Running Or In Feedhold !"}));
-        EXPECT_TRUE(action.Commands.empty());
-    }
-    TurretAction punch = PunchAction(tooling.MachineTable, 2, false, false);
-    EXPECT_TRUE(punch.Refusal.empty());
-    EXPECT_EQ(punch.Commands, (std::vector<std::string>{"M802=2", "P1021=P1021|1024"}));
-    tooling.MachineTable[1].LoadPosition = 12;
-    EXPECT_EQ(PositionAction(tooling.MachineTable, 2, 1, false, false).Commands, (std::vector<std::string>{"M802=12"}));
-    EXPECT_EQ(PositionAction(tooling.MachineTable, 2, 2, false, false).Commands, (std::vector<std::string>{"M802=2"}));
-}
-
 TEST_F(TurretTest, ATrtLineWithAnEmptyToolLeavesTheStationEmptyAndKeepsTheSettings) {
     Tooling tooling = ReadDemoTurret();
     StationTable table = tooling.MachineTable;
