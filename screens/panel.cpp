@@ -213,6 +213,8 @@ void Panel::RunModal(PanelForm* form) {
 }
 
 void Panel::ChangeProgramTo(int slot) {
+    // A pick for the visual restart belongs to the slot's plot it started on.
+    if (visual_.Active) CursorCancel();
     // 1. The forms of the program and its tooling close first.
     for (const std::string& name : FormsClosedByProgramChange())
         if (PanelForm* form = forms_.Loaded(name); form && form->isVisible()) form->reject();
@@ -246,7 +248,9 @@ void Panel::CursorButton(int index) {
 void Panel::CursorCancel() {
     if (nav_.ViewMode >= 5 && nav_.ViewMode <= 8) {
         nav_.ViewMode = 0;
+        // The pick ends; the path keys start again on the slot's drawing.
         visual_ = VisualRestart{};
+        path_ = PathStepper{};
     } else
         CursorCancelled(nav_);
     DoKeyAction({KeyAction::CursorCancel, {}, 0});

@@ -17,15 +17,27 @@ std::vector<std::pair<double, double>> Hits(const RunPlan& plan) {
 }
 
 TEST(RestartRun, RowsArcsMovesAndCutsOfTheRestartProgram) {
-    const RunPlan plan = RestartProgramPlan({
-        "CLOSE", "OPEN PROG 5", "CLEAR", "G00 G05 G90 G71", "G93 X0 Y0", "G53",
-        "G95 X0 Y1250 I100 J2 K0 P6=-999 ",
-        "G80 X230 Y100 C0 T1",
-        "P1=2 P5=0 P7=10 P2=-999 P3=-999 P4=-999 P6=-999 P8=-999 P9=1 P10=0 P11=0 G26 X230 Y100",
-        "P1=3 P5=180 P7=20 P2=-999 P3=-999 P4=-999 P6=-999 P8=-999 P9=1 P10=0 P11=0 G26 X240 Y120",
-        "P7=500 P8=500 P3=90 P2=90 P1=2 P10=-999 P4=-999 P5=-999 P6=-999 P9=1 G28 R50",
-        "G101 X10 Y20", "G93 X0 Y0", "G56 X0 Y0", "M10", "G90 G71", "Q190=Q190-0", "P1022=P1022|16384",
-        "P1022=P1022-32768", "CLOSE"});
+    const RunPlan plan =
+        RestartProgramPlan({"CLOSE",
+                            "OPEN PROG 5",
+                            "CLEAR",
+                            "G00 G05 G90 G71",
+                            "G93 X0 Y0",
+                            "G53",
+                            "G95 X0 Y1250 I100 J2 K0 P6=-999 ",
+                            "G80 X230 Y100 C0 T1",
+                            "P1=2 P5=0 P7=10 P2=-999 P3=-999 P4=-999 P6=-999 P8=-999 P9=1 P10=0 P11=0 G26 X230 Y100",
+                            "P1=3 P5=180 P7=20 P2=-999 P3=-999 P4=-999 P6=-999 P8=-999 P9=1 P10=0 P11=0 G26 X240 Y120",
+                            "P7=500 P8=500 P3=90 P2=90 P1=2 P10=-999 P4=-999 P5=-999 P6=-999 P9=1 G28 R50",
+                            "G101 X10 Y20",
+                            "G93 X0 Y0",
+                            "G56 X0 Y0",
+                            "M10",
+                            "G90 G71",
+                            "Q190=Q190-0",
+                            "P1022=P1022|16384",
+                            "P1022=P1022-32768",
+                            "CLOSE"});
     ASSERT_EQ(plan.size(), 9u);
     EXPECT_EQ(plan.front().Hits, 0);
     EXPECT_DOUBLE_EQ(plan.front().X, 230);
@@ -70,8 +82,7 @@ TEST(RestartRun, CardRunsProgramFiveThenHandsOverAtTheLabel) {
     });
     card.SetRunSpeed(0);
     ASSERT_FALSE(card.WriteBuffer("OPEN PROG 1\nCLEAR\nN10 G81 X100\nCLOSE\n").Error);
-    ASSERT_FALSE(
-        card.WriteBuffer("OPEN PROG 5\nCLEAR\nG80 X300 Y0\nP1=1 P5=0 P7=10 P9=1 G26 X300 Y0\nCLOSE\n").Error);
+    ASSERT_FALSE(card.WriteBuffer("OPEN PROG 5\nCLEAR\nG80 X300 Y0\nP1=1 P5=0 P7=10 P9=1 G26 X300 Y0\nCLOSE\n").Error);
     card.Execute("M869=2");
     card.Execute("M811=5");
     ASSERT_TRUE(card.CycleStart());

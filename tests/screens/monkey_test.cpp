@@ -2,6 +2,7 @@
 #include <QCheckBox>
 #include <random>
 
+#include "screens/warning_form.h"
 #include "tests/screens/panel_fixture.h"
 
 using namespace kirvana;
@@ -36,9 +37,17 @@ TEST_F(PanelTest, MonkeyOnEveryFormNeitherCrashesNorHangs) {
     auto act = [&] {
         // Nothing while a new panel is starting.
         if (!panel_ || !P().Front() || P().Ended()) return;
-        // At the end the forms close one by one, so that every wait inside them returns.
+        // At the end the forms close one by one, so that every wait inside them returns. A question
+        // is answered "&NO" (closing it would cancel, and a form that asks before it closes, such
+        // as the editor with changes, would stay for ever).
         if (done >= Actions) {
-            if (QWidget* modal = QApplication::activeModalWidget()) modal->close();
+            QWidget* modal = QApplication::activeModalWidget();
+            auto* warning = dynamic_cast<WarningForm*>(modal);
+            QPushButton* no = warning ? warning->WarningButton(1) : nullptr;
+            if (no && no->isVisible())
+                no->click();
+            else if (modal)
+                modal->close();
             return;
         }
         ++done;

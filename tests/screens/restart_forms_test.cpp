@@ -340,3 +340,32 @@ TEST_F(RestartFormsTest, StoppedRunRestartedThroughTheScreensMakesEveryHitOnce) 
     Spin(200);
     SavePanel("restart_run_end");
 }
+
+TEST_F(RestartFormsTest, VisualRestartEndsWithCancelAndWithAProgramChange) {
+    Select(1, "GRID03");
+    OnBlockStartForm([&](BlockStartForm& form) { ButtonOf(&form, "VisualButton")->click(); });
+    Spin(50);
+    P().CursorButton(1);
+    P().CursorButton(3);
+    P().CursorButton(5);
+    ASSERT_EQ(P().Visual().Record, 3);
+    P().CursorCancel();
+    EXPECT_FALSE(P().Visual().Active);
+    EXPECT_EQ(P().Visual().Record, 0);
+    EXPECT_EQ(P().Nav().ViewMode, 0);
+    // Begun again (FrontEnd stands in its graphics panel now), the path walks the slot's drawing,
+    // not the split pattern.
+    WhenModal([](QWidget* modal) {
+        if (auto* form = dynamic_cast<BlockStartForm*>(modal)) ButtonOf(form, "VisualButton")->click();
+    });
+    P().OpenForm("BlockStartForm");
+    Spin(50);
+    ASSERT_TRUE(P().Visual().Active);
+    P().CursorButton(4);  // the last entity: the arc of hits
+    EXPECT_NE(S(F().TextPanel()->text()).find("G28"), std::string::npos);
+    // The other slot's program button: the pick ends.
+    P().ChangeProgramTo(2);
+    EXPECT_FALSE(P().Visual().Active);
+    EXPECT_EQ(P().Nav().ViewMode, 0);
+    EXPECT_TRUE(sim_.Program(5).empty());
+}

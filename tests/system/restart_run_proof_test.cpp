@@ -129,8 +129,9 @@ TEST(RestartRunProof, HitsBeforeAndAfterEveryRestartAreTheProgramsHitsOnce) {
             }
         }
     }
-    std::printf("restarts run on the simulated card: %lld (%lld programs; %lld refused by the selection; %lld hits "
-                "inside subroutines and %lld before a line without a label not restarted)\n",
-                restarts, programs, refused, inSubroutines, unlabelled);
+    std::printf(
+        "restarts run on the simulated card: %lld (%lld programs; %lld refused by the selection; %lld hits "
+        "inside subroutines and %lld before a line without a label not restarted)\n",
+        restarts, programs, refused, inSubroutines, unlabelled);
     EXPECT_GT(restarts, 100);
 }
