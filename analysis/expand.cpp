@@ -188,4 +188,27 @@ ExpandResult ExpandDrawing(const std::string& stem, std::int32_t maxHits) {
     return result;
 }
 
+std::int32_t EntityHits(const EntityRec& rec) {
+    std::int32_t hits = 0;
+    ForEachHit(rec, [&](double, double, const double*) { return ++hits < MaxExpandedHits; });
+    return hits;
+}
+
+bool FindExpandedHit(DrawingFile& drawing, std::int32_t expandedRecord, std::int32_t& record, std::int32_t& hit) {
+    // Record 1 of both files is the Sheet; the hits follow in the drawing's order.
+    std::int64_t before = 1;
+    EntityRec rec;
+    for (std::int32_t n = 2; n <= drawing.Count(); ++n) {
+        if (!drawing.Get(n, rec)) return false;
+        const std::int32_t hits = EntityHits(rec);
+        if (expandedRecord <= before + hits && expandedRecord > before) {
+            record = n;
+            hit = static_cast<std::int32_t>(expandedRecord - before);
+            return true;
+        }
+        before += hits;
+    }
+    return false;
+}
+
 }  // namespace kirvana

@@ -29,6 +29,14 @@ struct ExpandResult {
 // returns false. Other kinds have no hits.
 bool ForEachHit(const EntityRec& rec, const std::function<bool(double, double, const double*)>& visit);
 
+// The hits of one record as the expansion writes them (0 for kinds without hits), at most the
+// expansion's limit.
+std::int32_t EntityHits(const EntityRec& rec);
+
+// Where record `expandedRecord` of the expanded file (2 on: the hits) comes from: the drawing's
+// record and the hit in it, counted from 1. False when the drawing has fewer hits.
+bool FindExpandedHit(DrawingFile& drawing, std::int32_t expandedRecord, std::int32_t& record, std::int32_t& hit);
+
 // The expansion between two open files; `expanded` is written from record 1 on.
 ExpandResult ExpandRecords(DrawingFile& drawing, DrawingFile& expanded, std::int32_t maxHits = MaxExpandedHits);
 

@@ -42,15 +42,6 @@ RestartKind RestartKindOf(const EntityRec& entity) {
     return kind;
 }
 
-std::int32_t EntityHits(const EntityRec& entity) {
-    std::int32_t hits = 0;
-    ForEachHit(entity, [&](double, double, const double*) {
-        ++hits;
-        return hits < MaxExpandedHits;
-    });
-    return hits;
-}
-
 bool HitPosition(const EntityRec& entity, std::int32_t n, GatherState& state) {
     if (n < 1) return false;
     std::int32_t k = 0;

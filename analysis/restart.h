@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "analysis/entity.h"
+#include "analysis/expand.h"
 #include "analysis/gather.h"
 #include "tooling/turret.h"
 
@@ -45,9 +46,6 @@ struct RestartPoint {
     std::int16_t RestartHit = 1;  // from 1
     std::int32_t HitsBefore = 0;  // hits done by earlier entities
 };
-
-// The hits of a Punch or a pattern; 0 for other kinds.
-std::int32_t EntityHits(const EntityRec& entity);
 
 // The X, Y and C of hit n (from 1) of a Punch or pattern into `state`; false when the entity has
 // no hit n.

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "analysis/expand.h"
 #include "core/number.h"
 #include "core/paths.h"
 #include "system/slots.h"
@@ -74,6 +75,23 @@ std::string SelectRestartHit(const Process& process, int slot, std::int32_t reco
     if (!Record(process, slot).Present) return Refused("No Program In Slot " + std::to_string(slot) + " !");
     RestartPoint point;
     return Take(FindSlotRestart(process, slot, record, hit, point), slot, point, session);
+}
+
+std::string SelectStopRestart(const Process& process, int slot, RestartSession& session) {
+    if (Refusal refused = RestartInterlock(process)) return *refused;
+    const SlotRecord& slotRecord = Record(process, slot);
+    if (!slotRecord.Present) return Refused("No Program In Slot " + std::to_string(slot) + " !");
+    // The last record of the hit file the poll walked (the Sheet is record 1); the next one is
+    // the first hit still to make.
+    const std::int64_t walked = slotRecord.RunCount > 0 ? slotRecord.RunCount : std::int64_t{slotRecord.HitCount} + 1;
+    const std::int64_t next = std::max<std::int64_t>(walked + 1, 2);
+    DrawingFile drawing;
+    if (!drawing.Open(SlotFile(process.Config.Dirs, slot, "drw"), true))
+        return Refused("Drawing File Missing : " + SlotFile(process.Config.Dirs, slot, "drw"));
+    std::int32_t record = 0, hit = 0;
+    if (next > INT32_MAX || !FindExpandedHit(drawing, static_cast<std::int32_t>(next), record, hit))
+        return Refused("No Hits Left After Hit " + std::to_string(next - 2));
+    return SelectRestartHit(process, slot, record, hit, session);
 }
 
 RestartDisplay RestartDisplayOf(const Process& process, const RestartSession& session) {

@@ -37,6 +37,11 @@ std::string SelectRestartBlock(const Process& process, int slot, std::int32_t bl
 std::string SelectRestartHit(const Process& process, int slot, std::int32_t record, std::int32_t hit,
                              RestartSession& session);
 
+// The restart after a stop: the first hit the machine has not made, from the hit file walked by
+// the poll (or, before any run was followed, the card's hit counter). The message of a refusal
+// or fault, else empty.
+std::string SelectStopRestart(const Process& process, int slot, RestartSession& session);
+
 // RestartForm's labels.
 struct RestartDisplay {
     std::string Tool;         // "T" and the station's tool text; empty without a turret

@@ -13,13 +13,6 @@ bool IsPattern(std::int16_t kind) {
     return kind == EntityKind::LinearPattern || kind == EntityKind::GridPattern || kind == EntityKind::ArcPattern;
 }
 
-// The hits of a Punch or pattern, at most the expansion's limit.
-std::int32_t HitsOf(const EntityRec& rec) {
-    std::int32_t hits = 0;
-    ForEachHit(rec, [&](double, double, const double*) { return ++hits < MaxExpandedHits; });
-    return hits;
-}
-
 struct Place {
     std::int32_t Record = PathBeginning;
     std::int32_t Hit = 0;
@@ -57,14 +50,14 @@ std::int32_t ExpandedHitOf(Place place, DrawingFile& drawing) {
     if (rec.Kind != EntityKind::Punch && !IsPattern(rec.Kind)) return 0;
     std::int64_t before = 1;
     for (std::int32_t n = PathBeginning + 1; n < place.Record; ++n)
-        if (drawing.Get(n, rec)) before += HitsOf(rec);
+        if (drawing.Get(n, rec)) before += EntityHits(rec);
     const std::int64_t number = before + place.Hit + 1;
     return number < MaxExpandedHits ? static_cast<std::int32_t>(number) : 0;
 }
 
 }  // namespace
 
-std::int32_t PathSteps(const EntityRec& rec) { return IsPattern(rec.Kind) ? std::max(1, HitsOf(rec)) : 1; }
+std::int32_t PathSteps(const EntityRec& rec) { return IsPattern(rec.Kind) ? std::max(1, EntityHits(rec)) : 1; }
 
 void StartPath(PathStepper& stepper, DrawingFile& drawing) {
     stepper = PathStepper{};

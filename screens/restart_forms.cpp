@@ -37,18 +37,24 @@ BlockStartForm::BlockStartForm(Panel& panel, std::shared_ptr<RestartSession> ses
     list_ = TouchList(this, c, "BlockList");
     list_->setStyleSheet(list_->styleSheet() + " QListWidget { font-family: 'DejaVu Sans Mono'; font-size: 18px; }");
     layout->addWidget(list_, 1);
-    auto* buttons = new QHBoxLayout();
+    auto* buttons = new QGridLayout();
     buttons->setSpacing(10);
     auto* up = FormButton(this, c, "PAGE &UP", "PageUpButton");
     auto* down = FormButton(this, c, "PAGE &DOWN", "PageDownButton");
     auto* block = FormButton(this, c, "&BLOCK ...", "BlockPadButton");
     auto* visual = FormButton(this, c, "&VISUAL", "VisualButton");
+    auto* atStop = FormButton(this, c, "AT S&TOP", "AtStopButton");
     select_ = FormButton(this, c, "&SELECT", "SelectButton");
     auto* exit = FormButton(this, c, "E&XIT", "ExitButton");
-    for (QPushButton* button : {up, down, block, visual, select_, exit}) buttons->addWidget(button);
+    // Two rows, so that every caption stands whole on the form's width.
+    int place = 0;
+    for (QPushButton* button : {up, down, block, visual, atStop, select_, exit}) {
+        buttons->addWidget(button, place / 4, place % 4);
+        ++place;
+    }
     layout->addLayout(buttons);
     for (auto [code, button] :
-         {std::pair{'U', up}, {'D', down}, {'B', block}, {'V', visual}, {'S', select_}, {'X', exit}})
+         {std::pair{'U', up}, {'D', down}, {'B', block}, {'V', visual}, {'T', atStop}, {'S', select_}, {'X', exit}})
         keys_.Add(code, button);
     connect(up, &QPushButton::clicked, this, [this] { Page(-1); });
     connect(down, &QPushButton::clicked, this, [this] { Page(1); });
@@ -56,6 +62,7 @@ BlockStartForm::BlockStartForm(Panel& panel, std::shared_ptr<RestartSession> ses
     connect(select_, &QPushButton::clicked, this, [this] { Select(); });
     connect(list_, &QListWidget::itemDoubleClicked, this, [this] { Select(); });
     connect(visual, &QPushButton::clicked, this, [this] { Visual(); });
+    connect(atStop, &QPushButton::clicked, this, [this] { AtStop(); });
     connect(exit, &QPushButton::clicked, this, [this] { accept(); });
 }
 
@@ -69,6 +76,16 @@ void BlockStartForm::Visual() {
     if (PanelForm* program = panel_.Forms().Loaded("ProgramForm"); program && program->isVisible()) program->accept();
     Panel* panel = &panel_;
     QTimer::singleShot(0, panel, [panel] { panel->BeginVisualRestart(); });
+}
+
+void BlockStartForm::AtStop() {
+    std::string fault = SelectStopRestart(panel_.State(), ActiveSlotOf(panel_), *session_);
+    if (!fault.empty()) {
+        Warn(panel_, fault);
+        return;
+    }
+    accept();
+    panel_.OpenForm("RestartForm");
 }
 
 void BlockStartForm::Activate() {

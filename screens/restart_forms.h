@@ -32,6 +32,8 @@ private:
     void GoToBlock();
     void Select();
     void Visual();
+    // The restart at the first hit the machine has not made.
+    void AtStop();
 
     std::shared_ptr<RestartSession> session_;
     QLabel* program_;

@@ -242,6 +242,41 @@ TEST_F(RestartScreensTest, VisualRestartCountsHitsOnViewSplitsAPatternAndPicksIt
     EXPECT_TRUE(card.Sent.empty());
 }
 
+TEST_F(RestartScreensTest, AtStopRestartsAtTheFirstHitTheMachineHasNotMade) {
+    RestartSession session;
+    EXPECT_EQ(SelectStopRestart(p, 1, session), "Can Not Restart\n\nNo Program In Slot 1 !");
+    Select(Row);  // hits: the Punch (hit file record 2), the row of five (3 to 7), the Punch (8)
+    // The poll walked the hit file up to record 5: the Sheet, the Punch and three hits of the row.
+    p.Slots[0].RunCount = 5;
+    ASSERT_EQ(SelectStopRestart(p, 1, session), "");
+    EXPECT_EQ(session.Point.Kind, RestartKind::Cycle);
+    EXPECT_EQ(session.Point.RestartHit, 4);
+    EXPECT_FLOAT_EQ(session.Point.Record.TargetState.X, 230);
+    EXPECT_EQ(session.Point.Record.TargetState.Hits, 4);
+    // Before any run was followed, the card's counter tells: 6 hits made, the last Punch next.
+    p.Slots[0].RunCount = 0;
+    p.Slots[0].HitCount = 6;
+    ASSERT_EQ(SelectStopRestart(p, 1, session), "");
+    EXPECT_EQ(session.Point.Kind, RestartKind::Point);
+    EXPECT_FLOAT_EQ(session.Point.RestartEntity.Points.Position.X, 300);
+    EXPECT_EQ(session.Point.Record.TargetState.Hits, 6);
+    // No hit made yet: the first one; every hit made: nothing left.
+    p.Slots[0].HitCount = 0;
+    ASSERT_EQ(SelectStopRestart(p, 1, session), "");
+    EXPECT_FLOAT_EQ(session.Point.RestartEntity.Points.Position.X, 100);
+    EXPECT_EQ(session.Point.Record.TargetState.Hits, 0);
+    p.Slots[0].HitCount = 7;
+    session = RestartSession{};
+    EXPECT_EQ(SelectStopRestart(p, 1, session), "Can Not Restart\n\nNo Hits Left After Hit 7");
+    EXPECT_EQ(session.Slot, 0);
+    // Refused while the machine runs.
+    p.Slots[0].HitCount = 3;
+    p.Running = true;
+    EXPECT_EQ(SelectStopRestart(p, 1, session), "Can Not Restart\n\nWhile Machine Is Running or In Error !");
+    EXPECT_EQ(session.Slot, 0);
+    EXPECT_TRUE(card.Sent.empty());
+}
+
 TEST_F(RestartScreensTest, VisualRestartRefusedWithAHitFileOlderThanTheDrawing) {
     Select(Row);
     const std::string drw = SlotFile(p.Config.Dirs, 1, "drw"), dr1 = SlotFile(p.Config.Dirs, 1, "dr1");

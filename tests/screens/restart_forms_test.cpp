@@ -341,6 +341,52 @@ TEST_F(RestartFormsTest, StoppedRunRestartedThroughTheScreensMakesEveryHitOnce) 
     SavePanel("restart_run_end");
 }
 
+TEST_F(RestartFormsTest, StoppedRunRestartedAtTheStopMakesEveryHitOnce) {
+    Select(1, "GRID03");
+    const std::optional<RunPlan> plan = BuildRunPlan(P().State().Config.Dirs, 1);
+    ASSERT_TRUE(plan.has_value());
+    std::vector<std::pair<long long, long long>> all;
+    for (const RunStep& step : *plan)
+        if (step.Hits > 0) all.emplace_back(std::llround(step.X * 100), std::llround(step.Y * 100));
+    // The run stopped after some thirty hits; the poll follows the hits made.
+    sim_.SetRunSpeed(0);
+    ASSERT_TRUE(sim_.CycleStart());
+    while (sim_.Variable("M869") < 30) sim_.WalkRun(1);
+    sim_.Abort();
+    const int done = static_cast<int>(sim_.Variable("M869"));
+    Spin(300);
+    ASSERT_FALSE(P().State().Running);
+    ASSERT_EQ(P().State().Slots[0].HitCount, done);
+    // AT S&TOP: the first hit not made, shown for confirmation, then the cycle start.
+    bool shown = false;
+    OnBlockStartForm([&](BlockStartForm& form) {
+        WhenModal([&](QWidget* modal) {
+            auto* restart = dynamic_cast<RestartForm*>(modal);
+            if (!restart) return;
+            shown = true;
+            EXPECT_EQ(S(restart->Label("HitsLabel")->text()), "Completed Hits : " + std::to_string(done));
+            auto* watch = new QTimer(restart);
+            QObject::connect(watch, &QTimer::timeout, restart, [this, restart, watch] {
+                if (!restart->CycleStartLit()) return;
+                watch->stop();
+                EXPECT_TRUE(sim_.CycleStart());
+            });
+            watch->start(10);
+            form_ = restart;
+        });
+        QTest::keyClick(&form, Qt::Key_T);
+    });
+    ASSERT_TRUE(shown);
+    for (int i = 0; i < 400 && sim_.RunState() != ProgramRun::State::Idle; ++i) sim_.WalkRun(1);
+    EXPECT_EQ(sim_.RunState(), ProgramRun::State::Idle);
+    std::vector<std::pair<long long, long long>> made;
+    for (const auto& [x, y] : sim_.HitLog()) made.emplace_back(std::llround(x * 100), std::llround(y * 100));
+    EXPECT_EQ(made.size(), all.size());
+    std::sort(made.begin(), made.end());
+    std::sort(all.begin(), all.end());
+    EXPECT_EQ(made, all);
+}
+
 TEST_F(RestartFormsTest, VisualRestartEndsWithCancelAndWithAProgramChange) {
     Select(1, "GRID03");
     OnBlockStartForm([&](BlockStartForm& form) { ButtonOf(&form, "VisualButton")->click(); });
