@@ -3,6 +3,8 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include "navigation/messages.h"
@@ -32,12 +34,20 @@ MessageForm::MessageForm(Panel& panel) : PanelForm(panel, "MessageForm") {
     for (int i = 0; i < MessageListLines; ++i) {
         rows_[i] = new QPushButton(box_);
         rows_[i]->setObjectName(QString("Message%1").arg(i + 1));
-        rows_[i]->setFixedHeight(32);
+        rows_[i]->setFixedHeight(48);
         rows_[i]->setFocusPolicy(Qt::NoFocus);
         rows->addWidget(rows_[i]);
         connect(rows_[i], &QPushButton::clicked, this, [this, i] { SelectRow(i + 1); });
     }
-    layout->addWidget(box_, 1);
+    // The lines at a finger's height are more than the form holds: they scroll by a bar a finger
+    // wide.
+    scroll_ = new QScrollArea(this);
+    scroll_->setObjectName("MessageScroll");
+    scroll_->setWidget(box_);
+    scroll_->setWidgetResizable(true);
+    scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll_->verticalScrollBar()->setStyleSheet("QScrollBar:vertical { width: 48px; }");
+    layout->addWidget(scroll_, 1);
     help_ = new QPlainTextEdit(this);
     help_->setObjectName("HelpBox");
     help_->setReadOnly(true);
@@ -64,7 +74,7 @@ MessageForm::MessageForm(Panel& panel) : PanelForm(panel, "MessageForm") {
 
 void MessageForm::Activate() {
     help_->hide();
-    box_->show();
+    scroll_->show();
     helpButton_->setText("&HELP");
     Process& process = panel_.State();
     // Filled from the live list on activation: the last values read, shown again.
@@ -100,7 +110,7 @@ void MessageForm::SelectRow(int row) {
 void MessageForm::HelpPressed() {
     if (help_->isVisible()) {
         help_->hide();
-        box_->show();
+        scroll_->show();
         helpButton_->setText("&HELP");
         return;
     }
@@ -110,7 +120,7 @@ void MessageForm::HelpPressed() {
         file = list.Lines[list.SelectedMessage - 1].HelpFile;
     // A missing help file shows an empty box; the form stays usable.
     help_->setPlainText(Q(ReadHelpFile(file).value_or(std::string())));
-    box_->hide();
+    scroll_->hide();
     help_->show();
     helpButton_->setText("&MESSAGES");
 }

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollArea>
 #include <array>
 
 #include "controller/display_model.h"
@@ -34,6 +35,7 @@ protected:
 
 private:
     QWidget* box_;
+    QScrollArea* scroll_;
     std::array<QPushButton*, MessageListLines> rows_{};
     QPlainTextEdit* help_;
     QPushButton* exit_;
