@@ -56,4 +56,25 @@ bool PressMarkedButton(QWidget* form, int code) {
     return false;
 }
 
+QGroupBox* ToolingFrame(Panel& panel, const char* caption, const char* name, QWidget* parent) {
+    auto* frame = new QGroupBox(caption, parent);
+    frame->setObjectName(name);
+    frame->setStyleSheet(QString("QGroupBox { font-size: 17px; font-weight: bold; border: 2px solid %1; "
+                                 "margin-top: 14px; padding-top: 10px; } "
+                                 "QGroupBox::title { subcontrol-origin: margin; left: 10px; }")
+                             .arg(ToQColor(panel.Colours()[ColourItem::PanelText]).name()));
+    return frame;
+}
+
+QListWidget* StationListBox(Panel& panel, QWidget* parent) {
+    const ColourTable& c = panel.Colours();
+    auto* list = new QListWidget(parent);
+    list->setObjectName("StationList");
+    list->setStyleSheet(QString("QListWidget { background: %1; color: %2; font-size: 19px; font-family: monospace; } "
+                                "QListWidget::item { min-height: 48px; } "
+                                "QScrollBar:vertical { width: 48px; }")
+                            .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
+    return list;
+}
+
 }  // namespace kirvana

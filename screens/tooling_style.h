@@ -3,7 +3,9 @@
 // letter its caption marks.
 #pragma once
 
+#include <QGroupBox>
 #include <QLabel>
+#include <QListWidget>
 #include <QPushButton>
 #include <string>
 
@@ -20,6 +22,11 @@ QPushButton* ToolingButton(Panel& panel, const std::string& caption, QWidget* pa
 QPushButton* ValueBox(Panel& panel, QWidget* parent, const QString& objectName, int minWidth = 150);
 // A label in the panel's text colours.
 QLabel* ToolingLabel(Panel& panel, const std::string& text, QWidget* parent);
+
+// A titled frame with a border in the panel's text colour.
+QGroupBox* ToolingFrame(Panel& panel, const char* caption, const char* name, QWidget* parent);
+// The list of the turret's stations, rows a finger high, its scroll bar a finger wide.
+QListWidget* StationListBox(Panel& panel, QWidget* parent);
 
 // Presses the visible, enabled button below `form` whose caption marks the letter of `code`
 // ("&T" for T); false when none does.

@@ -24,16 +24,6 @@ constexpr std::array<const char*, 10> PlasmaLabels = {
     "RAPID SPEED :", "CUT SPEED :",  "MIN CORNER :", "HEIGHT FREEZE :", "HEIGHT ON :",
     "HEIGHT OFF :",  "ARC / RAD  :", "KERF :",       "PIERCE  :",       "TORCH TYPE  :"};
 
-QGroupBox* Frame(Panel& panel, const char* caption, const char* name, QWidget* parent) {
-    auto* frame = new QGroupBox(caption, parent);
-    frame->setObjectName(name);
-    frame->setStyleSheet(QString("QGroupBox { font-size: 17px; font-weight: bold; border: 2px solid %1; "
-                                 "margin-top: 14px; padding-top: 10px; } "
-                                 "QGroupBox::title { subcontrol-origin: margin; left: 10px; }")
-                             .arg(ToQColor(panel.Colours()[ColourItem::PanelText]).name()));
-    return frame;
-}
-
 }  // namespace
 
 TurretDialogue::TurretDialogue(Panel& panel) : PanelForm(panel, "TurretDialogue") {
@@ -46,22 +36,17 @@ TurretDialogue::TurretDialogue(Panel& panel) : PanelForm(panel, "TurretDialogue"
     auto* body = new QHBoxLayout();
     auto* left = new QVBoxLayout();
     left->addWidget(ToolingLabel(panel, "NO.           TOOL DESCRIPTION", this));
-    list_ = new QListWidget(this);
-    list_->setObjectName("StationList");
-    list_->setStyleSheet(
-        QString("QListWidget { background: %1; color: %2; font-size: 19px; font-family: monospace; } "
-                "QListWidget::item { min-height: 40px; } QScrollBar:vertical { width: 48px; }")
-            .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
+    list_ = StationListBox(panel, this);
     left->addWidget(list_, 1);
     body->addLayout(left, 1);
     auto* right = new QVBoxLayout();
-    QGroupBox* stationFrame = Frame(panel, "STATION TYPE", "StationFrame", this);
+    QGroupBox* stationFrame = ToolingFrame(panel, "STATION TYPE", "StationFrame", this);
     auto* stationLayout = new QVBoxLayout(stationFrame);
     stationBox_ = ToolingLabel(panel, "", stationFrame);
     stationBox_->setObjectName("StationBox");
     stationLayout->addWidget(stationBox_);
     right->addWidget(stationFrame);
-    punchFrame_ = Frame(panel, "TOOL SETTINGS", "PunchSettingsFrame", this);
+    punchFrame_ = ToolingFrame(panel, "TOOL SETTINGS", "PunchSettingsFrame", this);
     auto* grid = new QGridLayout(punchFrame_);
     const std::vector<std::string> labels = TurretSettingLabels(panel.State().Tools.Punch);
     for (std::size_t i = 0; i < 6; ++i) {
@@ -72,7 +57,7 @@ TurretDialogue::TurretDialogue(Panel& panel) : PanelForm(panel, "TurretDialogue"
         grid->addWidget(settingBoxes_[i], static_cast<int>(i), 1);
     }
     right->addWidget(punchFrame_);
-    plasmaFrame_ = Frame(panel, "PLASMA SETTINGS", "PlasmaSettingsFrame", this);
+    plasmaFrame_ = ToolingFrame(panel, "PLASMA SETTINGS", "PlasmaSettingsFrame", this);
     auto* plasmaGrid = new QGridLayout(plasmaFrame_);
     plasmaGrid->setVerticalSpacing(2);
     for (std::size_t i = 0; i < PlasmaLabels.size(); ++i) {

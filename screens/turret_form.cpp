@@ -15,21 +15,6 @@
 
 namespace kirvana {
 
-namespace {
-
-QGroupBox* Frame(Panel& panel, const char* caption, const char* name, QWidget* parent) {
-    const ColourTable& c = panel.Colours();
-    auto* frame = new QGroupBox(caption, parent);
-    frame->setObjectName(name);
-    frame->setStyleSheet(QString("QGroupBox { font-size: 17px; font-weight: bold; border: 2px solid %1; "
-                                 "margin-top: 14px; padding-top: 10px; } "
-                                 "QGroupBox::title { subcontrol-origin: margin; left: 10px; }")
-                             .arg(ToQColor(c[ColourItem::PanelText]).name()));
-    return frame;
-}
-
-}  // namespace
-
 TurretForm::TurretForm(Panel& panel) : PanelForm(panel, "TurretForm") {
     const ColourTable& c = panel.Colours();
     setWindowTitle("TOOLING");
@@ -43,26 +28,20 @@ TurretForm::TurretForm(Panel& panel) : PanelForm(panel, "TurretForm") {
     listLabel_ = ToolingLabel(panel, "NO.           TOOL DESCRIPTION", this);
     listLabel_->setObjectName("ListLabel");
     left->addWidget(listLabel_);
-    list_ = new QListWidget(this);
-    list_->setObjectName("StationList");
-    list_->setStyleSheet(
-        QString("QListWidget { background: %1; color: %2; font-size: 19px; font-family: monospace; } "
-                "QListWidget::item { min-height: 48px; } "
-                "QScrollBar:vertical { width: 48px; }")
-            .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
+    list_ = StationListBox(panel, this);
     list_->verticalScrollBar()->setObjectName("TurretBar");
     left->addWidget(list_, 1);
     body->addLayout(left, 1);
     // The chosen station's type and settings.
     auto* right = new QVBoxLayout();
-    QGroupBox* stationFrame = Frame(panel, "STATION TYPE", "StationFrame", this);
+    QGroupBox* stationFrame = ToolingFrame(panel, "STATION TYPE", "StationFrame", this);
     auto* stationLayout = new QVBoxLayout(stationFrame);
     stationBox_ = ToolingLabel(panel, "", stationFrame);
     stationBox_->setObjectName("StationBox");
     stationBox_->setMinimumHeight(36);
     stationLayout->addWidget(stationBox_);
     right->addWidget(stationFrame);
-    QGroupBox* settingsFrame = Frame(panel, "TOOL SETTINGS", "PunchSettingsFrame", this);
+    QGroupBox* settingsFrame = ToolingFrame(panel, "TOOL SETTINGS", "PunchSettingsFrame", this);
     auto* grid = new QGridLayout(settingsFrame);
     for (int i = 0; i < 6; ++i) {
         settingLabels_[static_cast<std::size_t>(i)] = ToolingLabel(panel, "", settingsFrame);
