@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <string>
 
-#include "analysis/tool_outline.h"
+#include "bench/grid_drawing.h"
 #include "plot/plot_program.h"
 #include "plot/recording_canvas.h"
 #include "screens/plot_canvas.h"
@@ -15,49 +15,6 @@
 using namespace kirvana;
 
 namespace {
-
-ToolRecord ToolOf(int k) {
-    static const char* texts[] = {"DIAMETER 10",        "SQUARE 10 A15",   "RAD-SQUARE 12R2A0", "RECTANGLE 20X8A30",
-                                  "RAD-RECT 20X8R2A45", "OBROUND 20X8A90", "SINGLE-D 12X10A0",  "DOUBLE-D 12X9A0",
-                                  "CANNON-D 20X8A0",    "HEXAGON 12A0",    "KEYWAY 12X15W3A0",  "LOUVRE 30X6A0",
-                                  "CRUCIFORM 16W4R1A0", "SQUARE 6 A45"};
-    ToolRecord tool;
-    ParseToolText(texts[k % 14], tool, false);
-    tool.Station = 20;
-    return tool;
-}
-
-// A drawing of `grids` grids of 100 x 100 hits, each of another tool, on a sheet of 3000 x 1500.
-std::string WriteDrawing(int grids) {
-    std::string path = (std::filesystem::temp_directory_path() / ("plot_bench_" + std::to_string(grids) + ".drw"));
-    DrawingFile file;
-    if (!file.Create(path)) return {};
-    std::int16_t counter = 0;
-    EntityRec rec;
-    rec.Kind = EntityKind::Sheet;
-    rec.Values[1] = 3000;
-    rec.Values[2] = 1500;
-    AppendEntity(file, counter, rec);
-    for (int g = 0; g < grids; ++g) {
-        ClearEntity(rec);
-        rec.Kind = EntityKind::GridPattern;
-        rec.Tool = ToolOf(g);
-        rec.Points.Start =
-            rec.Points.Entry = {static_cast<float>(20 + (g % 10) * 290), static_cast<float>(20 + (g / 10) * 148)};
-        rec.Values[1] = rec.Values[3] = 250;
-        rec.Values[2] = 2.5f;
-        rec.Values[4] = 1.3f;
-        rec.Counts[1] = 100;
-        rec.Counts[2] = 100;
-        ToolOutline(rec);
-        AppendEntity(file, counter, rec);
-    }
-    rec.Kind = EntityKind::Sheet;
-    rec.RecordNo = counter;
-    file.Put(1, rec);
-    file.Close();
-    return path;
-}
 
 MachineData Machine() {
     MachineData machine;
@@ -70,7 +27,7 @@ MachineData Machine() {
 
 void Redraw(benchmark::State& state, bool toImage, bool smooth = true) {
     const int grids = static_cast<int>(state.range(0));
-    const std::string path = WriteDrawing(grids);
+    const std::string path = WriteGridDrawing("plot_bench_" + std::to_string(grids) + ".drw", grids);
     ColourTable colours = DefaultColours();
     PlotBoxInput input;
     input.DrawingPath = path;
@@ -111,7 +68,7 @@ void BM_LiveHit(benchmark::State& state) {
     Plotter plotter(picture, colours, "");
     EntityRec rec;
     rec.Kind = EntityKind::Punch;
-    rec.Tool = ToolOf(4);
+    rec.Tool = BenchTool(4);
     double x = 0;
     for (auto _ : state) {
         rec.Points.Position = {static_cast<float>(x), 700};

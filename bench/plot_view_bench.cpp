@@ -8,53 +8,15 @@
 #include <filesystem>
 #include <string>
 
-#include "analysis/tool_outline.h"
+#include "bench/grid_drawing.h"
 #include "screens/plot_picture.h"
 
 using namespace kirvana;
 
 namespace {
 
-ToolRecord ToolOf(int k) {
-    static const char* texts[] = {"DIAMETER 10",        "SQUARE 10 A15",   "RAD-SQUARE 12R2A0", "RECTANGLE 20X8A30",
-                                  "RAD-RECT 20X8R2A45", "OBROUND 20X8A90", "SINGLE-D 12X10A0",  "DOUBLE-D 12X9A0",
-                                  "CANNON-D 20X8A0",    "HEXAGON 12A0"};
-    ToolRecord tool;
-    ParseToolText(texts[k % 10], tool, false);
-    tool.Station = 20;
-    return tool;
-}
-
-std::string WriteDrawing() {
-    std::string path = (std::filesystem::temp_directory_path() / "plot_view_bench.drw");
-    DrawingFile file;
-    if (!file.Create(path)) return {};
-    std::int16_t counter = 0;
-    EntityRec rec;
-    rec.Kind = EntityKind::Sheet;
-    AppendEntity(file, counter, rec);
-    for (int g = 0; g < 10; ++g) {
-        ClearEntity(rec);
-        rec.Kind = EntityKind::GridPattern;
-        rec.Tool = ToolOf(g);
-        rec.Points.Start = rec.Points.Entry = {static_cast<float>(20 + g * 290), 20};
-        rec.Values[1] = rec.Values[3] = 250;
-        rec.Values[2] = 2.5f;
-        rec.Values[4] = 1.3f;
-        rec.Counts[1] = 100;
-        rec.Counts[2] = 100;
-        ToolOutline(rec);
-        AppendEntity(file, counter, rec);
-    }
-    rec.Kind = EntityKind::Sheet;
-    rec.RecordNo = counter;
-    file.Put(1, rec);
-    file.Close();
-    return path;
-}
-
 struct Scene {
-    std::string path = WriteDrawing();
+    std::string path = WriteGridDrawing("plot_view_bench.drw", 10);
     ColourTable colours = DefaultColours();
     MachineData machine;
     PlotBoxInput input;
@@ -122,7 +84,7 @@ void BM_LiveHitOnThePicture(benchmark::State& state) {
     Scene scene;
     EntityRec rec;
     rec.Kind = EntityKind::Punch;
-    rec.Tool = ToolOf(4);
+    rec.Tool = BenchTool(4);
     double x = 0;
     for (auto _ : state) {
         rec.Points.Position = {static_cast<float>(x), 145};
