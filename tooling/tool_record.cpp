@@ -187,8 +187,11 @@ bool ParseToolText(std::string_view text, ToolRecord& record, bool fromInches) {
         d4 = InchesToMm(d4);
     }
 
-    // 7. Valid only with both main dimensions at least 0.5.
-    if (d1 >= 0.5f && d2 >= 0.5f) {
+    // 7. Valid only with both main dimensions at least 0.5. A number beyond the single range
+    // (infinite once stored) makes no tool either: its description could not be read back.
+    const bool finite =
+        std::isfinite(d1) && std::isfinite(d2) && std::isfinite(d3) && std::isfinite(d4) && std::isfinite(angle);
+    if (finite && d1 >= 0.5f && d2 >= 0.5f) {
         record.Valid = TrueWord;
         record.Shape = shape;
         record.Name = ToolName(name);

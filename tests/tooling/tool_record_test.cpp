@@ -41,6 +41,15 @@ TEST(ToolText, DiameterUnderHalfAMillimetreIsInvalid) {
     EXPECT_EQ(tool.D2, 0);
 }
 
+TEST(ToolText, ANumberBeyondTheSingleRangeMakesNoTool) {
+    // Digits run on behind the shape word: the dimension would be infinite once stored.
+    ToolRecord tool;
+    EXPECT_FALSE(ParseToolText("Obround" + std::string(90, '2') + " 30x10 idx90", tool, false));
+    EXPECT_FALSE(ParseToolText("Rectangle 20x" + std::string(60, '9') + " a0", tool, false));
+    EXPECT_FALSE(ParseToolText("Square 10 a" + std::string(60, '9'), tool, false));
+    EXPECT_TRUE(ParseToolText("Obround 30x10 idx90", tool, false));
+}
+
 TEST(ToolText, RectangleReadsLengthWidthAndAngle) {
     ToolRecord tool = Parse("RECTANGLE 20X10A90");
     EXPECT_TRUE(tool.IsValid());
