@@ -248,9 +248,12 @@ void Panel::CursorButton(int index) {
 void Panel::CursorCancel() {
     if (nav_.ViewMode >= 5 && nav_.ViewMode <= 8) {
         nav_.ViewMode = 0;
-        // The pick ends; the path keys start again on the slot's drawing.
+        // The pick ends; the path keys start again on the slot's drawing, shown whole again
+        // when a pattern was split.
+        const bool split = visual_.Record > 0;
         visual_ = VisualRestart{};
         path_ = PathStepper{};
+        if (split) RedrawPlot(ActivePlot(), false);
     } else
         CursorCancelled(nav_);
     DoKeyAction({KeyAction::CursorCancel, {}, 0});

@@ -27,7 +27,8 @@ void Panel::RedrawPlot(int plot, bool resetRunData) {
     input.LimitsOn = nav_.LimitsOn;
     if (plot >= 1 && plot <= 2) {
         SlotRecord& slot = process_.Slots[static_cast<std::size_t>(plot - 1)];
-        if (slot.Present) input.DrawingPath = SlotFile(process_.Config.Dirs, plot, "drw");
+        // While a pattern is split for the visual restart, only its hits are shown.
+        if (slot.Present) input.DrawingPath = PickDrawingPath(process_, plot, visual_);
         input.SheetX = slot.SheetX;
         input.SheetY = slot.SheetY;
         input.Clamps = slot.Clamps;
@@ -126,7 +127,7 @@ void Panel::VisualRestartKey(int index) {
         // The pattern picked: its hits, walked by the path keys from its first.
         fault = SplitPickedEntity(process_, plot, path_.Pick.Record, visual_);
         if (fault.empty()) {
-            path_ = PathStepper{};
+            RedrawPlot(plot, false);
             if (frontEnd_) frontEnd_->SetText("SPLIT : " + std::to_string(visual_.SplitHits) + " HITS");
         }
     } else {

@@ -23,6 +23,8 @@ public:
     const QImage& Picture() const { return picture_.Image(); }
     // The last redraw moved the picture and drew only what it uncovered.
     bool LastRedrawMoved() const { return picture_.LastMoved(); }
+    // What the picture shows: its drawing found, the records drawn.
+    const PlotResult& Shown() const { return picture_.Shown(); }
 
     // The whole plot drawn anew at the box's present size.
     PlotResult Redraw(const MachineData& machine, PlotBoxInput input);

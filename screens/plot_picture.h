@@ -28,6 +28,8 @@ public:
     PlotResult Draw(const MachineData& machine, PlotBoxInput input, QSize size);
     // The last Draw moved the picture instead of drawing all of it.
     bool LastMoved() const { return lastMoved_; }
+    // What the picture shows: its drawing found, the records drawn.
+    const PlotResult& Shown() const { return result_; }
 
 private:
     // What a picture was drawn from, besides the view: when any of it differs, the picture can't

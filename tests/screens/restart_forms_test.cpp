@@ -212,6 +212,7 @@ TEST_F(RestartFormsTest, VisualRestartSplitsTheGridAndRestartsAtThePickedHit) {
     ASSERT_TRUE(P().Visual().Active);
     EXPECT_EQ(P().Nav().ViewMode, 5);
     EXPECT_EQ(S(F().TextPanel()->text()), "SELECT RESTART POSITION");
+    const std::int32_t whole = F().Plot(1)->Shown().Entities;
     P().CursorButton(1);  // the first entity, the Punch
     P().CursorButton(3);  // the grid
     EXPECT_NE(S(F().TextPanel()->text()).find("G26"), std::string::npos);
@@ -219,6 +220,8 @@ TEST_F(RestartFormsTest, VisualRestartSplitsTheGridAndRestartsAtThePickedHit) {
     EXPECT_EQ(P().Visual().Record, 3);
     EXPECT_EQ(P().Visual().SplitHits, 50);
     EXPECT_EQ(S(F().TextPanel()->text()), "SPLIT : 50 HITS");
+    // The plot shows only the split pattern's punches, so that one of them can be picked.
+    EXPECT_EQ(F().Plot(1)->Shown().Entities, 50);
     EXPECT_TRUE(std::filesystem::exists(dir_.Path() + "SplitCyc.drw"));
     P().CursorButton(1);                              // hit 1 of the grid
     for (int i = 0; i < 6; ++i) P().CursorButton(3);  // hit 7
@@ -246,6 +249,7 @@ TEST_F(RestartFormsTest, VisualRestartSplitsTheGridAndRestartsAtThePickedHit) {
     ASSERT_TRUE(shown);
     EXPECT_FALSE(P().Visual().Active);
     EXPECT_EQ(P().Nav().ViewMode, 0);
+    EXPECT_EQ(F().Plot(1)->Shown().Entities, whole);
     const std::vector<std::string> sent = Received();
     EXPECT_NE(std::find(sent.begin(), sent.end(), "M869=7"), sent.end());
     const std::vector<std::string> program = sim_.Program(5);
@@ -391,11 +395,15 @@ TEST_F(RestartFormsTest, VisualRestartEndsWithCancelAndWithAProgramChange) {
     Select(1, "GRID03");
     OnBlockStartForm([&](BlockStartForm& form) { ButtonOf(&form, "VisualButton")->click(); });
     Spin(50);
+    const std::int32_t whole = F().Plot(1)->Shown().Entities;
     P().CursorButton(1);
     P().CursorButton(3);
     P().CursorButton(5);
     ASSERT_EQ(P().Visual().Record, 3);
+    EXPECT_EQ(F().Plot(1)->Shown().Entities, 50);
     P().CursorCancel();
+    // The slot's drawing is shown whole again.
+    EXPECT_EQ(F().Plot(1)->Shown().Entities, whole);
     EXPECT_FALSE(P().Visual().Active);
     EXPECT_EQ(P().Visual().Record, 0);
     EXPECT_EQ(P().Nav().ViewMode, 0);
