@@ -18,20 +18,6 @@ namespace kirvana {
 
 namespace {
 
-QListWidget* MakeList(QWidget* parent, const char* name, bool several) {
-    auto* list = new QListWidget(parent);
-    list->setObjectName(name);
-    list->setSelectionMode(several ? QAbstractItemView::MultiSelection : QAbstractItemView::SingleSelection);
-    // A long mount point keeps both ends readable.
-    list->setTextElideMode(Qt::ElideMiddle);
-    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list->setStyleSheet(
-        "QListWidget { font-size: 18px; background: white; color: black; }"
-        "QListWidget::item { min-height: 48px; }"
-        "QListWidget::item:selected { background: #000080; color: white; }");
-    return list;
-}
-
 QLabel* MakeTitle(QWidget* parent, const ColourTable& c) {
     auto* label = new QLabel(parent);
     label->setStyleSheet(PanelStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText], 18, true));
@@ -69,8 +55,10 @@ std::vector<std::string> Chosen(QListWidget* list) {
     return names;
 }
 
+}  // namespace
+
 QPushButton* StyledButton(const std::string& caption, QWidget* parent, const ColourTable& c, const char* name,
-                          int width = 180) {
+                          int width) {
     QPushButton* b = MakeButton(caption, parent, width);
     b->setObjectName(name);
     b->setMinimumHeight(64);
@@ -79,7 +67,19 @@ QPushButton* StyledButton(const std::string& caption, QWidget* parent, const Col
     return b;
 }
 
-}  // namespace
+QListWidget* StoreList(QWidget* parent, const char* name, bool several) {
+    auto* list = new QListWidget(parent);
+    list->setObjectName(name);
+    list->setSelectionMode(several ? QAbstractItemView::MultiSelection : QAbstractItemView::SingleSelection);
+    // A long mount point keeps both ends readable.
+    list->setTextElideMode(Qt::ElideMiddle);
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list->setStyleSheet(
+        "QListWidget { font-size: 18px; background: white; color: black; }"
+        "QListWidget::item { min-height: 48px; }"
+        "QListWidget::item:selected { background: #000080; color: white; }");
+    return list;
+}
 
 bool WarningOperator::Ask(const std::string& text) {
     return panel_.ShowWarning(text, WarningKind::Question, 1) == 1 && panel_.WarningResult();
@@ -190,9 +190,9 @@ FileForm::FileForm(Panel& panel) : PanelForm(panel, "FileForm") {
     auto* layout = new QVBoxLayout(this);
     auto* grid = new QGridLayout();
     for (int i = 0; i < 3; ++i) titles_[i] = MakeTitle(this, c);
-    directoryList_ = MakeList(this, "DirectoryList", false);
-    fileList_ = MakeList(this, "FileList", true);
-    destinationList_ = MakeList(this, "DestinationList", false);
+    directoryList_ = StoreList(this, "DirectoryList", false);
+    fileList_ = StoreList(this, "FileList", true);
+    destinationList_ = StoreList(this, "DestinationList", false);
     fileBox_ = MakeNameBox(this, "FileBox");
     grid->addWidget(titles_[1], 0, 0);
     grid->addWidget(titles_[0], 0, 1);
@@ -283,7 +283,7 @@ DirectoryForm::DirectoryForm(Panel& panel) : PanelForm(panel, "DirectoryForm") {
     auto* grid = new QGridLayout();
     titles_[0] = MakeTitle(this, c);
     titles_[1] = MakeTitle(this, c);
-    directoryList_ = MakeList(this, "DirectoryList", false);
+    directoryList_ = StoreList(this, "DirectoryList", false);
     nameBox_ = MakeNameBox(this, "NameBox");
     grid->addWidget(titles_[0], 0, 0);
     grid->addWidget(titles_[1], 0, 1);

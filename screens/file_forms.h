@@ -11,6 +11,7 @@
 
 #include "files/file_jobs.h"
 #include "files/program_store.h"
+#include "plot/colour_config.h"
 #include "screens/panel_form.h"
 
 namespace kirvana {
@@ -18,6 +19,13 @@ namespace kirvana {
 // Registers the file screens, SendForm and the hidden ListForm, and hands the start and the
 // end of the process the serial steps of ListForm.
 void RegisterFileForms(Panel& panel);
+
+// A list of the program store's directories or programs, rows a finger high; `several` lets the
+// operator pick more than one.
+QListWidget* StoreList(QWidget* parent, const char* name, bool several);
+// A button of the file screens: general colours, 64 px high.
+QPushButton* StyledButton(const std::string& caption, QWidget* parent, const ColourTable& c, const char* name,
+                          int width = 180);
 
 // The questions and notices of the jobs on the warning screen.
 class WarningOperator : public FileJobOperator {

@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include "files/program_store.h"
+#include "screens/file_forms.h"
 #include "screens/list_form.h"
 #include "screens/panel.h"
 #include "screens/panel_style.h"
@@ -12,29 +13,6 @@
 namespace kirvana {
 
 namespace {
-
-QPushButton* Button(const char* caption, QWidget* parent, const ColourTable& c, const char* name) {
-    QPushButton* b = MakeButton(caption, parent, 170);
-    b->setObjectName(name);
-    b->setMinimumHeight(64);
-    b->setAutoDefault(false);
-    b->setStyleSheet(ButtonStyle(c[ColourItem::GeneralButtons], c[ColourItem::GeneralButtonText], 18));
-    return b;
-}
-
-QListWidget* List(QWidget* parent, const char* name, bool several) {
-    auto* list = new QListWidget(parent);
-    list->setObjectName(name);
-    list->setSelectionMode(several ? QAbstractItemView::MultiSelection : QAbstractItemView::SingleSelection);
-    // A long mount point keeps both ends readable.
-    list->setTextElideMode(Qt::ElideMiddle);
-    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list->setStyleSheet(
-        "QListWidget { font-size: 18px; background: white; color: black; }"
-        "QListWidget::item { min-height: 48px; }"
-        "QListWidget::item:selected { background: #000080; color: white; }");
-    return list;
-}
 
 const char* SendFailure(SendResult result) {
     switch (result) {
@@ -69,8 +47,8 @@ SendForm::SendForm(Panel& panel) : PanelForm(panel, "SendForm") {
         label->setStyleSheet(PanelStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText], 18, true));
         return label;
     };
-    directoryList_ = List(this, "DirectoryList", false);
-    fileList_ = List(this, "FileList", true);
+    directoryList_ = StoreList(this, "DirectoryList", false);
+    fileList_ = StoreList(this, "FileList", true);
     grid->addWidget(title("DIRECTORY"), 0, 0);
     grid->addWidget(title("SEND PROGRAM(S)"), 0, 1);
     grid->addWidget(directoryList_, 1, 0);
@@ -85,8 +63,8 @@ SendForm::SendForm(Panel& panel) : PanelForm(panel, "SendForm") {
     floodBar_ = new QProgressBar(this);
     floodBar_->setObjectName("FloodBar");
     floodBar_->setMinimumHeight(32);
-    abort_ = Button("&ABORT", this, c, "AbortButton");
-    force_ = Button("&FORCE", this, c, "ForceButton");
+    abort_ = StyledButton("&ABORT", this, c, "AbortButton", 170);
+    force_ = StyledButton("&FORCE", this, c, "ForceButton", 170);
     frame->addWidget(sendLabel_, 0, 0, 1, 2);
     frame->addWidget(floodBar_, 1, 0, 1, 2);
     frame->addWidget(force_, 2, 0);
@@ -94,8 +72,8 @@ SendForm::SendForm(Panel& panel) : PanelForm(panel, "SendForm") {
     layout->addLayout(frame);
     auto* row = new QHBoxLayout();
     row->addStretch(1);
-    ok_ = Button("&OK", this, c, "OkButton");
-    exit_ = Button("&CANCEL", this, c, "ExitButton");
+    ok_ = StyledButton("&OK", this, c, "OkButton", 170);
+    exit_ = StyledButton("&CANCEL", this, c, "ExitButton", 170);
     row->addWidget(ok_);
     row->addWidget(exit_);
     layout->addLayout(row);

@@ -1,7 +1,10 @@
 #include "screens/tooling_style.h"
 
+#include <algorithm>
+
 #include "screens/panel.h"
 #include "screens/panel_style.h"
+#include "system/tooling_commands.h"
 
 namespace kirvana {
 
@@ -75,6 +78,14 @@ QListWidget* StationListBox(Panel& panel, QWidget* parent) {
                                 "QScrollBar:vertical { width: 48px; }")
                             .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
     return list;
+}
+
+void FillStationList(QListWidget* list, const StationTable& table, int keepRow) {
+    list->blockSignals(true);
+    list->clear();
+    for (int n = 1; n <= static_cast<int>(table.size()); ++n) list->addItem(Q(StationRowText(table, n)));
+    list->blockSignals(false);
+    if (!table.empty()) list->setCurrentRow(std::clamp(keepRow, 0, static_cast<int>(table.size()) - 1));
 }
 
 }  // namespace kirvana

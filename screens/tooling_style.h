@@ -9,6 +9,8 @@
 #include <QPushButton>
 #include <string>
 
+#include "tooling/turret.h"
+
 namespace kirvana {
 
 class Panel;
@@ -27,6 +29,9 @@ QLabel* ToolingLabel(Panel& panel, const std::string& text, QWidget* parent);
 QGroupBox* ToolingFrame(Panel& panel, const char* caption, const char* name, QWidget* parent);
 // The list of the turret's stations, rows a finger high, its scroll bar a finger wide.
 QListWidget* StationListBox(Panel& panel, QWidget* parent);
+// The list filled with the table's rows, the row `keepRow` (clamped to the table) chosen without
+// a signal for each row added.
+void FillStationList(QListWidget* list, const StationTable& table, int keepRow);
 
 // Presses the visible, enabled button below `form` whose caption marks the letter of `code`
 // ("&T" for T); false when none does.

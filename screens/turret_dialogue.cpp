@@ -113,11 +113,7 @@ void TurretDialogue::Activate() {
 
 void TurretDialogue::FillList(int keepRow) {
     const StationTable& table = Session().Table();
-    list_->blockSignals(true);
-    list_->clear();
-    for (int n = 1; n <= static_cast<int>(table.size()); ++n) list_->addItem(Q(StationRowText(table, n)));
-    list_->blockSignals(false);
-    if (!table.empty()) list_->setCurrentRow(std::clamp(keepRow, 0, static_cast<int>(table.size()) - 1));
+    FillStationList(list_, table, keepRow);
     ShowStation();
 }
 

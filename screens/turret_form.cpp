@@ -100,11 +100,7 @@ void TurretForm::Activate() {
 void TurretForm::FillList(int keepRow) {
     Process& process = panel_.State();
     const StationTable& table = ToolingTable(process);
-    list_->blockSignals(true);
-    list_->clear();
-    for (int n = 1; n <= static_cast<int>(table.size()); ++n) list_->addItem(Q(StationRowText(table, n)));
-    list_->blockSignals(false);
-    if (!table.empty()) list_->setCurrentRow(std::clamp(keepRow, 0, static_cast<int>(table.size()) - 1));
+    FillStationList(list_, table, keepRow);
     ShowStation();
 }
 
