@@ -46,6 +46,16 @@ enum class OverlayId {
 };
 inline constexpr int OverlayCount = 18;
 
+// What makes one hit's outline the same as another's: the display list (a key made from its
+// entries), the angle it is turned by and whether it is filled. `Reach` is how far the
+// outline comes from the hit, in millimetres; 0 when it is not known.
+struct HitShape {
+    std::int64_t List = 0;
+    double Angle = 0;
+    bool Filled = false;
+    double Reach = 0;
+};
+
 enum class OverlayForm { Rectangle, Circle, Line };
 
 // Rectangle: corners (X1, Y1), (X2, Y2). Circle: centre (X1, Y1), radius X2. Line: its ends.
@@ -72,6 +82,11 @@ public:
     // Fills the closed outline made by the pieces in their order.
     virtual void FillOutline(const std::vector<OutlinePiece>& pieces, std::int32_t colour) = 0;
     virtual void SetOverlay(OverlayId id, const Overlay& overlay) = 0;
+    // Before the calls that draw one hit in one colour. A canvas that keeps hit outlines as
+    // pixels may place a kept one there and answer true: the calls are then left out. Otherwise
+    // the calls follow and EndHit closes them.
+    virtual bool BeginHit(const HitShape&, PlotPoint, std::int32_t) { return false; }
+    virtual void EndHit() {}
 };
 
 }  // namespace kirvana

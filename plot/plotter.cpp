@@ -45,6 +45,24 @@ double ListReach(const ShapeList& list) {
     return std::isfinite(reach) ? reach : 0;
 }
 
+// What tells one outline from another: a hash of the list's entries. Lists of the same entries
+// draw the same outline, whichever tool they were built for.
+std::int64_t ListKey(const ShapeList& list) {
+    std::uint64_t hash = 14695981039346656037ull;
+    auto mix = [&hash](const void* data, std::size_t size) {
+        const auto* bytes = static_cast<const unsigned char*>(data);
+        for (std::size_t i = 0; i < size; ++i) hash = (hash ^ bytes[i]) * 1099511628211ull;
+    };
+    for (const ShapeEntry& e : list.Entries) {
+        mix(&e.Op, 1);
+        if (e.Op == '*') break;
+        for (float value : {e.X1, e.Y1, e.X2, e.Y2, e.Radius, e.StartAngle, e.EndAngle}) mix(&value, sizeof value);
+    }
+    const bool seeds = !list.FillSeeds.empty();
+    mix(&seeds, 1);
+    return static_cast<std::int64_t>(hash);
+}
+
 }  // namespace
 
 PlotRect RectBetween(PlotPoint a, PlotPoint b) {
@@ -155,6 +173,7 @@ void Plotter::PlotHit(int plot, const ToolRecord& tool, PlotPoint position, doub
         BuildShapeList(tool, toolsDir_, shapes_);
         reach_ = ListReach(shapes_);
         ++listsBuilt_;
+        listKey_ = ListKey(shapes_);
     }
     // A list that reaches nowhere finite is drawn wherever it stands.
     if (reach_ > 0 && !InArea(position.X - reach_, position.Y - reach_, position.X + reach_, position.Y + reach_))
@@ -164,6 +183,7 @@ void Plotter::PlotHit(int plot, const ToolRecord& tool, PlotPoint position, doub
     const double c = std::cos(radians), s = std::sin(radians);
     auto place = [&](double x, double y) { return PlotPoint{position.X + x * c - y * s, position.Y + x * s + y * c}; };
     const bool fill = emphasis && plot > 0 && !shapes_.FillSeeds.empty();
+    if (canvas_.BeginHit({listKey_, angle, fill, reach_}, position, colour)) return;
     if (fill) pieces_.clear();
     // 3. The list turned by the angle and moved to the hit; each line starts where the former
     // element ended and the last closes on the first.
@@ -191,6 +211,7 @@ void Plotter::PlotHit(int plot, const ToolRecord& tool, PlotPoint position, doub
     }
     // 4. A solid hit: its outline filled (never on the dialogue's plot).
     if (fill && !pieces_.empty()) canvas_.FillOutline(pieces_, colour);
+    canvas_.EndHit();
 }
 
 void Plotter::PlotLine(PlotPoint from, PlotPoint to, std::int32_t colour, PlotPoint& storedStart,

@@ -110,7 +110,8 @@ private:
     std::vector<OutlinePiece> pieces_;
     bool trailSet_ = false;
     PlotPoint trailLast_;
-    double reach_ = 0;  // the farthest the display list comes from the hit
+    double reach_ = 0;          // the farthest the display list comes from the hit
+    std::int64_t listKey_ = 0;  // what tells the display list's outline from others
     PlotRect area_;
     bool areaSet_ = false;
     std::int64_t hitsDrawn_ = 0;

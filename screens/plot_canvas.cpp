@@ -10,6 +10,10 @@ namespace {
 // Pixels beyond this are nonsense from a damaged record, not something to paint.
 constexpr double FarPixel = 1e6;
 
+// Outlines reaching farther than this many pixels from their hit are painted each time: few hits
+// of that size fit in a picture, and their stamps would be large.
+constexpr double MaxStampReach = 60;
+
 bool Reasonable(QPointF p) {
     return std::isfinite(p.x()) && std::isfinite(p.y()) && std::abs(p.x()) < FarPixel && std::abs(p.y()) < FarPixel;
 }
@@ -52,12 +56,21 @@ void PlotCanvas::SetClip(QRect pixels) {
 }
 
 void PlotCanvas::Finish() {
+    if (making_) EndStamp(false);
     Flush();
     if (painter_.isActive()) painter_.end();
     penColour_ = -1;
 }
 
 QPainter* PlotCanvas::Painter() {
+    if (making_) {
+        if (!stampPainter_.isActive()) {
+            if (!stampPainter_.begin(&stampImage_)) return nullptr;
+            stampPainter_.setRenderHint(QPainter::Antialiasing, smooth_);
+            penColour_ = -1;
+        }
+        return &stampPainter_;
+    }
     if (!device_) return nullptr;
     if (!painter_.isActive()) {
         if (!painter_.begin(device_)) return nullptr;
@@ -76,7 +89,7 @@ void PlotCanvas::Queue(std::int32_t colour, LineStyle style, int width) {
 
 void PlotCanvas::Flush() {
     if (batch_.empty()) return;
-    if (painter_.isActive()) painter_.drawLines(batch_.data(), static_cast<int>(batch_.size()));
+    if (Active().isActive()) Active().drawLines(batch_.data(), static_cast<int>(batch_.size()));
     batch_.clear();
 }
 
@@ -85,7 +98,7 @@ void PlotCanvas::Pen(std::int32_t colour, LineStyle style, int width) {
     QPen pen(PlotColour(colour));
     pen.setWidth(std::max(width, 1) == 1 ? 0 : width);  // 0: a cosmetic line of one pixel
     pen.setStyle(style == LineStyle::Dotted ? Qt::DotLine : Qt::SolidLine);
-    painter_.setPen(pen);
+    Active().setPen(pen);
     penColour_ = colour;
     penStyle_ = style;
     penWidth_ = width;
@@ -106,7 +119,7 @@ void PlotCanvas::Line(PlotPoint from, PlotPoint to, std::int32_t colour, LineSty
     QPointF a = ToPixel(from), b = ToPixel(to);
     if (!Reasonable(a) || !Reasonable(b)) return;
     if (!Painter()) return;
-    Queue(colour, style, width);
+    Queue(Ink(colour), style, width);
     batch_.emplace_back(a, b);
 }
 
@@ -133,7 +146,7 @@ void PlotCanvas::Arc(PlotPoint centre, double radius, double startAngle, double 
     int qtStart = 0, qtSpan = 0;
     if (!ArcGeometry(centre, radius, startAngle, endAngle, box, qtStart, qtSpan)) return;
     if (!Painter()) return;
-    Queue(colour, LineStyle::Solid, 1);
+    Queue(Ink(colour), LineStyle::Solid, 1);
     // The arc as a polyline whose chords stray from it by under a quarter pixel.
     const double rx = box.width() / 2, ry = box.height() / 2;
     const QPointF c = box.center();
@@ -164,7 +177,7 @@ void PlotCanvas::FillRect(PlotPoint corner1, PlotPoint corner2, std::int32_t col
     QPainter* p = Painter();
     if (!p) return;
     Flush();
-    p->fillRect(QRectF(clamp(a), clamp(b)).normalized(), PlotColour(colour));
+    p->fillRect(QRectF(clamp(a), clamp(b)).normalized(), PlotColour(Ink(colour)));
 }
 
 void PlotCanvas::Polygon(const std::vector<PlotPoint>& points, std::int32_t colour, bool filled) {
@@ -178,8 +191,8 @@ void PlotCanvas::Polygon(const std::vector<PlotPoint>& points, std::int32_t colo
     QPainter* p = Painter();
     if (!p) return;
     Flush();
-    Pen(colour, LineStyle::Solid, 1);
-    p->setBrush(filled ? QBrush(PlotColour(colour)) : Qt::NoBrush);
+    Pen(Ink(colour), LineStyle::Solid, 1);
+    p->setBrush(filled ? QBrush(PlotColour(Ink(colour))) : Qt::NoBrush);
     p->drawPolygon(polygon);
     p->setBrush(Qt::NoBrush);
 }
@@ -224,10 +237,76 @@ void PlotCanvas::FillOutline(const std::vector<OutlinePiece>& pieces, std::int32
     QPainter* p = Painter();
     if (!p) return;
     Flush();
-    p->fillPath(path, PlotColour(colour));
+    p->fillPath(path, PlotColour(Ink(colour)));
 }
 
 void PlotCanvas::SetOverlay(OverlayId id, const Overlay& overlay) { overlays_[static_cast<std::size_t>(id)] = overlay; }
+
+QImage* PlotCanvas::StampTarget() const {
+    if (!device_ || device_->devType() != QInternal::Image) return nullptr;
+    auto* image = static_cast<QImage*>(device_);
+    const QImage::Format format = image->format();
+    return format == QImage::Format_RGB32 || format == QImage::Format_ARGB32_Premultiplied ? image : nullptr;
+}
+
+bool PlotCanvas::BeginHit(const HitShape& shape, PlotPoint position, std::int32_t colour) {
+    QImage* image = StampTarget();
+    if (!image || making_) return false;
+    const double reach = shape.Reach * std::max(std::abs(map_.ScaleX), std::abs(map_.ScaleY));
+    if (!(shape.Reach > 0) || !(reach <= MaxStampReach)) return false;
+    const QPointF at = ToPixel(position);
+    if (!Reasonable(at)) return false;
+    const double left = std::floor(at.x()), top = std::floor(at.y());
+    auto place = [](double fraction) {
+        return std::clamp(static_cast<int>(fraction * StampPhases), 0, StampPhases - 1);
+    };
+    const int placeX = place(at.x() - left), placeY = place(at.y() - top);
+    stamps_.Use(map_.ScaleX, map_.ScaleY, smooth_);
+    HitStamp& stamp = stamps_.Of(shape, placeX, placeY);
+    hitPixel_ = QPoint(static_cast<int>(left), static_cast<int>(top));
+    hitColour_ = colour;
+    ++drawCalls_;
+    Flush();
+    if (stamp.Made) {
+        ++stampsPlaced_;
+        PlaceStamp(stamp, *image, clip_.isEmpty() ? image->rect() : clip_, hitPixel_.x(), hitPixel_.y(),
+                   PlotColour(colour).rgb());
+        return true;
+    }
+    // The calls that follow paint the stamp, on a picture large enough for the outline and its
+    // smoothing, with the hit at the middle of its place inside the pixel (anchor, anchor).
+    stampAnchor_ = static_cast<int>(std::ceil(reach)) + 3;
+    const int side = 2 * stampAnchor_ + 1;
+    if (stampImage_.size() != QSize(side, side)) stampImage_ = QImage(side, side, QImage::Format_ARGB32_Premultiplied);
+    stampImage_.fill(Qt::transparent);
+    deviceMap_ = map_;
+    map_.OriginX += at.x() - (stampAnchor_ + (placeX + 0.5) / StampPhases);
+    map_.OriginY += at.y() - (stampAnchor_ + (placeY + 0.5) / StampPhases);
+    making_ = &stamp;
+    penColour_ = -1;
+    return false;
+}
+
+void PlotCanvas::EndHit() {
+    if (!making_) return;
+    HitStamp& stamp = *making_;
+    EndStamp(true);
+    if (QImage* image = StampTarget())
+        PlaceStamp(stamp, *image, clip_.isEmpty() ? image->rect() : clip_, hitPixel_.x(), hitPixel_.y(),
+                   PlotColour(hitColour_).rgb());
+}
+
+void PlotCanvas::EndStamp(bool keep) {
+    Flush();
+    if (stampPainter_.isActive()) stampPainter_.end();
+    if (keep) {
+        *making_ = StampOf(stampImage_, stampAnchor_, stampAnchor_);
+        ++stampsMade_;
+    }
+    making_ = nullptr;
+    map_ = deviceMap_;
+    penColour_ = -1;
+}
 
 void PlotCanvas::PaintOverlays(QPainter& painter) const {
     painter.save();

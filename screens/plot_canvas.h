@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "plot/canvas.h"
+#include "screens/hit_stamps.h"
 
 namespace kirvana {
 
@@ -51,6 +52,9 @@ public:
     const PixelMapping& Mapping() const { return map_; }
     // Drawing calls made since the canvas was made: tells whether a picture was drawn over.
     std::int64_t DrawCalls() const { return drawCalls_; }
+    // Hits placed from a kept stamp, and stamps painted: a measure for tests and benchmarks.
+    std::int64_t StampsPlaced() const { return stampsPlaced_; }
+    std::int64_t StampsMade() const { return stampsMade_; }
 
     void SetView(PlotPoint topLeft, PlotPoint bottomRight) override;
     void Line(PlotPoint from, PlotPoint to, std::int32_t colour, LineStyle style, int width) override;
@@ -59,10 +63,21 @@ public:
     void Polygon(const std::vector<PlotPoint>& points, std::int32_t colour, bool filled) override;
     void FillOutline(const std::vector<OutlinePiece>& pieces, std::int32_t colour) override;
     void SetOverlay(OverlayId id, const Overlay& overlay) override;
+    // On an image, a hit's outline is painted once for each place inside a pixel and then copied.
+    bool BeginHit(const HitShape& shape, PlotPoint position, std::int32_t colour) override;
+    void EndHit() override;
     const Overlay& OverlayOf(OverlayId id) const { return overlays_[static_cast<std::size_t>(id)]; }
 
 private:
+    // The painter of the device, or of the stamp while one is being painted.
     QPainter* Painter();
+    QPainter& Active() { return making_ ? stampPainter_ : painter_; }
+    // A stamp is painted in white: its alpha is the coverage the hit's colour is blended by.
+    std::int32_t Ink(std::int32_t colour) const { return making_ ? 0xFFFFFF : colour; }
+    // The device as an image of 32-bit pixels that stamps can be blended into; null otherwise.
+    QImage* StampTarget() const;
+    // Ends the painting of a stamp, keeping it when `keep`, and goes back to the device.
+    void EndStamp(bool keep);
     void Pen(std::int32_t colour, LineStyle style, int width);
     // Lines and arcs wait in one batch of segments while the pen stays; any other drawing, a
     // change of pen and Finish paint the batch with one call.
@@ -78,12 +93,22 @@ private:
     PixelMapping map_;
     QRect clip_;
     std::int64_t drawCalls_ = 0;
+    std::int64_t stampsPlaced_ = 0;
+    std::int64_t stampsMade_ = 0;
     std::int32_t penColour_ = -1;
     LineStyle penStyle_ = LineStyle::Solid;
     int penWidth_ = -1;
     bool smooth_ = true;
     std::vector<QLineF> batch_;
     std::array<Overlay, OverlayCount> overlays_{};
+    HitStamps stamps_;
+    HitStamp* making_ = nullptr;  // the stamp being painted
+    QImage stampImage_;
+    QPainter stampPainter_;
+    PixelMapping deviceMap_;  // the device's mapping while a stamp is painted
+    int stampAnchor_ = 0;     // the stamp picture's pixel the hit stands in, on both axes
+    QPoint hitPixel_;
+    std::int32_t hitColour_ = 0;
 };
 
 // The 24-bit colour, blue in the high byte, as Qt's colour.
