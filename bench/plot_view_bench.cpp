@@ -71,9 +71,36 @@ void BM_ZoomStep(benchmark::State& state) {
     Scene scene;
     const double fraction = static_cast<double>(state.range(0));
     bool in = true;
+    const std::int64_t madeBefore = scene.picture.Canvas().StampsMade();
     for (auto _ : state) {
         scene.ZoomTo(in ? fraction * 1.5 : fraction);
         in = !in;
+    }
+    state.counters["frames/s"] =
+        benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    // Every zoom changes the scale: the outlines are painted anew as stamps each time.
+    state.counters["stamps/frame"] =
+        static_cast<double>(scene.picture.Canvas().StampsMade() - madeBefore) / static_cast<double>(state.iterations());
+}
+
+// A pan by one cursor step right after a live hit was drawn on the picture: the picture is drawn
+// whole, at the scale whose stamps are kept.
+void BM_PanAfterALiveHit(benchmark::State& state) {
+    Scene scene;
+    PlotView& view = scene.picture.View();
+    EntityRec rec;
+    rec.Kind = EntityKind::Punch;
+    rec.Tool = BenchTool(4);
+    rec.Points.Position = {1500, 145};
+    int direction = 1;
+    for (auto _ : state) {
+        scene.picture.Drawing().PlotEntity(1, rec, ColourMode::RealTime, true);
+        const double step = ViewWidthStep(view) * direction;
+        PanTo(view, {(view.ViewTopLeft.X + view.ViewBottomRight.X) / 2 + step,
+                     (view.ViewTopLeft.Y + view.ViewBottomRight.Y) / 2});
+        scene.picture.Draw(scene.machine, scene.input, scene.size);
+        if (scene.picture.LastMoved()) state.SkipWithError("the pan moved a picture drawn on");
+        direction = -direction;
     }
     state.counters["frames/s"] =
         benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
@@ -98,6 +125,7 @@ void BM_LiveHitOnThePicture(benchmark::State& state) {
 
 BENCHMARK(BM_PanStep)->Arg(1)->Arg(4)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_ZoomStep)->Arg(1)->Arg(2)->Arg(4)->Arg(8)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_PanAfterALiveHit)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_LiveHitOnThePicture)->Unit(benchmark::kMicrosecond);
 
 BENCHMARK_MAIN();

@@ -9,6 +9,9 @@ namespace {
 // Outlines of this many different lists and angles are kept at most: arcs of hits turned by the C
 // axis give each hit an angle of its own, and their stamps are of no use to another hit.
 constexpr std::size_t MaxOutlinesKept = 4096;
+// And so many pixels of stamps at most (some 20 MB): large solid hits at many angles and places
+// would fill the memory otherwise.
+constexpr std::size_t MaxPixelsKept = 4'000'000;
 
 // a x s + (255 - a) x d, each of the four bytes divided by 255 and rounded.
 inline QRgb Blend(QRgb s, QRgb d, std::uint32_t a) {
@@ -39,7 +42,8 @@ HitStamp StampOf(const QImage& coverage, int anchorX, int anchorY) {
             bottom = std::max(bottom, y);
         }
     }
-    if (right >= 0) stamp.Bounds = QRect(QPoint(left - anchorX, top - anchorY), QPoint(right - anchorX, bottom - anchorY));
+    if (right >= 0)
+        stamp.Bounds = QRect(QPoint(left - anchorX, top - anchorY), QPoint(right - anchorX, bottom - anchorY));
     return stamp;
 }
 
@@ -55,7 +59,7 @@ void PlaceStamp(const HitStamp& stamp, QImage& image, QRect clip, int x, int y, 
     if (clip.contains(reach)) {
         for (const HitStamp::Pixel& p : stamp.Pixels) {
             QRgb* d = at(x + p.Dx, y + p.Dy);
-            *d = Blend(colour, *d, p.Coverage);
+            *d = p.Coverage == 255 ? colour : Blend(colour, *d, p.Coverage);
         }
         return;
     }
@@ -70,6 +74,7 @@ void PlaceStamp(const HitStamp& stamp, QImage& image, QRect clip, int x, int y, 
 void HitStamps::Use(double scaleX, double scaleY, bool smooth) {
     if (scaleX == scaleX_ && scaleY == scaleY_ && smooth == smooth_) return;
     stamps_.clear();
+    pixelsKept_ = 0;
     last_ = nullptr;
     scaleX_ = scaleX;
     scaleY_ = scaleY;
@@ -77,21 +82,35 @@ void HitStamps::Use(double scaleX, double scaleY, bool smooth) {
 }
 
 std::size_t HitStamps::KeyHash::operator()(const Key& key) const {
-    return std::hash<std::int64_t>()(key.List) ^ (std::hash<double>()(key.Angle) * 31) ^ (key.Filled ? 0x9e3779b9u : 0u);
+    return std::hash<std::int64_t>()(key.List) ^ (std::hash<double>()(key.Angle) * 31) ^
+           (key.Filled ? 0x9e3779b9u : 0u);
 }
 
 HitStamp& HitStamps::Of(const HitShape& shape, int phaseX, int phaseY) {
     const Key key{shape.List, shape.Angle, shape.Filled};
+    if (pixelsKept_ > MaxPixelsKept) {
+        stamps_.clear();
+        pixelsKept_ = 0;
+        last_ = nullptr;
+    }
     if (!last_ || !(key == lastKey_)) {
         auto found = stamps_.find(key);
         if (found == stamps_.end()) {
-            if (stamps_.size() >= MaxOutlinesKept) stamps_.clear();
+            if (stamps_.size() >= MaxOutlinesKept) {
+                stamps_.clear();
+                pixelsKept_ = 0;
+            }
             found = stamps_.emplace(key, std::make_unique<Places>()).first;
         }
         last_ = found->second.get();
         lastKey_ = key;
     }
     return (*last_)[static_cast<std::size_t>(phaseY * StampPhases + phaseX)];
+}
+
+void HitStamps::Keep(HitStamp& place, HitStamp stamp) {
+    pixelsKept_ += stamp.Pixels.size();
+    place = std::move(stamp);
 }
 
 }  // namespace kirvana

@@ -47,7 +47,10 @@ public:
     // Forgets every stamp when the scale or the smoothing differ from those the stamps were made at.
     void Use(double scaleX, double scaleY, bool smooth);
     // The stamp of the outline at the place (phaseX, phaseY); not `Made` until it is painted.
+    // The reference holds until the next call.
     HitStamp& Of(const HitShape& shape, int phaseX, int phaseY);
+    // Keeps a painted stamp in the place `Of` gave.
+    void Keep(HitStamp& place, HitStamp stamp);
 
 private:
     struct Key {
@@ -64,6 +67,7 @@ private:
     double scaleX_ = 0, scaleY_ = 0;
     bool smooth_ = false;
     std::unordered_map<Key, std::unique_ptr<Places>, KeyHash> stamps_;
+    std::size_t pixelsKept_ = 0;
     Key lastKey_;
     Places* last_ = nullptr;
 };

@@ -300,7 +300,7 @@ void PlotCanvas::EndStamp(bool keep) {
     Flush();
     if (stampPainter_.isActive()) stampPainter_.end();
     if (keep) {
-        *making_ = StampOf(stampImage_, stampAnchor_, stampAnchor_);
+        stamps_.Keep(*making_, StampOf(stampImage_, stampAnchor_, stampAnchor_));
         ++stampsMade_;
     }
     making_ = nullptr;

@@ -10,18 +10,20 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <limits>
 
+#include "analysis/drawing_file.h"
 #include "analysis/tool_outline.h"
-#include "screens/plot_canvas.h"
 #include "plot/plotter.h"
+#include "screens/plot_canvas.h"
 
 using namespace kirvana;
 
 namespace {
 
-const char* const Shapes[] = {"DIAMETER 10",      "SQUARE 10 A15",   "RAD-SQUARE 12R2A0", "RECTANGLE 20X8A30",
+const char* const Shapes[] = {"DIAMETER 10",        "SQUARE 10 A15",   "RAD-SQUARE 12R2A0", "RECTANGLE 20X8A30",
                               "RAD-RECT 20X8R2A45", "OBROUND 20X8A90", "SINGLE-D 12X10A0",  "DOUBLE-D 12X9A0",
-                              "CANNON-D 20X8A0",  "HEXAGON 12A0",    "KEYWAY 12X15W3A0",  "LOUVRE 30X6A0",
+                              "CANNON-D 20X8A0",    "HEXAGON 12A0",    "KEYWAY 12X15W3A0",  "LOUVRE 30X6A0",
                               "CRUCIFORM 16W4R1A0", "SQUARE 6 A45"};
 
 struct Hit {
@@ -114,8 +116,10 @@ bool InkNear(const QImage& a, const QImage& b, QRgb background, QString& where) 
 void ExpectSameOutlines(const QImage& stamped, const QImage& painted, double share, const std::string& what) {
     const QRgb background = PlotColour(DefaultColours()[ColourItem::PlotBackground]).rgb();
     QString where;
-    EXPECT_TRUE(InkNear(stamped, painted, background, where)) << what << ": stamped ink far from the painted at " << where.toStdString();
-    EXPECT_TRUE(InkNear(painted, stamped, background, where)) << what << ": painted ink far from the stamped at " << where.toStdString();
+    EXPECT_TRUE(InkNear(stamped, painted, background, where))
+        << what << ": stamped ink far from the painted at " << where.toStdString();
+    EXPECT_TRUE(InkNear(painted, stamped, background, where))
+        << what << ": painted ink far from the stamped at " << where.toStdString();
     int inked = 0, differing = 0;
     for (int y = 0; y < stamped.height(); ++y)
         for (int x = 0; x < stamped.width(); ++x) {
@@ -273,4 +277,68 @@ TEST(HitStamps, AStampPlacedAgainIsThePixelsOfTheHitThatMadeIt) {
             const QImage placed = stamped.Image.copy(30 + 70 * i - 30, 30 + 38 * s - 18, 62, 38);
             EXPECT_EQ(made, placed) << Shapes[s] << " hit " << i;
         }
+}
+
+TEST(HitStamps, StampsPastTheirMemoryAreForgotten) {
+    HitStamps stamps;
+    stamps.Use(1, 1, true);
+    HitStamp large;
+    large.Made = true;
+    large.Pixels.resize(1'000'000);
+    for (std::int64_t list = 1; list <= 4; ++list) stamps.Keep(stamps.Of({list, 0, false, 10}, 0, 0), large);
+    EXPECT_TRUE(stamps.Of({1, 0, false, 10}, 0, 0).Made);
+    stamps.Keep(stamps.Of({5, 0, false, 10}, 3, 3), large);
+    EXPECT_FALSE(stamps.Of({1, 0, false, 10}, 0, 0).Made);
+    // Another scale starts afresh too.
+    stamps.Keep(stamps.Of({1, 0, false, 10}, 0, 0), large);
+    stamps.Use(2, 2, true);
+    EXPECT_FALSE(stamps.Of({1, 0, false, 10}, 0, 0).Made);
+}
+
+TEST(HitStamps, NonsenseRecordsDrawWhatTheyCanOnAPicture) {
+    // Hits of nonsense tools, angles and places (NaN, 1e30, zero sizes) through the stamps.
+    const QSize size(400, 300);
+    QImage image(size, QImage::Format_RGB32);
+    const ColourTable colours = DefaultColours();
+    image.fill(PlotColour(colours[ColourItem::PlotBackground]));
+    PlotCanvas canvas;
+    canvas.SetDevice(&image, size);
+    canvas.SetView({0, 0}, {400, 300});
+    Plotter plotter(canvas, colours, "");
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float values[] = {nan, 1e30f, -1e30f, 0, 1e-30f, 150, -3, 7.5f, 299.99f};
+    int drawn = 0;
+    for (float position : values)
+        for (float extra : values)
+            for (const char* text : {"DIAMETER 10", "SQUARE 0.5", "OBROUND 1e30X8", "RECTANGLE 20X8A30"}) {
+                EntityRec rec;
+                rec.Kind = EntityKind::Punch;
+                ParseToolText(text, rec.Tool, false);
+                rec.Tool.Station = 20;
+                rec.Tool.Extra1 = extra;
+                rec.Points.Position = {position, 150};
+                plotter.PlotEntity(1, rec, ColourMode::RealTime, true);
+                plotter.PlotEntity(1, rec, ColourMode::Background, false);
+                ++drawn;
+            }
+    // And random bytes as drawing records, as the plot's fuzz target feeds them, on the picture.
+    std::uint32_t seed = 7;
+    std::string bytes(RecordLength * 200, '\0');
+    for (char& b : bytes) {
+        seed = seed * 1664525u + 1013904223u;
+        b = static_cast<char>(seed >> 24);
+    }
+    DrawingFile drawing = DrawingFile::InMemory(bytes);
+    EntityRec rec;
+    for (std::int32_t n = 1; n <= 200 && drawing.Get(n, rec); ++n) {
+        const std::int64_t hits = static_cast<std::int64_t>(rec.Counts[1] > 0 ? rec.Counts[1] : 0) *
+                                  (rec.Kind == EntityKind::GridPattern && rec.Counts[2] > 0 ? rec.Counts[2] : 1);
+        if (hits > 20000) continue;
+        for (int mode = 0; mode <= 3; ++mode) plotter.PlotEntity(n % 3, rec, mode, n % 2 == 0);
+    }
+    canvas.Finish();
+    EXPECT_EQ(drawn, 9 * 9 * 4);
+    // The sensible hits among them were drawn: the picture is not the bare background.
+    EXPECT_GT(PixelsNotOf(image, PlotColour(colours[ColourItem::PlotBackground]).rgb()), 50);
+    EXPECT_GT(canvas.StampsPlaced(), 0);
 }
