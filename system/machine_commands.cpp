@@ -213,6 +213,21 @@ bool SetBatch(Process& process, Conversation& talk, const SlotBatch& batch) {
 
 bool ClearBatch(Process& process, Conversation& talk) { return SetBatch(process, talk, SlotBatch{}); }
 
+bool SaveBatchAtShutdown(Process& process, Conversation& talk) {
+    const int slot = process.Config.ActiveSlot;
+    if (slot < 1 || slot > 2 || !process.Slots[slot - 1].Present) return true;
+    SlotBatch& batch = process.Slots[slot - 1].Batch;
+    if (process.Card.CardInUse) {
+        const std::vector<std::string> answers =
+            talk.GetRspnsBatch({card::Batch[0], card::Batch[1], card::Batch[2], card::Batch[3]},
+                               {"GetRspnsLng", "GetRspnsLng", "GetRspnsLng", "GetRspnsLng"});
+        std::array<std::int32_t, 4> counters{};
+        for (std::size_t n = 0; n < counters.size(); ++n) counters[n] = n < answers.size() ? AnswerLng(answers[n]) : 0;
+        batch = BatchOfCounters(counters);
+    }
+    return WriteSlotBatch(process.Config.Dirs, slot, batch);
+}
+
 Refusal ChangeActiveSlot(Process& process, StartupPlatform& platform, CardLink* link, int slot) {
     if (Refusal refusal = SlotChangeInterlock(process)) return refusal;
     if (slot != 1 && slot != 2) return std::nullopt;

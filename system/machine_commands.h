@@ -104,6 +104,9 @@ std::array<bool, 2> ReadBlockSkips(Conversation& talk);
 // False when the `.btc` could not be written (the card has the counters all the same).
 bool SetBatch(Process& process, Conversation& talk, const SlotBatch& batch);
 bool ClearBatch(Process& process, Conversation& talk);
+// The shutdown's batch: the active slot's counters read from the card (with the card off there is
+// nothing newer than what the slot holds), then its `.btc` written. False when it could not be.
+bool SaveBatchAtShutdown(Process& process, Conversation& talk);
 
 // FrontEnd.ProgramButton: the active slot changes, Control.cfg is written and the card gets the
 // slot's blocks and hit counter.

@@ -479,8 +479,7 @@ void UpdateStatusColours(Tick& t) {
 void UpdateBatchPanel(Tick& t, const QueryBatch& answers, const int* at) {
     if (t.Display.BatchEditing || !HasActiveSlot(t.P)) return;
     SlotBatch& batch = t.P.Slots[t.P.Config.ActiveSlot - 1].Batch;
-    for (int n = 0; n < 4; ++n) batch[n] = answers.Lng(at[n]);
-    batch[4] = batch[1] != 0 && batch[2] != 0 ? batch[2] - batch[3] : 0;
+    batch = BatchOfCounters({answers.Lng(at[0]), answers.Lng(at[1]), answers.Lng(at[2]), answers.Lng(at[3])});
     for (int n = 0; n < 5; ++n) t.Display.Batch.Texts[n] = LongText(batch[n]);
 }
 

@@ -147,6 +147,12 @@ SlotBatch ReadSlotBatch(const Directories& dirs, int slot) {
     return batch;
 }
 
+SlotBatch BatchOfCounters(const std::array<std::int32_t, 4>& counters) {
+    SlotBatch batch{counters[0], counters[1], counters[2], counters[3], 0};
+    if (batch[1] != 0 && batch[2] != 0) batch[4] = batch[2] - batch[3];
+    return batch;
+}
+
 bool WriteSlotBatch(const Directories& dirs, int slot, const SlotBatch& batch) {
     std::vector<std::string> lines;
     for (std::int32_t value : batch) lines.push_back(LongText(value));

@@ -96,6 +96,9 @@ SlotBlock SlotBlockAt(const Process& process, int program, std::int32_t word);
 SlotStats ReadSlotStats(const Directories& dirs, int slot);
 [[nodiscard]] bool WriteSlotStats(const Directories& dirs, int slot, const SlotStats& stats);
 SlotBatch ReadSlotBatch(const Directories& dirs, int slot);
+// The batch record from the card's four counters M863 to M866: the fifth value is M865 less M866
+// while M864 and M865 are both set, and 0 otherwise.
+SlotBatch BatchOfCounters(const std::array<std::int32_t, 4>& counters);
 [[nodiscard]] bool WriteSlotBatch(const Directories& dirs, int slot, const SlotBatch& batch);
 // `Actvprg`n`.cfg`.
 [[nodiscard]] bool WriteSlotConfig(const Directories& dirs, int slot, const SlotRecord& record);

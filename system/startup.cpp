@@ -7,6 +7,7 @@
 #include "core/number.h"
 #include "core/paths.h"
 #include "core/text.h"
+#include "system/machine_commands.h"
 
 namespace kirvana {
 
@@ -128,9 +129,9 @@ namespace {
 void EndProcess(Process& process, StartupPlatform& platform, CardLink* link, const StartupSteps& steps, bool forService,
                 bool powerOff) {
     Conversation talk = Talk(process, platform, link);
-    // 1. Batch counters from the card; 2. the active slot's .btc.
-    Run(steps.UpdateBatchCounters, process);
-    Run(steps.WriteBatchFile, process);
+    // 1. Batch counters from the card; 2. the active slot's .btc. A .btc that can't be written
+    // keeps its last counters: the shutdown goes on.
+    SaveBatchAtShutdown(process, talk);
     std::string serviceProgram = forService ? ReadServiceProgram(process.Config.Dirs) : std::string();
     // 3. Shutting down: the poll stops.
     process.ShuttingDown = true;

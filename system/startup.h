@@ -79,8 +79,6 @@ struct StartupSteps {
     std::function<void(Process&)> ReadDialogueProgram;
     std::function<void(Process&)> ReadSerialSettings;
     std::function<void(Process&)> PrepareReceiveFiles;
-    std::function<void(Process&)> UpdateBatchCounters;
-    std::function<void(Process&)> WriteBatchFile;
     std::function<void(Process&)> CloseSerialPort;
     std::function<void(Process&)> CloseReceiveFile;
     std::function<void(Process&)> CloseDrawingChannels;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "core/paths.h"
+#include "system/slots.h"
 #include "tests/core/temp_dir.h"
 #include "tests/support/demo_installation.h"
 #include "tests/support/fake_card.h"
@@ -260,17 +261,58 @@ TEST_F(StartupTest, ShutdownOfTheOfficeSeatSendsNothing) {
     EXPECT_FALSE(platform_.Saw("Wait 2000"));
 }
 
+TEST_F(StartupTest, ShutdownKeepsTheBatchTheCardCountedInTheSlotsBtc) {
+    CardOn();
+    ASSERT_EQ(Main(process_, platform_, &link_, steps_).Result, StartOutcome::Kind::Started);
+    process_.Config.ActiveSlot = 1;
+    process_.Slots[0].Present = true;
+    process_.Slots[0].Batch = {5, 100, 40, 10, 30};
+    link_.Answers["M863 M864 M865 M866"] = "5\n100\n52\n12\n";
+    link_.Sent.clear();
+    Shutdown(process_, platform_, &link_, steps_, false);
+    ASSERT_FALSE(link_.Sent.empty());
+    EXPECT_EQ(link_.Sent.front(), "M863 M864 M865 M866");
+    // The fifth value is the parts left: M865 less M866.
+    EXPECT_EQ(ReadSlotBatch(process_.Config.Dirs, 1), (SlotBatch{5, 100, 52, 12, 40}));
+    EXPECT_EQ(process_.Slots[0].Batch, (SlotBatch{5, 100, 52, 12, 40}));
+}
+
+TEST_F(StartupTest, ShutdownOfTheOfficeSeatKeepsTheSlotsBatch) {
+    ASSERT_EQ(Main(process_, platform_, &link_, steps_).Result, StartOutcome::Kind::Started);
+    process_.Config.ActiveSlot = 2;
+    process_.Slots[1].Present = true;
+    process_.Slots[1].Batch = {5, 100, 40, 10, 30};
+    Shutdown(process_, platform_, &link_, steps_, false);
+    EXPECT_TRUE(link_.Sent.empty());
+    EXPECT_EQ(ReadSlotBatch(process_.Config.Dirs, 2), (SlotBatch{5, 100, 40, 10, 30}));
+}
+
+TEST_F(StartupTest, ShutdownWithoutAnActiveProgramWritesNoBatch) {
+    CardOn();
+    ASSERT_EQ(Main(process_, platform_, &link_, steps_).Result, StartOutcome::Kind::Started);
+    process_.Slots[0].Present = process_.Slots[1].Present = false;
+    link_.Sent.clear();
+    Shutdown(process_, platform_, &link_, steps_, false);
+    EXPECT_FALSE(FileExists(SlotFile(process_.Config.Dirs, 1, "btc")));
+    EXPECT_FALSE(FileExists(SlotFile(process_.Config.Dirs, 2, "btc")));
+    for (const std::string& sent : link_.Sent) EXPECT_EQ(sent.find("M863"), std::string::npos) << sent;
+}
+
+TEST(BatchOfCounters, TheFifthValueIsThePartsLeftWhileABatchIsSet) {
+    EXPECT_EQ(BatchOfCounters({1, 10, 8, 3}), (SlotBatch{1, 10, 8, 3, 5}));
+    EXPECT_EQ(BatchOfCounters({1, 0, 8, 3}), (SlotBatch{1, 0, 8, 3, 0}));
+    EXPECT_EQ(BatchOfCounters({1, 10, 0, 3}), (SlotBatch{1, 10, 0, 3, 0}));
+}
+
 TEST_F(StartupTest, ShutdownStepsInOrder) {
     std::vector<std::string> order;
     auto record = [&](const char* name) { return [&order, name](Process&) { order.push_back(name); }; };
-    steps_.UpdateBatchCounters = record("batch");
-    steps_.WriteBatchFile = record("btc");
     steps_.CloseSerialPort = record("serial");
     steps_.CloseReceiveFile = record("receive");
     steps_.CloseDrawingChannels = record("drawing");
     ASSERT_EQ(Main(process_, platform_, &link_, steps_).Result, StartOutcome::Kind::Started);
     Shutdown(process_, platform_, &link_, steps_, false);
-    EXPECT_EQ(order, (std::vector<std::string>{"batch", "btc", "serial", "receive", "drawing"}));
+    EXPECT_EQ(order, (std::vector<std::string>{"serial", "receive", "drawing"}));
 }
 
 TEST_F(StartupTest, ServiceExitWithAMissingProgramStartsNothing) {
