@@ -119,8 +119,9 @@ TEST(RestartRunProof, HitsBeforeAndAfterEveryRestartAreTheProgramsHitsOnce) {
                 }
                 std::vector<Hit> made;
                 AddHits(*plan, static_cast<std::size_t>(point.Record.TargetState.Hits), made);
-                const RunPlan restart = RestartProgramPlan(lines);
-                AddHits(restart, restart.size(), made);
+                const std::optional<RunPlan> restart = RestartProgramPlan(lines);
+                ASSERT_TRUE(restart.has_value()) << name << " record " << record;
+                AddHits(*restart, restart->size(), made);
                 const RunPlan after = PlanFromLabel(*plan, label);
                 AddHits(after, after.size(), made);
                 std::sort(made.begin(), made.end());
