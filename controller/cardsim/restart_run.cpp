@@ -103,9 +103,11 @@ bool RestartReader::Line(const std::string& raw) {
         Arc(line);
     } else {
         const bool origin = Has(line, "G93") || Has(line, "G92") || Has(line, "G56") || Has(line, "G53");
+        // A dwell's X is its time; G72 and G52 lines place nothing either.
+        const bool still = Has(line, "G04") || Has(line, "G72") || Has(line, "G52");
         if (origin)
             Origin(line);
-        else
+        else if (!still)
             Place(line);
         const bool moves = Has(line, "G80") || Has(line, "G77") || Has(line, "G101") || Has(line, "G102") ||
                            Has(line, "G103") || (m_.Profiling && Has(line, "G81"));

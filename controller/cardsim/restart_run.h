@@ -12,9 +12,10 @@
 //   circle of centre P7, P8 and radius R from the angle P3 by steps of P2.
 // So the copied lines of a subroutine body run from the origin that the tail's "G93" of each
 // repetition gives. The repositions, C and T words, counters, P and Q assignments and status
-// words change no place and no hit. A line the simulator can't run as the card would (a call of
-// a subroutine, a jump or condition, nibbling, a cycle in any form but the restart's own) makes
-// the program one the simulated card does not run.
+// words change no place and no hit, nor do a dwell "G04 X" and the "G72" and "G52" lines. A line
+// the simulator can't run as the card would (a call of a subroutine, a jump or condition,
+// nibbling, a cycle in any form but the restart's own) makes the program one the simulated card
+// does not run.
 #pragma once
 
 #include <optional>

@@ -74,6 +74,7 @@ TEST(RestartRun, CopiedSubroutineLinesArePlacedFromTheTailsOrigin) {
                                                            "G81 X1 Y1",
                                                            "G91",
                                                            "G81 X1",
+                                                           "G04 X2",
                                                            "M75",
                                                            "G93 X0 Y0",
                                                            "G56 X5 Y0",
