@@ -321,25 +321,19 @@ std::optional<SlotTexts> ReadSlotTexts(const std::string& stem) {
     return SlotTexts{std::move(*m1), m2 ? std::move(*m2) : std::vector<std::string>{}};
 }
 
-// The places the G68/G69 repetitions after the entity's start at: the Gather walk in memory to
-// the RETURN of each repetition from the entity's on. Stops at the first not reached.
+// The places the G68/G69 repetitions after the entity's start at: where each repetition from
+// the entity's on reads its RETURN, in one Gather walk in memory.
 std::vector<PointF> RepetitionStarts(const SlotTexts& texts, const EntityRec& entity, const ReverseSettings& settings) {
-    std::vector<PointF> starts;
     const std::size_t label = SubroutineStart(texts.M2, entity.CallSpec.Label);
     std::size_t end = label;
     while (end < texts.M2.size() && FindNoCase(BeforeComment(texts.M2[end]), "RETURN") == std::string::npos) ++end;
-    if (end >= texts.M2.size() || end >= static_cast<std::size_t>(INT16_MAX)) return starts;
+    if (end >= texts.M2.size() || end >= static_cast<std::size_t>(INT16_MAX) || entity.CallState.CountY <= 1) return {};
     GatherTarget target;
     target.TargetMain = entity.MainBlock;
     target.TargetSub = static_cast<std::int16_t>(end + 1);
     target.CallState = entity.CallState;
-    for (int left = entity.CallState.CountY; left > 1; --left) {
-        const GatherResult result = GatherTexts(texts.M1, texts.M2, target, settings);
-        if (!result.State.Gathered) break;
-        starts.push_back(PointF{result.State.X, result.State.Y});
-        ++target.CallState.CountX;
-    }
-    return starts;
+    return GatherRepetitionEnds(texts.M1, texts.M2, target, static_cast<std::size_t>(entity.CallState.CountY - 1),
+                                settings);
 }
 
 }  // namespace

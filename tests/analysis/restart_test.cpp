@@ -220,6 +220,25 @@ TEST(Restart, G68RepetitionsStillOpenStartWhereTheOneBeforeEnds) {
     EXPECT_TRUE(point.RepetitionStarts.empty());
 }
 
+TEST(Restart, RepetitionEndsOfAG68CallInOneWalk) {
+    const std::vector<std::string> m1 = {"N0001 G90 T1", "N0002 G80 X100 Y100", "N0003 G68 Q3 S1",
+                                         "N0004 G81 X500 Y500"};
+    const std::vector<std::string> m2 = {"N1000 G81 X10 Y0", "N1001 G81 X20 Y0", "RETURN"};
+    GatherTarget target;
+    target.TargetMain = 3;
+    target.TargetSub = 3;  // the RETURN
+    target.CallState.CallCode = 68;
+    target.CallState.Label = 1;
+    target.CallState.CountX = 2;
+    // From the second repetition on, asked for more than there are: the second and the third.
+    const std::vector<PointF> ends = GatherRepetitionEnds(m1, m2, target, 5, ReverseTestSettings());
+    ASSERT_EQ(ends.size(), 2u);
+    EXPECT_FLOAT_EQ(ends[0].X, 140);
+    EXPECT_FLOAT_EQ(ends[1].X, 160);
+    EXPECT_FLOAT_EQ(ends[1].Y, 100);
+    EXPECT_TRUE(GatherRepetitionEnds(m1, m2, target, 0, ReverseTestSettings()).empty());
+}
+
 TEST(Restart, NoRepositionNoQuestion) {
     Slot slot(LinearProgram);
     RestartPoint point;
