@@ -94,8 +94,20 @@ public:
         : LanguageWalk(m1, m2, report, toolChanges, settings), target_(target) {}
 
     GatherState Run(std::vector<std::string>& repositions);
+    // Notes the place at the target line and at the same line of each following repetition of
+    // the target's call, up to `wanted` places, walking on between them.
+    void NoteEnds(std::vector<PointF>& ends, std::size_t wanted) {
+        ends_ = &ends;
+        wanted_ = wanted;
+    }
 
 private:
+    void Reached() override {
+        if (!ends_) return;
+        ends_->push_back(PointF{S.PosX, S.PosY});
+        ++target_.CallState.CountX;
+    }
+    bool GoesOn() override { return ends_ && ends_->size() < wanted_; }
     void Keep() override {}
     std::size_t StopWithin(std::size_t lines) override;
     bool TakeTool() override;
@@ -107,8 +119,10 @@ private:
     bool ChecksTools() const override { return false; }
     void GatherFinish(GatherState& state);
 
-    const GatherTarget& target_;
+    GatherTarget target_;
     std::int16_t hits_ = 0;
+    std::vector<PointF>* ends_ = nullptr;
+    std::size_t wanted_ = 0;
     std::vector<std::string> repositions_;
 };
 
@@ -204,6 +218,20 @@ GatherResult GatherTexts(const std::vector<std::string>& m1, const std::vector<s
     GatherRun run(m1, m2, target, result.Report, toolChanges, settings);
     result.State = run.Run(result.Repositions);
     return result;
+}
+
+std::vector<PointF> GatherRepetitionEnds(const std::vector<std::string>& m1, const std::vector<std::string>& m2,
+                                         const GatherTarget& target, std::size_t count,
+                                         const ReverseSettings& settings) {
+    std::vector<PointF> ends;
+    if (count == 0) return ends;
+    std::string report;
+    std::vector<std::string> repositions;
+    std::int16_t toolChanges = 0;
+    GatherRun run(m1, m2, target, report, toolChanges, settings);
+    run.NoteEnds(ends, count);
+    run.Run(repositions);
+    return ends;
 }
 
 GatherResult GatherPass(const std::string& directory, const std::string& program, const std::string& stem,

@@ -69,6 +69,13 @@ struct GatherResult {
 GatherResult GatherTexts(const std::vector<std::string>& m1, const std::vector<std::string>& m2,
                          const GatherTarget& target, const ReverseSettings& settings);
 
+// The places where the repetitions of a G68/G69 call read the line `target` names (its RETURN),
+// from the target's repetition on: up to `count` of them, in one walk; fewer when the walk ends
+// first.
+std::vector<PointF> GatherRepetitionEnds(const std::vector<std::string>& m1, const std::vector<std::string>& m2,
+                                         const GatherTarget& target, std::size_t count,
+                                         const ReverseSettings& settings);
+
 // The entry: reads stem + "M1" and stem + "M2", writes "Gather.txt" in settings.ServiceDir
 // (program and directory in its head) and "Gather.rep" in `controllerDir`, and fills `state`.
 [[nodiscard]] GatherResult GatherPass(const std::string& directory, const std::string& program, const std::string& stem,

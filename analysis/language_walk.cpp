@@ -80,7 +80,7 @@ void LanguageWalk::Walk() {
         if (stop) {
             reached_ = true;
             Reached();
-            return;
+            if (!GoesOn()) return;
         }
         BlockStarts();
         HandleBlock();

@@ -71,6 +71,8 @@ protected:
     virtual std::size_t StopWithin(std::size_t /*lines*/) { return 0; }
     // The walk reached the line `StopWithin` asked for; the line is in `line_` and `block_`.
     virtual void Reached() {}
+    // After `Reached`: whether the walk goes on, handling that line, rather than stopping there.
+    virtual bool GoesOn() { return false; }
     // A block is about to be handled, the modal state as the block before left it.
     virtual void BlockStarts() {}
     // The tool of the station in force on the entity; false, with a critical error, when the

@@ -32,6 +32,16 @@ std::string RowLine(std::int32_t hits, double angle, double pitch, double x, dou
            " P2=-999 P3=-999 P4=-999 P6=-999 P8=-999 P9=1 P10=0 P11=0 G26 X" + Num(x) + " Y" + Num(y);
 }
 
+// The line (from 0) of a subroutine's label, N label x 1000; the file's size when it has none.
+std::size_t SubroutineStart(const std::vector<std::string>& m2, std::int16_t label) {
+    ValueReader reader;
+    for (std::size_t i = 0; i < m2.size(); ++i) {
+        std::int16_t n = reader.WordInteger(BeforeComment(m2[i]), 'N');
+        if (!reader.WordMissing && n == static_cast<int>(label) * 1000) return i;
+    }
+    return m2.size();
+}
+
 }  // namespace
 
 RestartKind RestartKindOf(const EntityRec& entity) {
@@ -133,7 +143,8 @@ std::vector<std::string> WriteProfileRest(const EntityRec& entity, float x, floa
 }
 
 std::vector<std::string> WriteSubroutineTail(const EntityRec& entity, const GatherState& blockState,
-                                             const std::vector<std::string>& m2) {
+                                             const std::vector<std::string>& m2,
+                                             const std::vector<PointF>& repetitionStarts) {
     std::vector<std::string> lines;
     const SubCall& asked = entity.CallSpec;
     SubCall state = entity.CallState;
@@ -150,25 +161,22 @@ std::vector<std::string> WriteSubroutineTail(const EntityRec& entity, const Gath
             if (!line.empty()) lines.push_back(line);
         }
     };
-    // The line of the label that starts the subroutine.
-    std::size_t labelLine = m2.size();
-    ValueReader reader;
-    for (std::size_t i = 0; i < m2.size(); ++i) {
-        std::int16_t n = reader.WordInteger(BeforeComment(m2[i]), 'N');
-        if (!reader.WordMissing && n == static_cast<int>(asked.Label) * 1000) {
-            labelLine = i;
-            break;
-        }
-    }
+    const std::size_t labelLine = SubroutineStart(m2, asked.Label);
     // 2, 3. The repetition under way, from the block after the entity's.
     modes(state.X, state.Y);
     body(static_cast<std::size_t>(std::max<int>(entity.SubBlock, 0)));
     // 4. The repetitions still open, as the end of each repetition steps them.
     for (int guard = 0; guard < 32767; ++guard) {
         if (asked.CallCode != 98) {
+            // G68, G69: the next repetition from where the one before it ends.
             state.CountY = static_cast<std::int16_t>(state.CountY - 1);
             if (state.CountY <= 0) break;
             ++state.CountX;
+            const auto open = static_cast<std::size_t>(state.CountX - entity.CallState.CountX - 1);
+            if (open < repetitionStarts.size()) {
+                modes(repetitionStarts[open].X, repetitionStarts[open].Y);
+                lines.back() += " P10=" + std::to_string(state.CountX) + " P11=" + std::to_string(state.CountY);
+            }
             body(labelLine);
             continue;
         }
@@ -238,7 +246,8 @@ std::vector<std::string> RestartProgramLines(const RestartProgramInput& input) {
     lines.insert(lines.end(), rest.begin(), rest.end());
     // 11. The rest of the subroutine call.
     if (static_cast<std::int16_t>(point.Kind) > 10) {
-        std::vector<std::string> tail = WriteSubroutineTail(point.RestartEntity, block, input.M2);
+        std::vector<std::string> tail =
+            WriteSubroutineTail(point.RestartEntity, block, input.M2, point.RepetitionStarts);
         lines.insert(lines.end(), tail.begin(), tail.end());
     }
     // 12-16. The offsets, mirror, coordinates and measurement of the block, the counters.
@@ -312,6 +321,21 @@ std::optional<SlotTexts> ReadSlotTexts(const std::string& stem) {
     return SlotTexts{std::move(*m1), m2 ? std::move(*m2) : std::vector<std::string>{}};
 }
 
+// The places the G68/G69 repetitions after the entity's start at: where each repetition from
+// the entity's on reads its RETURN, in one Gather walk in memory.
+std::vector<PointF> RepetitionStarts(const SlotTexts& texts, const EntityRec& entity, const ReverseSettings& settings) {
+    const std::size_t label = SubroutineStart(texts.M2, entity.CallSpec.Label);
+    std::size_t end = label;
+    while (end < texts.M2.size() && FindNoCase(BeforeComment(texts.M2[end]), "RETURN") == std::string::npos) ++end;
+    if (end >= texts.M2.size() || end >= static_cast<std::size_t>(INT16_MAX) || entity.CallState.CountY <= 1) return {};
+    GatherTarget target;
+    target.TargetMain = entity.MainBlock;
+    target.TargetSub = static_cast<std::int16_t>(end + 1);
+    target.CallState = entity.CallState;
+    return GatherRepetitionEnds(texts.M1, texts.M2, target, static_cast<std::size_t>(entity.CallState.CountY - 1),
+                                settings);
+}
+
 }  // namespace
 
 std::string FindRestartPoint(const std::string& stem, const std::string& program, const std::string& directory,
@@ -335,6 +359,10 @@ std::string FindRestartPoint(const std::string& stem, const std::string& program
     found.RestartHit = static_cast<std::int16_t>(cycle ? hit : 1);
     auto texts = ReadSlotTexts(stem);
     if (!texts) return "Can Not Read The Program " + stem + "M1";
+    // Inside a G68/G69 call: where each repetition still open starts, the place where the one
+    // before it reads its RETURN.
+    if (entity.SubBlock > 0 && entity.CallSpec.CallCode != 98)
+        found.RepetitionStarts = RepetitionStarts(*texts, entity, settings);
     // The block after the entity's, where the main program goes on after the restart; gathered
     // first, so that the reports left are those of the restart point.
     GatherState next;

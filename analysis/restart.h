@@ -45,6 +45,9 @@ struct RestartPoint {
     EntityRec RestartEntity;
     std::int16_t RestartHit = 1;  // from 1
     std::int32_t HitsBefore = 0;  // hits done by earlier entities
+    // For an entity inside a G68/G69 call: where each repetition still open starts (the place
+    // the one before it ends at), in their order.
+    std::vector<PointF> RepetitionStarts;
 };
 
 // The X, Y and C of hit n (from 1) of a Punch or pattern into `state`; false when the entity has
@@ -65,10 +68,12 @@ std::vector<std::string> WriteCycleRest(const EntityRec& entity, std::int16_t hi
 std::vector<std::string> WriteProfileRest(const EntityRec& entity, float x, float y, std::int16_t orientation);
 
 // The rest of the subroutine call of an entity that stands inside one: the repetition under
-// way from the block after the entity's, and the repetitions still open. `m2` is the
-// subroutine file's lines.
+// way from the block after the entity's, and the repetitions still open, each from its place:
+// a G98 copy from its step of the grid, a G68/G69 repetition from `repetitionStarts` (a
+// repetition beyond them is written without a place). `m2` is the subroutine file's lines.
 std::vector<std::string> WriteSubroutineTail(const EntityRec& entity, const GatherState& blockState,
-                                             const std::vector<std::string>& m2);
+                                             const std::vector<std::string>& m2,
+                                             const std::vector<PointF>& repetitionStarts);
 
 // Whether the operator is asked "Have You Reloaded The Sheet ?": when the target state has a
 // reposition behind it.

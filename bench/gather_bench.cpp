@@ -1,7 +1,8 @@
 // The Gather pass walking to the last block of a generated motion text of 32,000 main blocks
 // (punches, moves, grids, nibbling, G68 repeats), reported in blocks per second; and a restart
 // point at the last hit of that program found and its restart program written, from the
-// slot's files on disk.
+// slot's files on disk; and the same at the first punch of the last G68 call's first repetition,
+// where the restart also finds where the repetition still open starts.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -10,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "analysis/drawing_file.h"
 #include "analysis/gather.h"
 #include "analysis/restart.h"
 #include "analysis/reverse.h"
@@ -103,6 +105,36 @@ void RestartAtTheLastHit(benchmark::State& state) {
     }
 }
 BENCHMARK(RestartAtTheLastHit)->Unit(benchmark::kMillisecond);
+
+void RestartInsideTheLastRepeatCall(benchmark::State& state) {
+    const std::string dir = Directory();
+    const std::string stem = dir + "Slot.";
+    WriteMotion(stem);
+    const ReverseSettings settings = Settings(dir);
+    std::int16_t toolChanges = 0;
+    const ReverseResult reversed = ReversePass(stem, "BENCH", "BENCH", toolChanges, settings);
+    // The last record of a first repetition: the second punch of the last G68 call's first one.
+    DrawingFile drawing;
+    EntityRec rec;
+    std::int32_t record = 0;
+    if (drawing.Open(stem + "drw", true))
+        for (std::int32_t n = reversed.Records; n >= 2 && record == 0; --n)
+            if (drawing.Get(n, rec) && rec.SubBlock > 0 && rec.CallState.CountX == 1) record = n;
+    drawing.Close();
+    if (record == 0) state.SkipWithError("no repeat call");
+    for (auto _ : state) {
+        RestartPoint point;
+        std::string refusal = FindRestartPoint(stem, "BENCH", "BENCH", record, 1, settings, dir, point);
+        if (!refusal.empty()) state.SkipWithError(refusal.c_str());
+        if (point.RepetitionStarts.size() != 1) state.SkipWithError("the open repetition's start not found");
+        RestartProgramInput input;
+        input.Point = &point;
+        input.Repositions = ReadLines(dir + "Gather.rep").value_or(std::vector<std::string>{});
+        input.M2 = ReadLines(stem + "M2").value_or(std::vector<std::string>{});
+        benchmark::DoNotOptimize(RestartProgramLines(input).size());
+    }
+}
+BENCHMARK(RestartInsideTheLastRepeatCall)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

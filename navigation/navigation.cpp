@@ -211,6 +211,10 @@ std::vector<std::string> PathButtonCaptions(std::int16_t viewMode) {
 
 std::string PathExitCaption(std::int16_t viewMode) { return viewMode == 0 ? std::string() : "&CANCEL"; }
 
+std::string PathHeading(std::int16_t viewMode) {
+    return viewMode >= 5 && viewMode <= 8 ? "VISUAL RESTART" : std::string();
+}
+
 std::string CursorPrompt(std::int16_t viewMode) {
     switch (viewMode) {
         case 1:

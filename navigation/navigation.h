@@ -72,6 +72,8 @@ std::vector<std::string> MainButtonCaptions(const MachineData& machine);
 // of the panel's exit button.
 std::vector<std::string> PathButtonCaptions(std::int16_t viewMode);
 std::string PathExitCaption(std::int16_t viewMode);
+// The heading over the path keys: "VISUAL RESTART" while they pick a restart hit, else "".
+std::string PathHeading(std::int16_t viewMode);
 // What TextPanel says in the present view mode.
 std::string CursorPrompt(std::int16_t viewMode);
 

@@ -113,6 +113,11 @@ QWidget* FrontEnd::BuildButtonColumn() {
 
     pathPanel_ = Column(column_, layout);
     pathPanel_->setObjectName("PathButtonPanel");
+    pathHeading_ = new QLabel(pathPanel_);
+    pathHeading_->setObjectName("PathHeading");
+    pathHeading_->setAlignment(Qt::AlignCenter);
+    pathHeading_->setMinimumHeight(48);
+    layout->addWidget(pathHeading_);
     for (int i = 0; i < 6; ++i) {
         pathButtons_[i] = MakeButton("", pathPanel_);
         pathButtons_[i]->setObjectName(QString("PathButton%1").arg(i + 1));
@@ -207,6 +212,7 @@ void FrontEnd::ApplyColours() {
     const ColourTable& c = panel_.Colours();
     setStyleSheet(QString("QWidget#FrontEnd { background: %1; }").arg(ToQColor(c[ColourItem::PanelBackground]).name()));
     header_->setStyleSheet(PanelStyle(c[ColourItem::HeaderBackground], c[ColourItem::HeaderText], 20, true));
+    pathHeading_->setStyleSheet(PanelStyle(c[ColourItem::HeaderBackground], c[ColourItem::HeaderText], 18, true));
     text_->setStyleSheet(PanelStyle(c[ColourItem::TextBackground], c[ColourItem::Text], 18, true));
     for (int i = 0; i < plotBoxes_->count(); ++i)
         plotBoxes_->widget(i)->setStyleSheet(
@@ -256,6 +262,9 @@ void FrontEnd::ShowNavigation() {
         pathButtons_[i]->setVisible(!path[i].empty());
     }
     pathExit_->setText(Q(PathExitCaption(nav.ViewMode)));
+    const std::string heading = kirvana::PathHeading(nav.ViewMode);
+    pathHeading_->setText(Q(heading));
+    pathHeading_->setVisible(!heading.empty());
     if (nav.GraphicsOn && nav.ViewMode != 0) SetText(CursorPrompt(nav.ViewMode));
     plotBoxes_->setCurrentIndex(nav.DialogueOn ? 0 : process.Config.ActiveSlot);
     // The header: the machine and the program of the active slot.

@@ -38,6 +38,7 @@ public:
     QPushButton* GraphicsButton(int index) { return graphicsButtons_[index - 1]; }
     QPushButton* GraphicsExitButton() { return graphicsExit_; }
     QPushButton* PathButton(int index) { return pathButtons_[index - 1]; }
+    QLabel* PathHeading() { return pathHeading_; }
     QPushButton* PathExitButton() { return pathExit_; }
     QPushButton* ExitDialogueButton() { return exitDialogue_; }
     QLabel* PositionText(int index) { return positionTexts_[index - 1]; }
@@ -74,6 +75,7 @@ private:
 
     Panel& panel_;
     QLabel* header_ = nullptr;
+    QLabel* pathHeading_ = nullptr;  // over the path keys
     QLabel* text_ = nullptr;
     QStackedWidget* plotBoxes_ = nullptr;
     std::array<PlotBox*, 3> plots_{};

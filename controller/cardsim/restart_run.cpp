@@ -12,6 +12,8 @@ namespace kirvana {
 namespace {
 
 constexpr double DegreesToRadians = 3.14159265 / 180.0;
+constexpr double Inch = 25.4;
+constexpr double Unset = -999;
 
 // The number behind `word` ("P1=", "X", "R") at the start of a token of the line; nothing when
 // no token starts with it.
@@ -33,42 +35,157 @@ bool Has(const std::string& line, const std::string& code) {
     return std::string(" " + line + " ").find(" " + code + " ") != std::string::npos;
 }
 
-RunStep Place(double x, double y, int hits) {
-    RunStep step;
-    step.Program = 5;
-    step.X = x;
-    step.Y = y;
-    step.Hits = hits;
-    return step;
+bool IsSet(const std::optional<double>& value) { return value && *value != Unset; }
+
+// The card's modal state that places a point.
+struct Modal {
+    double OriginX = 0, OriginY = 0;
+    double X = 0, Y = 0;
+    bool MirrorX = false, MirrorY = false;
+    bool Incremental = false, Imperial = false, Profiling = false;
+};
+
+class RestartReader {
+public:
+    // One line; false when it holds a code the simulator doesn't run.
+    bool Line(const std::string& raw);
+    RunPlan Plan;
+
+private:
+    std::optional<double> Length(const std::string& line, const std::string& word) const {
+        auto value = Word(line, word);
+        if (value && m_.Imperial) *value *= Inch;
+        return value;
+    }
+    void Place(const std::string& line);
+    void Origin(const std::string& line);
+    void Step(double x, double y, int hits) {
+        RunStep step;
+        step.Program = 5;
+        step.X = x;
+        step.Y = y;
+        step.Hits = hits;
+        Plan.push_back(step);
+    }
+    void Row(const std::string& line);
+    void Arc(const std::string& line);
+    Modal m_;
+};
+
+// A row as the restart writes it: its pitch in P7, no pitch in P2, no I or J.
+bool RestartRow(const std::string& line) {
+    return IsSet(Word(line, "P7=")) && !IsSet(Word(line, "P2=")) && !Word(line, "I") && !Word(line, "J");
+}
+
+// An arc as the restart writes it: its centre in P7 and P8, its radius in R.
+bool RestartArc(const std::string& line) {
+    return IsSet(Word(line, "P7=")) && IsSet(Word(line, "P8=")) && Word(line, "R") && !Word(line, "I") &&
+           !Word(line, "J");
+}
+
+bool RestartReader::Line(const std::string& raw) {
+    const std::string line = UpperCase(BeforeComment(raw));
+    if (line.empty()) return true;
+    // Codes the card would run but the simulator can't follow.
+    for (const char* code : {"G01", "G02", "G03", "G36", "G37", "G64", "G65", "G66", "G68", "G69", "G98"})
+        if (Has(line, code)) return false;
+    if (line.find("GOTO") != std::string::npos || line.find("IF") != std::string::npos) return false;
+    const bool row = Has(line, "G26"), arc = Has(line, "G28");
+    if ((row && !RestartRow(line)) || (arc && !RestartArc(line))) return false;
+    // The modes, in the order a block's codes act.
+    if (Has(line, "G90")) m_.Incremental = false;
+    if (Has(line, "G91")) m_.Incremental = true;
+    if (Has(line, "G70")) m_.Imperial = true;
+    if (Has(line, "G71")) m_.Imperial = false;
+    if (row) {
+        Row(line);
+    } else if (arc) {
+        Arc(line);
+    } else {
+        const bool origin = Has(line, "G93") || Has(line, "G92") || Has(line, "G56") || Has(line, "G53");
+        // A dwell's X is its time; G72 and G52 lines place nothing either.
+        const bool still = Has(line, "G04") || Has(line, "G72") || Has(line, "G52");
+        if (origin)
+            Origin(line);
+        else if (!still)
+            Place(line);
+        const bool moves = Has(line, "G80") || Has(line, "G77") || Has(line, "G101") || Has(line, "G102") ||
+                           Has(line, "G103") || (m_.Profiling && Has(line, "G81"));
+        const bool hits = !m_.Profiling && (Has(line, "G81") || Has(line, "M75"));
+        if (!origin && hits)
+            Step(m_.X, m_.Y, 1);
+        else if (!origin && moves && (Word(line, "X") || Word(line, "Y")))
+            Step(m_.X, m_.Y, 0);
+    }
+    const bool m100 = Has(line, "M100"), m101 = Has(line, "M101");
+    if (m100) m_.Profiling = true;
+    if (m101) m_.Profiling = false;
+    if (m100 || m101) return true;  // a profiling code hides the mirrors of its line
+    if (Has(line, "M10")) m_.MirrorX = m_.MirrorY = false;
+    if (Has(line, "M11")) m_.MirrorX = true;
+    if (Has(line, "M12")) m_.MirrorY = true;
+    if (Has(line, "M13")) m_.MirrorX = m_.MirrorY = true;
+    return true;
+}
+
+// X and Y from the origin (minus under the axis' mirror), or added under G91.
+void RestartReader::Place(const std::string& line) {
+    const auto x = Length(line, "X"), y = Length(line, "Y");
+    if (m_.Incremental) {
+        if (x) m_.X += m_.MirrorX ? -*x : *x;
+        if (y) m_.Y += m_.MirrorY ? -*y : *y;
+        return;
+    }
+    if (x) m_.X = m_.MirrorX ? m_.OriginX - *x : m_.OriginX + *x;
+    if (y) m_.Y = m_.MirrorY ? m_.OriginY - *y : m_.OriginY + *y;
+}
+
+void RestartReader::Origin(const std::string& line) {
+    const auto x = Length(line, "X"), y = Length(line, "Y");
+    if (Has(line, "G56")) {
+        m_.OriginX += (m_.MirrorX ? -1 : 1) * x.value_or(0);
+        m_.OriginY += (m_.MirrorY ? -1 : 1) * y.value_or(0);
+    }
+    if (Has(line, "G53")) m_.OriginX = m_.OriginY = 0;
+    if (Has(line, "G92")) {
+        if (x) m_.OriginX = m_.MirrorX ? m_.X + *x : m_.X - *x;
+        if (y) m_.OriginY = m_.MirrorY ? m_.Y + *y : m_.Y - *y;
+    }
+    if (Has(line, "G93")) {
+        if (x) m_.OriginX = *x;
+        if (y) m_.OriginY = *y;
+    }
+}
+
+void RestartReader::Row(const std::string& line) {
+    const auto x = Word(line, "X"), y = Word(line, "Y");
+    if (!x || !y) return;
+    const int count = static_cast<int>(Word(line, "P1=").value_or(0));
+    const double angle = Word(line, "P5=").value_or(0) * DegreesToRadians;
+    const double pitch = Word(line, "P7=").value_or(0);
+    for (int k = 0; k < count; ++k) Step(*x + k * pitch * std::cos(angle), *y + k * pitch * std::sin(angle), 1);
+    m_.X = *x;
+    m_.Y = *y;
+}
+
+void RestartReader::Arc(const std::string& line) {
+    const double cx = Word(line, "P7=").value_or(0), cy = Word(line, "P8=").value_or(0);
+    const double first = Word(line, "P3=").value_or(0), step = Word(line, "P2=").value_or(0);
+    const double radius = Word(line, "R").value_or(0);
+    const int count = static_cast<int>(Word(line, "P1=").value_or(0));
+    for (int k = 0; k < count; ++k) {
+        const double a = (first + k * step) * DegreesToRadians;
+        Step(cx + radius * std::cos(a), cy + radius * std::sin(a), 1);
+    }
 }
 
 }  // namespace
 
-RunPlan RestartProgramPlan(const std::vector<std::string>& lines) {
-    RunPlan plan;
-    for (const std::string& raw : lines) {
-        const std::string line = UpperCase(Trim(raw));
-        const auto x = Word(line, "X"), y = Word(line, "Y");
-        if (Has(line, "G26") && x && y) {
-            const int count = static_cast<int>(Word(line, "P1=").value_or(0));
-            const double angle = Word(line, "P5=").value_or(0) * DegreesToRadians;
-            const double pitch = Word(line, "P7=").value_or(0);
-            for (int k = 0; k < count; ++k)
-                plan.push_back(Place(*x + k * pitch * std::cos(angle), *y + k * pitch * std::sin(angle), 1));
-        } else if (Has(line, "G28")) {
-            const double cx = Word(line, "P7=").value_or(0), cy = Word(line, "P8=").value_or(0);
-            const double first = Word(line, "P3=").value_or(0), step = Word(line, "P2=").value_or(0);
-            const double radius = Word(line, "R").value_or(0);
-            const int count = static_cast<int>(Word(line, "P1=").value_or(0));
-            for (int k = 0; k < count; ++k) {
-                const double a = (first + k * step) * DegreesToRadians;
-                plan.push_back(Place(cx + radius * std::cos(a), cy + radius * std::sin(a), 1));
-            }
-        } else if ((Has(line, "G80") || Has(line, "G101") || Has(line, "G102") || Has(line, "G103")) && x && y) {
-            plan.push_back(Place(*x, *y, 0));
-        }
-    }
-    return plan;
+std::optional<RunPlan> RestartProgramPlan(const std::vector<std::string>& lines) {
+    RestartReader reader;
+    for (const std::string& line : lines)
+        if (!reader.Line(line)) return std::nullopt;
+    return std::move(reader.Plan);
 }
 
 RunPlan PlanFromLabel(const RunPlan& plan, int label) {

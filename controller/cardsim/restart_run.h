@@ -1,12 +1,24 @@
-// The simulated card's run of the restart program (program 5), which our own restart writes: the
-// subset of its text that moves the machine and punches, as steps of a plan. What it reads:
-// "G80 X Y" (a move to the restart position), a row of hits "P1= P5= P7= ... G26 X Y" (P1 hits
-// from X, Y, P7 apart in the direction P5 degrees), an arc of hits "P7= P8= P3= P2= P1= ... G28 R"
-// (P1 hits on the circle of centre P7, P8 and radius R from the angle P3 by steps of P2), and
-// the cuts "G101 X Y", "G102"/"G103 X Y" (a move to the end point). Every other line (the
-// repositions, offsets, mirror, modes, counters and status words) changes no place and no hit.
+// The simulated card's run of the restart program (program 5), which our own restart writes, as
+// steps of a plan. The lines are read in order with the card's modal state that places a point:
+// the origin (G93 X Y gives it, G53 clears it, G56 X Y shifts it, G92 X Y sets it so that the
+// position reads X, Y), the mirrors M10-M13, G90/G91 and G70/G71 (inches times 25.4). A line's
+// X and Y place the machine as the slot's programs are placed: from the origin under G90, minus
+// the word under the mirror of its axis; added to the position under G91. What makes a step:
+// - "G81" or "M75": a hit at the point reached (under M100 a G81 only moves);
+// - "G80", "G77": a move to the point; "G101", "G102", "G103": a cut to the point (X, Y the end);
+// - a row of hits as the restart writes it, "P1= P5= P7= ... G26 X Y": P1 hits from X, Y (in
+//   machine millimetres), P7 apart in the direction P5 degrees;
+// - an arc of hits as the restart writes it, "P7= P8= P3= P2= P1= ... G28 R": P1 hits on the
+//   circle of centre P7, P8 and radius R from the angle P3 by steps of P2.
+// So the copied lines of a subroutine body run from the origin that the tail's "G93" of each
+// repetition gives. The repositions, C and T words, counters, P and Q assignments and status
+// words change no place and no hit, nor do a dwell "G04 X" and the "G72" and "G52" lines. A line
+// the simulator can't run as the card would (a call of a subroutine, a jump or condition,
+// nibbling, a cycle in any form but the restart's own) makes the program one the simulated card
+// does not run.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,8 +26,9 @@
 
 namespace kirvana {
 
-// The plan of the restart program's lines.
-RunPlan RestartProgramPlan(const std::vector<std::string>& lines);
+// The plan of the restart program's lines; nothing when a line holds a code the simulator
+// doesn't run.
+std::optional<RunPlan> RestartProgramPlan(const std::vector<std::string>& lines);
 
 // The steps of a slot's plan from the first one whose main program line label is `label` or
 // beyond (the blocks are labelled in rising order; a line without a step goes on at the next

@@ -181,6 +181,64 @@ TEST(Restart, PatternInsideAG98GetsTheRestOfTheCycleAndTheTail) {
     EXPECT_EQ(RestartRunCommand(1, point.Record.TargetState, point.Record.BlockState), "B1.00003R");
 }
 
+TEST(Restart, G68RepetitionsStillOpenStartWhereTheOneBeforeEnds) {
+    Slot slot("N0001 G90 T1\nN0002 G80 X100 Y100\nN0003 G68 Q3 S1\nN0004 G81 X500 Y500\n",
+              "N1000 G81 X10 Y0\nN1001 G81 X20 Y0\nRETURN\n");
+    // The first punch of the first repetition, at X 110.
+    std::int32_t record = 0;
+    for (std::int32_t n = 2; n <= 9 && record == 0; ++n)
+        if (slot.Record(n).Kind == EntityKind::Punch && slot.Record(n).Points.Position.X == 110) record = n;
+    ASSERT_GT(record, 0);
+    RestartPoint point;
+    ASSERT_EQ(slot.Find(record, 1, point), "");
+    EXPECT_EQ(point.Kind, RestartKind::SubPoint);
+    // Each repetition starts where the one before it ends: the second at 120, the third at 140.
+    ASSERT_EQ(point.RepetitionStarts.size(), 2u);
+    EXPECT_FLOAT_EQ(point.RepetitionStarts[0].X, 120);
+    EXPECT_FLOAT_EQ(point.RepetitionStarts[1].X, 140);
+    const std::vector<std::string> program = slot.Program(point);
+    const std::vector<std::string> tail = {"G93 X100 Y100",
+                                           "M10",
+                                           "G90 G71",
+                                           "N1001 G81 X20 Y0",
+                                           "G93 X120 Y100",
+                                           "M10",
+                                           "G90 G71 P10=2 P11=2",
+                                           "N1000 G81 X10 Y0",
+                                           "N1001 G81 X20 Y0",
+                                           "G93 X140 Y100",
+                                           "M10",
+                                           "G90 G71 P10=3 P11=1",
+                                           "N1000 G81 X10 Y0",
+                                           "N1001 G81 X20 Y0"};
+    auto at = std::search(program.begin(), program.end(), tail.begin(), tail.end());
+    EXPECT_NE(at, program.end());
+    // The last repetition has none still open behind it.
+    const std::int32_t last = record + 5;
+    ASSERT_EQ(slot.Record(last).Points.Position.X, 160);
+    ASSERT_EQ(slot.Find(last, 1, point), "");
+    EXPECT_TRUE(point.RepetitionStarts.empty());
+}
+
+TEST(Restart, RepetitionEndsOfAG68CallInOneWalk) {
+    const std::vector<std::string> m1 = {"N0001 G90 T1", "N0002 G80 X100 Y100", "N0003 G68 Q3 S1",
+                                         "N0004 G81 X500 Y500"};
+    const std::vector<std::string> m2 = {"N1000 G81 X10 Y0", "N1001 G81 X20 Y0", "RETURN"};
+    GatherTarget target;
+    target.TargetMain = 3;
+    target.TargetSub = 3;  // the RETURN
+    target.CallState.CallCode = 68;
+    target.CallState.Label = 1;
+    target.CallState.CountX = 2;
+    // From the second repetition on, asked for more than there are: the second and the third.
+    const std::vector<PointF> ends = GatherRepetitionEnds(m1, m2, target, 5, ReverseTestSettings());
+    ASSERT_EQ(ends.size(), 2u);
+    EXPECT_FLOAT_EQ(ends[0].X, 140);
+    EXPECT_FLOAT_EQ(ends[1].X, 160);
+    EXPECT_FLOAT_EQ(ends[1].Y, 100);
+    EXPECT_TRUE(GatherRepetitionEnds(m1, m2, target, 0, ReverseTestSettings()).empty());
+}
+
 TEST(Restart, NoRepositionNoQuestion) {
     Slot slot(LinearProgram);
     RestartPoint point;

@@ -17,7 +17,7 @@ std::vector<std::pair<double, double>> Hits(const RunPlan& plan) {
 }
 
 TEST(RestartRun, RowsArcsMovesAndCutsOfTheRestartProgram) {
-    const RunPlan plan =
+    const std::optional<RunPlan> run =
         RestartProgramPlan({"CLOSE",
                             "OPEN PROG 5",
                             "CLEAR",
@@ -38,6 +38,8 @@ TEST(RestartRun, RowsArcsMovesAndCutsOfTheRestartProgram) {
                             "P1022=P1022|16384",
                             "P1022=P1022-32768",
                             "CLOSE"});
+    ASSERT_TRUE(run.has_value());
+    const RunPlan& plan = *run;
     ASSERT_EQ(plan.size(), 9u);
     EXPECT_EQ(plan.front().Hits, 0);
     EXPECT_DOUBLE_EQ(plan.front().X, 230);
@@ -52,6 +54,58 @@ TEST(RestartRun, RowsArcsMovesAndCutsOfTheRestartProgram) {
     EXPECT_EQ(plan.back().Hits, 0);
     EXPECT_DOUBLE_EQ(plan.back().Y, 20);
     for (const RunStep& step : plan) EXPECT_EQ(step.Program, 5);
+}
+
+TEST(RestartRun, CopiedSubroutineLinesArePlacedFromTheTailsOrigin) {
+    // Two repetitions of a body as the tail writes them, the second under mirror X, in inches
+    // and incremental at its end.
+    const std::optional<RunPlan> run = RestartProgramPlan({"G80 X100 Y100 C0 T3",
+                                                           "G93 X100 Y100",
+                                                           "M10",
+                                                           "G90 G71",
+                                                           "G81 X20 Y10",
+                                                           "G93 X300 Y100",
+                                                           "M11",
+                                                           "G90 G71 P10=2 P11=1",
+                                                           "N1000 ;(ID,PSUB,HOLES)",
+                                                           "G81 X10 Y10",
+                                                           "G81 C90 T7",
+                                                           "G70",
+                                                           "G81 X1 Y1",
+                                                           "G91",
+                                                           "G81 X1",
+                                                           "G04 X2",
+                                                           "M75",
+                                                           "G93 X0 Y0",
+                                                           "G56 X5 Y0",
+                                                           "M10",
+                                                           "G90 G71"});
+    ASSERT_TRUE(run.has_value());
+    const auto hits = Hits(*run);
+    ASSERT_EQ(hits.size(), 6u);
+    EXPECT_DOUBLE_EQ(hits[0].first, 120);  // from the first origin
+    EXPECT_DOUBLE_EQ(hits[0].second, 110);
+    EXPECT_DOUBLE_EQ(hits[1].first, 290);  // mirrored in X about the second origin
+    EXPECT_DOUBLE_EQ(hits[1].second, 110);
+    EXPECT_DOUBLE_EQ(hits[2].first, 290);          // a hit without a place word stays
+    EXPECT_NEAR(hits[3].first, 300 - 25.4, 1e-9);  // inches
+    EXPECT_NEAR(hits[3].second, 125.4, 1e-9);
+    EXPECT_NEAR(hits[4].first, 300 - 50.8, 1e-9);  // incremental, under the mirror
+    EXPECT_NEAR(hits[5].first, 300 - 50.8, 1e-9);  // M75 where it stands
+    // The offset lines after the tail make no step.
+    EXPECT_EQ(run->size(), 7u);
+}
+
+TEST(RestartRun, LinesTheSimulatorCannotFollowMakeNoPlan) {
+    EXPECT_FALSE(RestartProgramPlan({"G80 X0 Y0", "P10=1 G69 Q1 S1 ;(PSUB,HOLES)"}).has_value());
+    EXPECT_FALSE(RestartProgramPlan({"G80 X0 Y0", "G01 X10 Y0"}).has_value());
+    EXPECT_FALSE(RestartProgramPlan({"IF P5=1 GOTO 20"}).has_value());
+    // A cycle as the slot's program writes it, not as the restart does.
+    EXPECT_FALSE(RestartProgramPlan(
+                     {"P1=5 P3=3 P4=50 P2=-999 P5=-999 P7=-999 P8=-999 P9=-999 P10=0 P11=0 G26 X400 Y100 I200 J0"})
+                     .has_value());
+    EXPECT_FALSE(RestartProgramPlan({"G28 R20 P4=90"}).has_value());
+    EXPECT_TRUE(RestartProgramPlan({"G101 X10 Y20", "M11", "G101 X10 Y20"}).has_value());
 }
 
 TEST(RestartRun, RunCommandLabelsAndThePlanFromALabel) {
