@@ -87,13 +87,25 @@ void GatherToTheLastBlock(benchmark::State& state) {
 }
 BENCHMARK(GatherToTheLastBlock)->Unit(benchmark::kMillisecond);
 
+// The large program written and reversed, as a restart finds it in a slot.
+struct ReversedProgram {
+    std::string Dir = Directory();
+    std::string Stem = Dir + "Slot.";
+    ReverseSettings Config;
+    ReverseResult Reversed;
+    ReversedProgram() : Config(Settings(Dir)) {
+        WriteMotion(Stem);
+        std::int16_t toolChanges = 0;
+        Reversed = ReversePass(Stem, "BENCH", "BENCH", toolChanges, Config);
+    }
+};
+
 void RestartAtTheLastHit(benchmark::State& state) {
-    const std::string dir = Directory();
-    const std::string stem = dir + "Slot.";
-    WriteMotion(stem);
-    const ReverseSettings settings = Settings(dir);
-    std::int16_t toolChanges = 0;
-    const ReverseResult reversed = ReversePass(stem, "BENCH", "BENCH", toolChanges, settings);
+    const ReversedProgram program;
+    const std::string& dir = program.Dir;
+    const std::string& stem = program.Stem;
+    const ReverseSettings& settings = program.Config;
+    const ReverseResult& reversed = program.Reversed;
     for (auto _ : state) {
         RestartPoint point;
         std::string refusal = FindRestartPoint(stem, "BENCH", "BENCH", reversed.Records, 1, settings, dir, point);
@@ -107,12 +119,11 @@ void RestartAtTheLastHit(benchmark::State& state) {
 BENCHMARK(RestartAtTheLastHit)->Unit(benchmark::kMillisecond);
 
 void RestartInsideTheLastRepeatCall(benchmark::State& state) {
-    const std::string dir = Directory();
-    const std::string stem = dir + "Slot.";
-    WriteMotion(stem);
-    const ReverseSettings settings = Settings(dir);
-    std::int16_t toolChanges = 0;
-    const ReverseResult reversed = ReversePass(stem, "BENCH", "BENCH", toolChanges, settings);
+    const ReversedProgram program;
+    const std::string& dir = program.Dir;
+    const std::string& stem = program.Stem;
+    const ReverseSettings& settings = program.Config;
+    const ReverseResult& reversed = program.Reversed;
     // The last record of a first repetition: the second punch of the last G68 call's first one.
     DrawingFile drawing;
     EntityRec rec;

@@ -7,26 +7,18 @@
 #include <cmath>
 #include <filesystem>
 
-#include "controller/cardsim/card_simulator.h"
 #include "navigation/restart_screens.h"
 #include "screens/plot_box.h"
 #include "screens/restart_forms.h"
-#include "system/slot_run_plan.h"
-#include "tests/screens/program_forms_fixture.h"
+#include "tests/screens/simulated_card_fixture.h"
 
 using namespace kirvana;
 
-class RestartFormsTest : public ProgramFormsTest {
+class RestartFormsTest : public SimulatedCardFormsTest {
 protected:
     void SetUp() override {
-        ProgramFormsTest::SetUp();
-        Directories dirs;
-        dirs.RootDir = dir_.Path();
-        sim_.SetRunPlanSource(SlotRunPlanSource(dirs));
-        ASSERT_TRUE(sim_.Start(0));
-        CardAt(sim_.Port());
-        ASSERT_EQ(Start(), 0);
-        Select(1, "PLATE01");
+        SimulatedCardFormsTest::SetUp();
+        StartWith("PLATE01");
         sim_.ClearReceived();
     }
     // The block list as RES&TART of ProgramForm opens it; `act` runs on it.
@@ -45,7 +37,6 @@ protected:
     }
     std::vector<std::string> Received() { return sim_.Received(); }
 
-    CardSimulator sim_;
     RestartForm* form_ = nullptr;
 };
 

@@ -1,29 +1,20 @@
 // The heading over FrontEnd's path keys: "VISUAL RESTART" while the visual restart has the path
 // keys on the plot, and gone with them after CANCEL or on the zoom and pan keys.
-#include "controller/cardsim/card_simulator.h"
 #include "navigation/navigation.h"
 #include "screens/front_end.h"
 #include "screens/restart_forms.h"
-#include "system/slot_run_plan.h"
-#include "tests/screens/program_forms_fixture.h"
+#include "tests/screens/simulated_card_fixture.h"
 
 using namespace kirvana;
 
 namespace {
 
-class VisualRestartHeadingTest : public ProgramFormsTest {
+class VisualRestartHeadingTest : public SimulatedCardFormsTest {
 protected:
     void SetUp() override {
-        ProgramFormsTest::SetUp();
-        Directories dirs;
-        dirs.RootDir = dir_.Path();
-        sim_.SetRunPlanSource(SlotRunPlanSource(dirs));
-        ASSERT_TRUE(sim_.Start(0));
-        CardAt(sim_.Port());
-        ASSERT_EQ(Start(), 0);
-        Select(1, "GRID03");
+        SimulatedCardFormsTest::SetUp();
+        StartWith("GRID03");
     }
-    CardSimulator sim_;
 };
 
 TEST(PathHeading, VisualRestartOnThePathKeysOnly) {
