@@ -42,7 +42,8 @@ struct Painted {
 
 // The hits painted on a picture of `size` at `scale` pixels a millimetre. An RGB32 picture takes
 // stamps; an ARGB32 one is painted outline by outline, as Qt paints each hit.
-Painted Paint(QImage::Format format, QSize size, double scale, const std::vector<Hit>& hits, QRect clip = {}) {
+Painted Paint(QImage::Format format, QSize size, double scale, const std::vector<Hit>& hits, QRect clip = {},
+              bool smooth = true) {
     ColourTable colours = DefaultColours();
     // Done hits are filled in the background's own colour by default; here in yellow, to be seen.
     colours.Values[static_cast<std::size_t>(ColourItem::PunchModeRealTimePunching)] = Yellow;
@@ -50,6 +51,7 @@ Painted Paint(QImage::Format format, QSize size, double scale, const std::vector
     out.Image = QImage(size, format);
     out.Image.fill(PlotColour(colours[ColourItem::PlotBackground]));
     PlotCanvas canvas;
+    canvas.SetSmooth(smooth);
     canvas.SetDevice(&out.Image, size);
     canvas.SetClip(clip);
     canvas.SetView({0, 0}, {size.width() / scale, size.height() / scale});
@@ -163,6 +165,25 @@ TEST(HitStamps, AHitAtTheMiddleOfItsPlaceIsTheOutlineQtPaints) {
         EXPECT_EQ(painted.Made + painted.Placed, 0);
         ExpectSameOutlines(stamped.Image, painted.Image, 0.03, "C " + std::to_string(c));
     }
+}
+
+TEST(HitStamps, WithoutSmoothingAStampIsTheSharpOutline) {
+    const QSize size(800, 560);
+    const std::vector<Hit> hits = RowsOfEveryShape(1, 30, false);
+    const Painted stamped = Paint(QImage::Format_RGB32, size, 1, hits, {}, false);
+    const Painted painted = Paint(QImage::Format_ARGB32, size, 1, hits, {}, false);
+    EXPECT_GT(stamped.Placed, 0);
+    ExpectSameOutlines(stamped.Image, painted.Image, 0.03, "sharp");
+    // Sharp lines leave only the background and the outline's own colour.
+    const QRgb background = PlotColour(DefaultColours()[ColourItem::PlotBackground]).rgb();
+    const QRgb outline = PlotColour(DefaultColours()[ColourItem::BackgroundPunching]).rgb();
+    int others = 0;
+    for (int y = 0; y < size.height(); ++y)
+        for (int x = 0; x < size.width(); ++x) {
+            const QRgb p = stamped.Image.pixel(x, y);
+            others += p != background && p != outline;
+        }
+    EXPECT_EQ(others, 0);
 }
 
 TEST(HitStamps, AHitAnywhereIsItsOutlineMovedToTheMiddleOfItsPlace) {
