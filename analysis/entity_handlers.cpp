@@ -9,9 +9,9 @@
 #include "analysis/language_walk.h"
 #include "analysis/pattern_walk.h"
 #include "analysis/tool_outline.h"
+#include "core/cycle_maths.h"
 #include "core/geometry.h"
 #include "core/number.h"
-#include "translate/cycle_maths.h"
 #include "translate/cycle_maths_more.h"
 
 namespace kirvana {

@@ -4,10 +4,10 @@
 #include <cmath>
 
 #include "analysis/reverse_report.h"
+#include "core/cycle_maths.h"
 #include "core/geometry.h"
 #include "core/number.h"
 #include "core/text.h"
-#include "translate/cycle_maths.h"
 
 namespace kirvana {
 

@@ -14,9 +14,9 @@
 
 #include "analysis/entity.h"
 #include "analysis/reverse.h"
+#include "core/cycle_words.h"
 #include "core/words.h"
 #include "translate/code_index.h"
-#include "translate/cycle_words.h"
 
 namespace kirvana {
 

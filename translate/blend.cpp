@@ -6,12 +6,12 @@
 #include <filesystem>
 #include <sstream>
 
+#include "core/cycle_maths.h"
 #include "core/file_writer.h"
 #include "core/geometry.h"
 #include "core/number.h"
 #include "core/paths.h"
 #include "core/text.h"
-#include "translate/cycle_maths.h"
 #include "translate/cycle_maths_more.h"
 
 namespace kirvana {

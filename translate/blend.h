@@ -11,9 +11,9 @@
 #include <string_view>
 
 #include "core/config.h"
+#include "core/cycle_words.h"
 #include "core/words.h"
 #include "translate/code_index.h"
-#include "translate/cycle_words.h"
 #include "translate/pass_messages.h"
 
 namespace kirvana {

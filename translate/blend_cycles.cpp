@@ -4,11 +4,11 @@
 #include <cmath>
 #include <optional>
 
+#include "core/cycle_maths.h"
+#include "core/cycle_words.h"
 #include "core/geometry.h"
 #include "core/number.h"
 #include "translate/blend.h"
-#include "translate/cycle_maths.h"
-#include "translate/cycle_words.h"
 
 namespace kirvana {
 

@@ -4,6 +4,9 @@
 #include <cmath>
 #include <optional>
 
+#include "core/cycle_maths.h"
+#include "core/cycle_words.h"
+#include "core/grid_walk.h"
 #include "core/number.h"
 #include "core/text.h"
 
@@ -68,6 +71,7 @@ private:
         Plan.push_back(step);
     }
     void Row(const std::string& line);
+    bool ProgramGrid(const std::string& line);
     void Arc(const std::string& line);
     Modal m_;
 };
@@ -91,14 +95,16 @@ bool RestartReader::Line(const std::string& raw) {
         if (Has(line, code)) return false;
     if (line.find("GOTO") != std::string::npos || line.find("IF") != std::string::npos) return false;
     const bool row = Has(line, "G26"), arc = Has(line, "G28");
-    if ((row && !RestartRow(line)) || (arc && !RestartArc(line))) return false;
+    if (arc && !RestartArc(line)) return false;
     // The modes, in the order a block's codes act.
     if (Has(line, "G90")) m_.Incremental = false;
     if (Has(line, "G91")) m_.Incremental = true;
     if (Has(line, "G70")) m_.Imperial = true;
     if (Has(line, "G71")) m_.Imperial = false;
-    if (row) {
+    if (row && RestartRow(line)) {
         Row(line);
+    } else if (row) {
+        if (!ProgramGrid(line)) return false;
     } else if (arc) {
         Arc(line);
     } else {
@@ -166,6 +172,51 @@ void RestartReader::Row(const std::string& line) {
     for (int k = 0; k < count; ++k) Step(*x + k * pitch * std::cos(angle), *y + k * pitch * std::sin(angle), 1);
     m_.X = *x;
     m_.Y = *y;
+}
+
+// A row or grid of hits as the program writes it (the language's G26 words, read and completed as
+// the passes read them): the block's X, Y place the machine, the first hit stands there moved by
+// P10, P11, the hits are walked to and fro as the drawing's expansion walks them, and the machine
+// stays at the last hit when P9 says so. False for a grid the language refuses or one too large.
+bool RestartReader::ProgramGrid(const std::string& line) {
+    auto value = [&line](const char* key) { return Word(line, key).value_or(MissingWord); };
+    auto length = [&](const char* key) {
+        const double v = value(key);
+        return v != MissingWord && m_.Imperial ? v * Inch : v;
+    };
+    auto integer = [&](const char* key) {
+        const double v = value(key);
+        return std::abs(v) < 32767 ? static_cast<std::int16_t>(std::lround(v)) : std::int16_t{0};
+    };
+    GridWords read = ReadGridWords({value, length, integer});
+    GridPattern& grid = read.Grid;
+    grid.MirrorX = m_.MirrorX;
+    grid.MirrorY = m_.MirrorY;
+    if (read.I != MissingWord || read.J != MissingWord)
+        XYToPolar(read.I != MissingWord ? read.I : 0, read.J != MissingWord ? read.J : 0, grid.P7, grid.P5);
+    int rows = 1;
+    if (grid.P1 == 1 || grid.P3 == 1 || CompleteGrid(grid, rows) != PatternCheck::Ok) return false;
+    if (grid.P1 < 0 || rows < 1 || static_cast<long long>(grid.P1) * rows > 1'000'000) return false;
+    Place(line);
+    auto offset = [&](const char* key) {
+        const double v = length(key);
+        return v == MissingWord ? 0.0 : v;
+    };
+    const double firstX = m_.MirrorX ? m_.X - offset("P10=") : m_.X + offset("P10=");
+    const double firstY = m_.MirrorY ? m_.Y - offset("P11=") : m_.Y + offset("P11=");
+    double lastX = firstX, lastY = firstY;
+    WalkGrid(GridWalk{grid.P2.Value, grid.P4.Value, grid.P1, rows, grid.P5}, firstX, firstY,
+             [&](int, int, double x, double y) {
+                 Step(x, y, 1);
+                 lastX = x;
+                 lastY = y;
+                 return true;
+             });
+    if (read.Stay) {
+        m_.X = lastX;
+        m_.Y = lastY;
+    }
+    return true;
 }
 
 void RestartReader::Arc(const std::string& line) {

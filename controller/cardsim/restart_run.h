@@ -8,13 +8,15 @@
 // - "G80", "G77": a move to the point; "G101", "G102", "G103": a cut to the point (X, Y the end);
 // - a row of hits as the restart writes it, "P1= P5= P7= ... G26 X Y": P1 hits from X, Y (in
 //   machine millimetres), P7 apart in the direction P5 degrees;
+// - a row or grid of hits as the program writes it (G26 with the language's words, as in a copied
+//   subroutine body): completed and walked with the language's own grid maths;
 // - an arc of hits as the restart writes it, "P7= P8= P3= P2= P1= ... G28 R": P1 hits on the
 //   circle of centre P7, P8 and radius R from the angle P3 by steps of P2.
 // So the copied lines of a subroutine body run from the origin that the tail's "G93" of each
 // repetition gives. The repositions, C and T words, counters, P and Q assignments and status
 // words change no place and no hit, nor do a dwell "G04 X" and the "G72" and "G52" lines. A line
 // the simulator can't run as the card would (a call of a subroutine, a jump or condition,
-// nibbling, a cycle in any form but the restart's own) makes the program one the simulated card
+// nibbling, an arc of hits in the program's form, a grid the language refuses) makes the program one the simulated card
 // does not run.
 #pragma once
 

@@ -100,10 +100,8 @@ TEST(RestartRun, LinesTheSimulatorCannotFollowMakeNoPlan) {
     EXPECT_FALSE(RestartProgramPlan({"G80 X0 Y0", "P10=1 G69 Q1 S1 ;(PSUB,HOLES)"}).has_value());
     EXPECT_FALSE(RestartProgramPlan({"G80 X0 Y0", "G01 X10 Y0"}).has_value());
     EXPECT_FALSE(RestartProgramPlan({"IF P5=1 GOTO 20"}).has_value());
-    // A cycle as the slot's program writes it, not as the restart does.
-    EXPECT_FALSE(RestartProgramPlan(
-                     {"P1=5 P3=3 P4=50 P2=-999 P5=-999 P7=-999 P8=-999 P9=-999 P10=0 P11=0 G26 X400 Y100 I200 J0"})
-                     .has_value());
+    // A grid the language refuses (one hit in a row), and an arc as the program writes it.
+    EXPECT_FALSE(RestartProgramPlan({"P1=1 P2=10 P3=-999 P4=-999 P5=0 G26 X400 Y100"}).has_value());
     EXPECT_FALSE(RestartProgramPlan({"G28 R20 P4=90"}).has_value());
     EXPECT_TRUE(RestartProgramPlan({"G101 X10 Y20", "M11", "G101 X10 Y20"}).has_value());
 }
@@ -150,6 +148,40 @@ TEST(RestartRun, CardRunsProgramFiveThenHandsOverAtTheLabel) {
     EXPECT_DOUBLE_EQ(log[0].first, 300);  // program 5's hit
     EXPECT_DOUBLE_EQ(log[1].first, 400);  // then the slot's program from N40
     EXPECT_EQ(card.Variable("M869"), 4);
+}
+
+TEST(RestartRun, AGridAsTheProgramWritesItIsWalkedToAndFro) {
+    // Five hits a row along the vector I200 J0, three rows 50 apart, from X400 Y100 under the
+    // origin G93 X10 Y20; the second row runs backwards.
+    const std::optional<RunPlan> run = RestartProgramPlan(
+        {"G93 X10 Y20", "G90",
+         "P1=5 P3=3 P4=50 P2=-999 P5=-999 P7=-999 P8=-999 P9=-999 P10=0 P11=0 G26 X400 Y100 I200 J0"});
+    ASSERT_TRUE(run.has_value());
+    ASSERT_EQ(run->size(), 15u);
+    auto at = [&](std::size_t n, double x, double y) {
+        EXPECT_NEAR((*run)[n].X, x, 1e-6) << n;
+        EXPECT_NEAR((*run)[n].Y, y, 1e-6) << n;
+        EXPECT_EQ((*run)[n].Hits, 1) << n;
+    };
+    at(0, 410, 120);
+    at(4, 610, 120);
+    at(5, 610, 170);
+    at(9, 410, 170);
+    at(14, 610, 220);
+}
+
+TEST(RestartRun, ARowAsTheProgramWritesItUnderAMirrorAndInInches) {
+    // Under M11 the row's X words and its direction are mirrored; in inches every length is
+    // times 25.4. P9=1 leaves the machine at the last hit, where the next G81 punches.
+    const std::optional<RunPlan> run =
+        RestartProgramPlan({"G70 G90", "M11", "P1=3 P2=1 P5=0 P3=-999 P4=-999 P9=1 G26 X2 Y1", "G91 G81 X0 Y1"});
+    ASSERT_TRUE(run.has_value());
+    ASSERT_EQ(run->size(), 4u);
+    EXPECT_NEAR((*run)[0].X, -50.8, 1e-6);
+    EXPECT_NEAR((*run)[0].Y, 25.4, 1e-6);
+    EXPECT_NEAR((*run)[2].X, -101.6, 1e-6);
+    EXPECT_NEAR((*run)[3].X, -101.6, 1e-6);
+    EXPECT_NEAR((*run)[3].Y, 50.8, 1e-6);
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "core/cycle_maths.h"
 #include "translate/blend.h"
-#include "translate/cycle_maths.h"
 
 using namespace kirvana;
 

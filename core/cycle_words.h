@@ -1,11 +1,12 @@
-// The words of the canned cycles as the Blend and Reverse passes read them: the same words in
-// the same order, each pass reading a word with its own rules (its variables, its inch mode).
+// The words of the canned cycles as the Blend and Reverse passes and the simulated card read
+// them: the same words in the same order, each reading a word with its own rules (its
+// variables, its inch mode).
 #pragma once
 
 #include <cstdint>
 #include <functional>
 
-#include "translate/cycle_maths.h"
+#include "core/cycle_maths.h"
 
 namespace kirvana {
 

@@ -1,5 +1,5 @@
 // The completion of the grid (G26) and arc (G28) patterns, numbered as the steps of each.
-#include "translate/cycle_maths.h"
+#include "core/cycle_maths.h"
 
 #include <cmath>
 #include <optional>

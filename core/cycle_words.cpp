@@ -1,6 +1,6 @@
 // The word tables of the grid, arc and nibbling cycles: each word with its reader, its value
 // when missing and its inch conversion.
-#include "translate/cycle_words.h"
+#include "core/cycle_words.h"
 
 namespace kirvana {
 

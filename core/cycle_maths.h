@@ -1,6 +1,6 @@
 // The maths of the grid and arc patterns: how their parameters complete each other, how many
 // hits and what pitch follow. The Blend pass checks and follows a pattern with it, and the
-// drawing of the hits must come out the same.
+// drawing of the hits and the simulated card's run of a grid must come out the same.
 #pragma once
 
 #include <cstdint>
