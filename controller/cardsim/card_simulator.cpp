@@ -150,8 +150,12 @@ bool CardSimulator::RunToken(const std::string& token, std::string& answer) {
     if (equals != std::string::npos && IsVariableName(token.substr(0, equals))) {
         bool ok;
         double v = Evaluate(token.substr(equals + 1), ok);
-        if (ok) Slot(token.substr(0, equals)) = v;
-        return ok;
+        if (!ok) return false;
+        const std::string name = token.substr(0, equals);
+        Slot(name) = v;
+        // The slot last made active: program 5 calls that slot's subroutines.
+        if (name == "M811" && (v == 1 || v == 2)) activeSlot_ = static_cast<int>(v);
+        return true;
     }
     return false;
 }
@@ -458,9 +462,12 @@ bool CardSimulator::BeginLocked(int program, int label, bool countOn) {
     // The restart program is run from its own text; a slot's program from its plan, from the
     // line label the run command names.
     std::optional<RunPlan> plan;
-    if (program == 5)
-        plan = RestartProgramPlan(stored->second);
-    else if (planSource_)
+    if (program == 5) {
+        // Its calls go to the subroutine program (3 or 4) of the slot last made active.
+        const auto subroutines = programs_.find(2 + activeSlot_);
+        plan = RestartProgramPlan(stored->second,
+                                  subroutines != programs_.end() ? subroutines->second : std::vector<std::string>{});
+    } else if (planSource_)
         plan = planSource_(program);
     if (!plan) return false;
     // A slot's program starts its hit counter anew; the restart program, and the slot's program

@@ -96,6 +96,7 @@ private:
     int pcProgram_ = 1;
     int pcWord_ = 0;
     std::map<int, std::vector<std::string>> programs_;
+    int activeSlot_ = 1;  // the last slot "M811=" named
     int openProgram_ = 0;
     std::vector<std::string> received_;
     int holdMs_ = 0;

@@ -48,8 +48,14 @@ struct Modal {
     bool Incremental = false, Imperial = false, Profiling = false;
 };
 
+// Calls nest at most this deep, and a program runs at most this many lines of subroutines: a
+// program that calls itself ends as one the simulated card does not run.
+constexpr int MaxCallDepth = 8;
+constexpr long MaxLinesRun = 1'000'000;
+
 class RestartReader {
 public:
+    explicit RestartReader(const std::vector<std::string>& subroutines) : subroutines_(subroutines) {}
     // One line; false when it holds a code the simulator doesn't run.
     bool Line(const std::string& raw);
     RunPlan Plan;
@@ -72,8 +78,13 @@ private:
     }
     void Row(const std::string& line);
     bool ProgramGrid(const std::string& line);
+    bool Call(const std::string& line);
     void Arc(const std::string& line);
     Modal m_;
+    const std::vector<std::string>& subroutines_;
+    int depth_ = 0;
+    double callX_ = 0, callY_ = 0;  // the place of the call under way, from which its X and Y count
+    long linesRun_ = 0;
 };
 
 // A row as the restart writes it: its pitch in P7, no pitch in P2, no I or J.
@@ -90,8 +101,9 @@ bool RestartArc(const std::string& line) {
 bool RestartReader::Line(const std::string& raw) {
     const std::string line = UpperCase(BeforeComment(raw));
     if (line.empty()) return true;
+    if ((Has(line, "G68") || Has(line, "G69")) && !Has(line, "G98")) return Call(line);
     // Codes the card would run but the simulator can't follow.
-    for (const char* code : {"G01", "G02", "G03", "G36", "G37", "G64", "G65", "G66", "G68", "G69", "G98"})
+    for (const char* code : {"G01", "G02", "G03", "G36", "G37", "G64", "G65", "G66", "G98"})
         if (Has(line, code)) return false;
     if (line.find("GOTO") != std::string::npos || line.find("IF") != std::string::npos) return false;
     const bool row = Has(line, "G26"), arc = Has(line, "G28");
@@ -142,8 +154,46 @@ void RestartReader::Place(const std::string& line) {
         if (y) m_.Y += m_.MirrorY ? -*y : *y;
         return;
     }
-    if (x) m_.X = m_.MirrorX ? m_.OriginX - *x : m_.OriginX + *x;
-    if (y) m_.Y = m_.MirrorY ? m_.OriginY - *y : m_.OriginY + *y;
+    // Inside a call an absolute word counts from the call's place.
+    const double fromX = depth_ > 0 ? callX_ : 0, fromY = depth_ > 0 ? callY_ : 0;
+    if (x) m_.X = m_.MirrorX ? m_.OriginX - (*x + fromX) : m_.OriginX + *x + fromX;
+    if (y) m_.Y = m_.MirrorY ? m_.OriginY - (*y + fromY) : m_.OriginY + *y + fromY;
+}
+
+// A call of the card's subroutine program, "G68" or "G69" with S the label and Q the repetitions:
+// the call block's own move, then the body from the block numbered the label x 1000 to its
+// RETURN, once for each repetition, the first from the call's place and each further one from
+// where the one before it ended. False when the body isn't there or the calls go too deep.
+bool RestartReader::Call(const std::string& line) {
+    if (depth_ >= MaxCallDepth) return false;
+    Place(line);
+    const auto label = Word(line, "S");
+    if (!label || *label < 0 || *label > 32) return false;
+    const int repeats = static_cast<int>(std::clamp(Word(line, "Q").value_or(1), 1.0, 32767.0));
+    const long number = std::lround(*label * 1000);
+    std::size_t start = subroutines_.size();
+    for (std::size_t i = 0; i < subroutines_.size() && start == subroutines_.size(); ++i) {
+        const auto n = Word(UpperCase(BeforeComment(subroutines_[i])), "N");
+        if (n && std::lround(*n) == number) start = i;
+    }
+    if (start == subroutines_.size()) return false;
+    const double outerX = callX_, outerY = callY_;
+    ++depth_;
+    callX_ = m_.X;
+    callY_ = m_.Y;
+    for (int repetition = 0; repetition < repeats; ++repetition) {
+        for (std::size_t i = start;; ++i) {
+            if (i >= subroutines_.size() || ++linesRun_ > MaxLinesRun) return false;
+            if (FindNoCase(BeforeComment(subroutines_[i]), "RETURN") != std::string::npos) break;
+            if (!Line(subroutines_[i])) return false;
+        }
+        callX_ = m_.X;
+        callY_ = m_.Y;
+    }
+    --depth_;
+    callX_ = outerX;
+    callY_ = outerY;
+    return true;
 }
 
 void RestartReader::Origin(const std::string& line) {
@@ -232,8 +282,9 @@ void RestartReader::Arc(const std::string& line) {
 
 }  // namespace
 
-std::optional<RunPlan> RestartProgramPlan(const std::vector<std::string>& lines) {
-    RestartReader reader;
+std::optional<RunPlan> RestartProgramPlan(const std::vector<std::string>& lines,
+                                          const std::vector<std::string>& subroutines) {
+    RestartReader reader(subroutines);
     for (const std::string& line : lines)
         if (!reader.Line(line)) return std::nullopt;
     return std::move(reader.Plan);

@@ -12,12 +12,15 @@
 //   subroutine body): completed and walked with the language's own grid maths;
 // - an arc of hits as the restart writes it, "P7= P8= P3= P2= P1= ... G28 R": P1 hits on the
 //   circle of centre P7, P8 and radius R from the angle P3 by steps of P2.
+// - a call "G68"/"G69 S Q" of the slot's subroutine program: the body from the block N S x 1000
+//   to its RETURN, Q times, an absolute X or Y inside it counted from the call's place, each
+//   repetition from where the one before it ended (as the passes read a call).
 // So the copied lines of a subroutine body run from the origin that the tail's "G93" of each
 // repetition gives. The repositions, C and T words, counters, P and Q assignments and status
 // words change no place and no hit, nor do a dwell "G04 X" and the "G72" and "G52" lines. A line
-// the simulator can't run as the card would (a call of a subroutine, a jump or condition,
-// nibbling, an arc of hits in the program's form, a grid the language refuses) makes the program one the simulated card
-// does not run.
+// the simulator can't run as the card would (a grid of calls "G98", a jump or condition,
+// nibbling, an arc of hits in the program's form, a grid the language refuses, a call whose body
+// isn't there) makes the program one the simulated card does not run.
 #pragma once
 
 #include <optional>
@@ -28,9 +31,10 @@
 
 namespace kirvana {
 
-// The plan of the restart program's lines; nothing when a line holds a code the simulator
-// doesn't run.
-std::optional<RunPlan> RestartProgramPlan(const std::vector<std::string>& lines);
+// The plan of the restart program's lines, with the card's subroutine program of the slot for
+// the calls they make; nothing when a line holds a code the simulator doesn't run.
+std::optional<RunPlan> RestartProgramPlan(const std::vector<std::string>& lines,
+                                          const std::vector<std::string>& subroutines = {});
 
 // The steps of a slot's plan from the first one whose main program line label is `label` or
 // beyond (the blocks are labelled in rising order; a line without a step goes on at the next

@@ -150,6 +150,45 @@ TEST(RestartRun, CardRunsProgramFiveThenHandsOverAtTheLabel) {
     EXPECT_EQ(card.Variable("M869"), 4);
 }
 
+TEST(RestartRun, ACallRunsTheSubroutineFromTheCallsPlaceEachRepetitionFromTheLastEnd) {
+    // The body of subroutine 2: an absolute hit counted from the call's place, then one 10 on.
+    const std::vector<std::string> subroutines = {
+        "N1000 ;(ID,PSUB,ONE)", "G81 X1 Y1", "RETURN", "N2000 ;(ID,PSUB,TWO)", "G81 X5 Y0", "G91 G81 X10 Y0", "G90",
+        "RETURN ;(END,PSUB)"};
+    const std::optional<RunPlan> run =
+        RestartProgramPlan({"G90", "G80 X100 Y50", "P10=1 G69 Q2 S2 ;(PSUB,TWO)", "G81 X300 Y0"}, subroutines);
+    ASSERT_TRUE(run.has_value());
+    ASSERT_EQ(run->size(), 6u);
+    // The move, then the first repetition from (100, 50), the second from where it ended.
+    EXPECT_DOUBLE_EQ((*run)[1].X, 105);
+    EXPECT_DOUBLE_EQ((*run)[1].Y, 50);
+    EXPECT_DOUBLE_EQ((*run)[2].X, 115);
+    EXPECT_DOUBLE_EQ((*run)[3].X, 120);
+    EXPECT_DOUBLE_EQ((*run)[4].X, 130);
+    // Back in the calling program, an absolute word counts from the origin again.
+    EXPECT_DOUBLE_EQ((*run)[5].X, 300);
+    EXPECT_DOUBLE_EQ((*run)[5].Y, 0);
+    // A call whose body isn't there, and a program that calls itself without end, make no plan.
+    EXPECT_FALSE(RestartProgramPlan({"G69 S3 Q1"}, subroutines).has_value());
+    EXPECT_FALSE(RestartProgramPlan({"G69 S1 Q1"}, {"N1000", "G69 S1 Q1", "RETURN"}).has_value());
+}
+
+TEST(RestartRun, CardRunsProgramFiveCallingTheActiveSlotsSubroutines) {
+    CardSimulator card;
+    card.SetRunSpeed(0);
+    ASSERT_FALSE(card.WriteBuffer("OPEN PROG 3\nCLEAR\nN1000\nG81 X1 Y2\nRETURN\nCLOSE\n").Error);
+    ASSERT_FALSE(card.WriteBuffer("OPEN PROG 4\nCLEAR\nN1000\nG81 X7 Y8\nRETURN\nCLOSE\n").Error);
+    ASSERT_FALSE(card.WriteBuffer("OPEN PROG 5\nCLEAR\nG90 G80 X10 Y10\nG69 S1 Q1\nCLOSE\n").Error);
+    card.Execute("M811=2");
+    card.Execute("M811=5");
+    ASSERT_TRUE(card.CycleStart());
+    for (int i = 0; i < 20 && card.RunState() != ProgramRun::State::Idle; ++i) card.WalkRun(1);
+    const auto log = card.HitLog();
+    ASSERT_EQ(log.size(), 1u);
+    EXPECT_DOUBLE_EQ(log[0].first, 17);  // slot 2's subroutine, from the call's place
+    EXPECT_DOUBLE_EQ(log[0].second, 18);
+}
+
 TEST(RestartRun, AGridAsTheProgramWritesItIsWalkedToAndFro) {
     // Five hits a row along the vector I200 J0, three rows 50 apart, from X400 Y100 under the
     // origin G93 X10 Y20; the second row runs backwards.

@@ -14,6 +14,8 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <iterator>
+#include <optional>
 
 #include "analysis/drawing_file.h"
 #include "controller/cardsim/restart_run.h"
@@ -75,8 +77,31 @@ std::vector<std::string> CopyCorpus(const std::string& root) {
 
 // The restarts inside subroutines, by what their run gave.
 struct TailCounts {
-    long long Proved = 0, OwnPunch = 0, Shifted = 0, Unrun = 0;
+    long long Proved = 0, OwnPunch = 0, Shifted = 0, CalledTwice = 0, OuterCallsLost = 0, Unrun = 0;
 };
+
+// A call in the copied body of a subroutine: its absolute words count from the tail's origin
+// ("G93" at the call's place) and from the machine's place at the call as well, so its hits
+// stand elsewhere. True when the restart program holds a call and the hits made are as many as
+// the program's, every hit outside elsewhere-standing ones being the program's, and, for a punch
+// the tail starts behind, that punch left out.
+bool CalledBodyElsewhere(const std::vector<std::string>& lines, const std::vector<Hit>& made,
+                         const std::vector<Hit>& all, const std::optional<Hit>& ownPunch) {
+    const bool calls = std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
+        return line.find("G69") != std::string::npos || line.find("G68") != std::string::npos;
+    });
+    if (!calls) return false;
+    // What was made that the program doesn't have, and what the program has that wasn't made.
+    std::vector<Hit> extra, missing;
+    std::set_difference(made.begin(), made.end(), all.begin(), all.end(), std::back_inserter(extra));
+    std::set_difference(all.begin(), all.end(), made.begin(), made.end(), std::back_inserter(missing));
+    if (ownPunch) {
+        auto own = std::find(missing.begin(), missing.end(), *ownPunch);
+        if (own == missing.end()) return false;
+        missing.erase(own);
+    }
+    return !extra.empty() && extra.size() == missing.size();
+}
 
 }  // namespace
 
@@ -102,6 +127,9 @@ TEST(RestartRunProof, HitsBeforeAndAfterEveryRestartAreTheProgramsHitsOnce) {
         std::sort(all.begin(), all.end());
         DrawingFile drawing;
         ASSERT_TRUE(drawing.Open(SlotFile(p.Config.Dirs, 1, "drw"), true)) << name;
+        // The card's subroutine program of the slot: the calls program 5 makes go there.
+        const std::vector<std::string> subroutines =
+            ReadLines(SlotFile(p.Config.Dirs, 1, "M2")).value_or(std::vector<std::string>{});
         const std::int32_t last = drawing.LastReadable();
         for (std::int32_t record = 2; record <= last; ++record) {
             EntityRec entity;
@@ -122,7 +150,7 @@ TEST(RestartRunProof, HitsBeforeAndAfterEveryRestartAreTheProgramsHitsOnce) {
                     continue;
                 }
                 const std::string where = name + " record " + std::to_string(record) + " hit " + std::to_string(hit);
-                const std::optional<RunPlan> restart = RestartProgramPlan(lines);
+                const std::optional<RunPlan> restart = RestartProgramPlan(lines, subroutines);
                 if (!restart) {
                     // Only a line of the copied body stops the simulated card: a call (it does not
                     // run the slot's subroutines from program 5) or a cycle as the program writes it.
@@ -158,17 +186,37 @@ TEST(RestartRunProof, HitsBeforeAndAfterEveryRestartAreTheProgramsHitsOnce) {
                 // the call.
                 const GatherState& at = point.Record.EntryState;
                 const bool shifted = at.MirrorCode != 0 || at.G92X != 0 || at.G92Y != 0 || at.G56X != 0 || at.G56Y != 0;
-                ASSERT_TRUE(shifted) << where << " run " << run;
-                ++tail.Shifted;
+                if (shifted) {
+                    ++tail.Shifted;
+                    continue;
+                }
+                // And a call in the copied body, whose hits stand elsewhere.
+                const std::optional<Hit> ownPunch =
+                    point.Kind == RestartKind::SubPoint
+                        ? std::optional<Hit>(Hit{std::llround(own.X * 100), std::llround(own.Y * 100)})
+                        : std::nullopt;
+                if (CalledBodyElsewhere(lines, made, all, ownPunch)) {
+                    ++tail.CalledTwice;
+                    continue;
+                }
+                // And a restart inside a call made from a subroutine (G69): the tail rebuilds only
+                // that call, so what remained of the calls around it is not made; every hit made
+                // is still the program's, once.
+                ASSERT_EQ(entity.CallSpec.CallCode, 69) << where << " run " << run;
+                ASSERT_TRUE(std::includes(all.begin(), all.end(), made.begin(), made.end())) << where << " run " << run;
+                ASSERT_LT(made.size(), all.size()) << where;
+                ++tail.OuterCallsLost;
             }
         }
     }
     std::printf(
         "restarts run on the simulated card: %lld (%lld programs; %lld refused by the selection; %lld before a "
         "line without a label not restarted); inside subroutines: %lld proved, %lld punches whose own hit the "
-        "tail leaves out, %lld under a mirror or origin the tail's G93 does not carry, %lld with a call or a "
-        "cycle in the copied body the simulated card does not run\n",
-        restarts, programs, refused, unlabelled, tail.Proved, tail.OwnPunch, tail.Shifted, tail.Unrun);
+        "tail leaves out, %lld under a mirror or origin the tail's G93 does not carry, %lld with a call in the "
+        "copied body whose hits the tail's G93 moves, %lld inside a call from a subroutine whose outer calls the "
+        "tail does not rebuild, %lld the simulated card does not run\n",
+        restarts, programs, refused, unlabelled, tail.Proved, tail.OwnPunch, tail.Shifted, tail.CalledTwice,
+        tail.OuterCallsLost, tail.Unrun);
     EXPECT_GT(restarts, 100);
 }
 
