@@ -1,5 +1,9 @@
 #include "screens/tooling_style.h"
 
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QScrollBar>
+#include <QVBoxLayout>
 #include <algorithm>
 
 #include "screens/panel.h"
@@ -78,6 +82,52 @@ QListWidget* StationListBox(Panel& panel, QWidget* parent) {
                                 "QScrollBar:vertical { width: 48px; }")
                             .arg(ToQColor(c[ColourItem::TextBackground]).name(), ToQColor(c[ColourItem::Text]).name()));
     return list;
+}
+
+TurretParts BuildTurretParts(Panel& panel, QWidget* form, const std::string& caption) {
+    const ColourTable& c = panel.Colours();
+    TurretParts parts;
+    form->setWindowTitle("TOOLING");
+    form->setFixedSize(1000, 720);
+    form->setStyleSheet(FormStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
+    auto* layout = new QVBoxLayout(form);
+    layout->addWidget(ToolingCaption(panel, caption, form, "TurretPanel"));
+    auto* body = new QHBoxLayout();
+    layout->addLayout(body, 1);
+    // The stations: number and tool description.
+    auto* left = new QVBoxLayout();
+    parts.ListLabel = ToolingLabel(panel, "NO.           TOOL DESCRIPTION", form);
+    parts.ListLabel->setObjectName("ListLabel");
+    left->addWidget(parts.ListLabel);
+    parts.List = StationListBox(panel, form);
+    parts.List->verticalScrollBar()->setObjectName("TurretBar");
+    left->addWidget(parts.List, 1);
+    body->addLayout(left, 1);
+    // The chosen station's type and settings.
+    parts.Right = new QVBoxLayout();
+    body->addLayout(parts.Right);
+    QGroupBox* stationFrame = ToolingFrame(panel, "STATION TYPE", "StationFrame", form);
+    auto* stationLayout = new QVBoxLayout(stationFrame);
+    parts.StationBox = ToolingLabel(panel, "", stationFrame);
+    parts.StationBox->setObjectName("StationBox");
+    parts.StationBox->setMinimumHeight(36);
+    stationLayout->addWidget(parts.StationBox);
+    parts.Right->addWidget(stationFrame);
+    parts.SettingsFrame = ToolingFrame(panel, "TOOL SETTINGS", "PunchSettingsFrame", form);
+    auto* grid = new QGridLayout(parts.SettingsFrame);
+    for (int i = 0; i < 6; ++i) {
+        QLabel*& label = parts.SettingLabels[static_cast<std::size_t>(i)];
+        QLabel*& box = parts.SettingBoxes[static_cast<std::size_t>(i)];
+        label = ToolingLabel(panel, "", parts.SettingsFrame);
+        label->setObjectName(QString("PunchSettingsLabel%1").arg(i + 1));
+        box = ToolingLabel(panel, "", parts.SettingsFrame);
+        box->setObjectName(QString("PunchSettingsBox%1").arg(i + 1));
+        box->setMinimumWidth(90);
+        grid->addWidget(label, i, 0);
+        grid->addWidget(box, i, 1);
+    }
+    parts.Right->addWidget(parts.SettingsFrame);
+    return parts;
 }
 
 void FillStationList(QListWidget* list, const StationTable& table, int keepRow) {

@@ -7,9 +7,13 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <array>
 #include <string>
 
 #include "tooling/turret.h"
+
+class QHBoxLayout;
+class QVBoxLayout;
 
 namespace kirvana {
 
@@ -32,6 +36,21 @@ QListWidget* StationListBox(Panel& panel, QWidget* parent);
 // The list filled with the table's rows, the row `keepRow` (clamped to the table) chosen without
 // a signal for each row added.
 void FillStationList(QListWidget* list, const StationTable& table, int keepRow);
+
+// What the turret screen and the dialogue's turret share: the form's title, size and colours, its
+// caption, the station list under its heading on the left and, on the right, the station type and
+// the six tool settings (their captions left to the screen). The screen adds its own frames and
+// buttons to `Right`.
+struct TurretParts {
+    QVBoxLayout* Right = nullptr;
+    QLabel* ListLabel = nullptr;
+    QListWidget* List = nullptr;
+    QLabel* StationBox = nullptr;
+    QGroupBox* SettingsFrame = nullptr;
+    std::array<QLabel*, 6> SettingLabels{};
+    std::array<QLabel*, 6> SettingBoxes{};
+};
+TurretParts BuildTurretParts(Panel& panel, QWidget* form, const std::string& caption);
 
 // Presses the visible, enabled button below `form` whose caption marks the letter of `code`
 // ("&T" for T); false when none does.

@@ -27,36 +27,15 @@ constexpr std::array<const char*, 10> PlasmaLabels = {
 }  // namespace
 
 TurretDialogue::TurretDialogue(Panel& panel) : PanelForm(panel, "TurretDialogue") {
-    const ColourTable& c = panel.Colours();
-    setWindowTitle("TOOLING");
-    setFixedSize(1000, 720);
-    setStyleSheet(FormStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(ToolingCaption(panel, "DIALOGUE TOOLING", this, "TurretPanel"));
-    auto* body = new QHBoxLayout();
-    auto* left = new QVBoxLayout();
-    left->addWidget(ToolingLabel(panel, "NO.           TOOL DESCRIPTION", this));
-    list_ = StationListBox(panel, this);
-    left->addWidget(list_, 1);
-    body->addLayout(left, 1);
-    auto* right = new QVBoxLayout();
-    QGroupBox* stationFrame = ToolingFrame(panel, "STATION TYPE", "StationFrame", this);
-    auto* stationLayout = new QVBoxLayout(stationFrame);
-    stationBox_ = ToolingLabel(panel, "", stationFrame);
-    stationBox_->setObjectName("StationBox");
-    stationLayout->addWidget(stationBox_);
-    right->addWidget(stationFrame);
-    punchFrame_ = ToolingFrame(panel, "TOOL SETTINGS", "PunchSettingsFrame", this);
-    auto* grid = new QGridLayout(punchFrame_);
+    TurretParts parts = BuildTurretParts(panel, this, "DIALOGUE TOOLING");
+    list_ = parts.List;
+    stationBox_ = parts.StationBox;
+    punchFrame_ = parts.SettingsFrame;
+    settingLabels_ = parts.SettingLabels;
+    settingBoxes_ = parts.SettingBoxes;
     const std::vector<std::string> labels = TurretSettingLabels(panel.State().Tools.Punch);
-    for (std::size_t i = 0; i < 6; ++i) {
-        settingLabels_[i] = ToolingLabel(panel, labels[i], punchFrame_);
-        settingBoxes_[i] = ToolingLabel(panel, "", punchFrame_);
-        settingBoxes_[i]->setObjectName(QString("PunchSettingsBox%1").arg(i + 1));
-        grid->addWidget(settingLabels_[i], static_cast<int>(i), 0);
-        grid->addWidget(settingBoxes_[i], static_cast<int>(i), 1);
-    }
-    right->addWidget(punchFrame_);
+    for (std::size_t i = 0; i < 6; ++i) settingLabels_[i]->setText(Q(labels[i]));
+    QVBoxLayout* right = parts.Right;
     plasmaFrame_ = ToolingFrame(panel, "PLASMA SETTINGS", "PlasmaSettingsFrame", this);
     auto* plasmaGrid = new QGridLayout(plasmaFrame_);
     plasmaGrid->setVerticalSpacing(2);
@@ -82,8 +61,6 @@ TurretDialogue::TurretDialogue(Panel& panel) : PanelForm(panel, "TurretDialogue"
     buttons->addWidget(settings_[1], 1, 1);
     buttons->addWidget(exit_, 2, 1);
     right->addLayout(buttons);
-    body->addLayout(right);
-    layout->addLayout(body, 1);
     connect(list_, &QListWidget::currentRowChanged, this, [this] { ShowStation(); });
     connect(tool_, &QPushButton::clicked, this, [this] { DefineTool(); });
     connect(settings_[0], &QPushButton::clicked, this, [this] { OpenSettings(1); });

@@ -16,43 +16,13 @@
 namespace kirvana {
 
 TurretForm::TurretForm(Panel& panel) : PanelForm(panel, "TurretForm") {
-    const ColourTable& c = panel.Colours();
-    setWindowTitle("TOOLING");
-    setFixedSize(1000, 720);
-    setStyleSheet(FormStyle(c[ColourItem::PanelBackground], c[ColourItem::PanelText]));
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(ToolingCaption(panel, "TOOLING", this, "TurretPanel"));
-    auto* body = new QHBoxLayout();
-    // The stations: number and tool description.
-    auto* left = new QVBoxLayout();
-    listLabel_ = ToolingLabel(panel, "NO.           TOOL DESCRIPTION", this);
-    listLabel_->setObjectName("ListLabel");
-    left->addWidget(listLabel_);
-    list_ = StationListBox(panel, this);
-    list_->verticalScrollBar()->setObjectName("TurretBar");
-    left->addWidget(list_, 1);
-    body->addLayout(left, 1);
-    // The chosen station's type and settings.
-    auto* right = new QVBoxLayout();
-    QGroupBox* stationFrame = ToolingFrame(panel, "STATION TYPE", "StationFrame", this);
-    auto* stationLayout = new QVBoxLayout(stationFrame);
-    stationBox_ = ToolingLabel(panel, "", stationFrame);
-    stationBox_->setObjectName("StationBox");
-    stationBox_->setMinimumHeight(36);
-    stationLayout->addWidget(stationBox_);
-    right->addWidget(stationFrame);
-    QGroupBox* settingsFrame = ToolingFrame(panel, "TOOL SETTINGS", "PunchSettingsFrame", this);
-    auto* grid = new QGridLayout(settingsFrame);
-    for (int i = 0; i < 6; ++i) {
-        settingLabels_[static_cast<std::size_t>(i)] = ToolingLabel(panel, "", settingsFrame);
-        settingLabels_[static_cast<std::size_t>(i)]->setObjectName(QString("PunchSettingsLabel%1").arg(i + 1));
-        settingBoxes_[static_cast<std::size_t>(i)] = ToolingLabel(panel, "", settingsFrame);
-        settingBoxes_[static_cast<std::size_t>(i)]->setObjectName(QString("PunchSettingsBox%1").arg(i + 1));
-        settingBoxes_[static_cast<std::size_t>(i)]->setMinimumWidth(90);
-        grid->addWidget(settingLabels_[static_cast<std::size_t>(i)], i, 0);
-        grid->addWidget(settingBoxes_[static_cast<std::size_t>(i)], i, 1);
-    }
-    right->addWidget(settingsFrame);
+    TurretParts parts = BuildTurretParts(panel, this, "TOOLING");
+    list_ = parts.List;
+    listLabel_ = parts.ListLabel;
+    stationBox_ = parts.StationBox;
+    settingLabels_ = parts.SettingLabels;
+    settingBoxes_ = parts.SettingBoxes;
+    QVBoxLayout* right = parts.Right;
     right->addStretch(1);
     // The buttons.
     auto* buttons = new QGridLayout();
@@ -71,8 +41,6 @@ TurretForm::TurretForm(Panel& panel) : PanelForm(panel, "TurretForm") {
     buttons->addWidget(punch_, 2, 1);
     buttons->addWidget(exit_, 3, 1);
     right->addLayout(buttons);
-    body->addLayout(right);
-    layout->addLayout(body, 1);
     connect(list_, &QListWidget::currentRowChanged, this, [this] { ShowStation(); });
     connect(tool_, &QPushButton::clicked, this, [this] { DefineTool(); });
     connect(settings_[0], &QPushButton::clicked, this, [this] { OpenSettings(1); });
