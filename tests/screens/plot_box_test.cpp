@@ -6,6 +6,7 @@
 #include "analysis/tool_outline.h"
 #include "screens/panel_capture.h"
 #include "screens/plot_box.h"
+#include "tests/screens/golden_picture.h"
 #include "tests/screens/panel_fixture.h"
 
 using namespace kirvana;
@@ -267,19 +268,5 @@ TEST(PlotPicture, EveryShapeEveryPatternAndProfile) {
     EXPECT_EQ(image.pixel(canvas.ToPixel({180, 240}).toPoint()),
               PlotColour(colours[ColourItem::PunchModeRealTimePunching]).rgb());
     EXPECT_EQ(image.pixel(canvas.ToPixel({180, 40}).toPoint()), PlotColour(colours[ColourItem::SheetFill]).rgb());
-    QDir().mkpath(KIRVANA_BINARY_DIR "/screenshots");
-    EXPECT_TRUE(image.save(KIRVANA_BINARY_DIR "/screenshots/plot_every_shape.png", "PNG"));
-    // Against the golden picture, looked at and kept in tests/data: a few pixels may differ
-    // (smoothing); one outline moved or lost differs in a hundred or more.
-    QImage golden(KIRVANA_SOURCE_DIR "/tests/data/plot/every_shape.png");
-    ASSERT_EQ(golden.size(), image.size());
-    golden = golden.convertToFormat(QImage::Format_RGB32);
-    int differing = 0;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x) {
-            const QRgb a = image.pixel(x, y), b = golden.pixel(x, y);
-            if (std::abs(qRed(a) - qRed(b)) + std::abs(qGreen(a) - qGreen(b)) + std::abs(qBlue(a) - qBlue(b)) > 60)
-                ++differing;
-        }
-    EXPECT_LT(differing, 60) << "pixels differing from the golden picture";
+    ExpectGolden(image, "every_shape");
 }

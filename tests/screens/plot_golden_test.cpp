@@ -9,6 +9,7 @@
 #include "analysis/tool_outline.h"
 #include "screens/plot_picture.h"
 #include "system/slots.h"
+#include "tests/screens/golden_picture.h"
 #include "tests/screens/panel_fixture.h"
 
 using namespace kirvana;
@@ -16,24 +17,6 @@ using namespace kirvana;
 namespace {
 
 constexpr QSize GoldenSize(800, 560);
-
-// Writes the picture for a person to look at and compares it with the golden one: a few pixels
-// may differ (smoothing); one outline moved or lost differs in a hundred or more.
-void ExpectGolden(const QImage& image, const std::string& name) {
-    QDir().mkpath(KIRVANA_BINARY_DIR "/screenshots");
-    EXPECT_TRUE(image.save(QString(KIRVANA_BINARY_DIR "/screenshots/plot_%1.png").arg(name.c_str()), "PNG"));
-    QImage golden(QString(KIRVANA_SOURCE_DIR "/tests/data/plot/%1.png").arg(name.c_str()));
-    ASSERT_EQ(golden.size(), image.size()) << name << ": no golden picture of this size";
-    golden = golden.convertToFormat(QImage::Format_RGB32);
-    int differing = 0;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x) {
-            const QRgb a = image.pixel(x, y), b = golden.pixel(x, y);
-            if (std::abs(qRed(a) - qRed(b)) + std::abs(qGreen(a) - qGreen(b)) + std::abs(qBlue(a) - qBlue(b)) > 60)
-                ++differing;
-        }
-    EXPECT_LT(differing, 60) << name << ": pixels differing from the golden picture";
-}
 
 // The records drawn on a picture fitted to a sheet, as a redraw draws them.
 QImage Picture(const std::vector<EntityRec>& records, double sheetX, double sheetY, const std::string& partDir = "",

@@ -7,6 +7,7 @@
 #include "analysis/tool_outline.h"
 #include "screens/plot_picture.h"
 #include "tests/core/temp_dir.h"
+#include "tests/screens/golden_picture.h"
 
 using namespace kirvana;
 
@@ -98,20 +99,6 @@ MachineData Machine() {
     machine.ClampDepth = 60;
     machine.ClampCount = 2;
     return machine;
-}
-
-// The pixels whose colours differ by more than 60 in red, green and blue together: smoothing
-// leaves a few, an outline moved or lost a hundred or more.
-int Differing(const QImage& a, const QImage& b) {
-    if (a.size() != b.size()) return a.width() * a.height();
-    int differing = 0;
-    for (int y = 0; y < a.height(); ++y)
-        for (int x = 0; x < a.width(); ++x) {
-            const QRgb p = a.pixel(x, y), q = b.pixel(x, y);
-            if (std::abs(qRed(p) - qRed(q)) + std::abs(qGreen(p) - qGreen(q)) + std::abs(qBlue(p) - qBlue(q)) > 60)
-                ++differing;
-        }
-    return differing;
 }
 
 struct PictureTest : ::testing::Test {
