@@ -37,6 +37,52 @@ protected:
     }
     std::vector<std::string> Received() { return sim_.Received(); }
 
+    using Hits = std::vector<std::pair<long long, long long>>;
+    // The hits of slot 1's program, to the hundredth of a millimetre, in order.
+    static Hits Sorted(Hits hits) {
+        std::sort(hits.begin(), hits.end());
+        return hits;
+    }
+    Hits PlannedHits() {
+        const std::optional<RunPlan> plan = BuildRunPlan(P().State().Config.Dirs, 1);
+        Hits all;
+        if (plan)
+            for (const RunStep& step : *plan)
+                if (step.Hits > 0) all.emplace_back(std::llround(step.X * 100), std::llround(step.Y * 100));
+        return Sorted(all);
+    }
+    // The hits the simulated card made, in order of place.
+    Hits MadeHits() {
+        Hits made;
+        for (const auto& [x, y] : sim_.HitLog()) made.emplace_back(std::llround(x * 100), std::llround(y * 100));
+        return Sorted(made);
+    }
+    // Runs slot 1's program on the card step by step and stops it after `hits` hits; the hits made,
+    // or -1 when the card would not start.
+    int RunAndStopAfter(int hits) {
+        sim_.SetRunSpeed(0);
+        if (!sim_.CycleStart()) return -1;
+        while (sim_.Variable("M869") < hits) sim_.WalkRun(1);
+        sim_.Abort();
+        return static_cast<int>(sim_.Variable("M869"));
+    }
+    // The operator's cycle start once RestartForm lights its label: the card runs program 5.
+    void PressCycleStartWhenLit(RestartForm* restart) {
+        auto* watch = new QTimer(restart);
+        QObject::connect(watch, &QTimer::timeout, restart, [this, restart, watch] {
+            if (!restart->CycleStartLit()) return;
+            watch->stop();
+            EXPECT_TRUE(sim_.CycleStart());
+        });
+        watch->start(10);
+        form_ = restart;
+    }
+    // Program 5, then the slot's program from its label, walked to the end.
+    void WalkToTheEnd() {
+        for (int i = 0; i < 400 && sim_.RunState() != ProgramRun::State::Idle; ++i) sim_.WalkRun(1);
+        EXPECT_EQ(sim_.RunState(), ProgramRun::State::Idle);
+    }
+
     RestartForm* form_ = nullptr;
 };
 
@@ -280,18 +326,11 @@ TEST_F(RestartFormsTest, VisualRestartRefusedWithNoHitOnViewOrAnOldHitFile) {
 // made before the stop and after the restart are the program's hits, each once.
 TEST_F(RestartFormsTest, StoppedRunRestartedThroughTheScreensMakesEveryHitOnce) {
     Select(1, "GRID03");
-    const std::optional<RunPlan> plan = BuildRunPlan(P().State().Config.Dirs, 1);
-    ASSERT_TRUE(plan.has_value());
-    std::vector<std::pair<long long, long long>> all;
-    for (const RunStep& step : *plan)
-        if (step.Hits > 0) all.emplace_back(std::llround(step.X * 100), std::llround(step.Y * 100));
+    const Hits all = PlannedHits();
     ASSERT_EQ(all.size(), 63u);
     // The run, walked step by step, stopped after some twenty hits.
-    sim_.SetRunSpeed(0);
-    ASSERT_TRUE(sim_.CycleStart());
-    while (sim_.Variable("M869") < 20) sim_.WalkRun(1);
-    sim_.Abort();
-    const int done = static_cast<int>(sim_.Variable("M869"));
+    const int done = RunAndStopAfter(20);
+    ASSERT_GE(done, 20) << "the card did not start";
     ASSERT_EQ(sim_.HitLog().size(), static_cast<std::size_t>(done));
     Spin(300);
     ASSERT_FALSE(P().State().Running);
@@ -309,28 +348,15 @@ TEST_F(RestartFormsTest, StoppedRunRestartedThroughTheScreensMakesEveryHitOnce) 
         auto* restart = dynamic_cast<RestartForm*>(modal);
         if (!restart) return;
         EXPECT_EQ(S(restart->Label("HitsLabel")->text()), "Completed Hits : " + std::to_string(done));
-        auto* watch = new QTimer(restart);
-        QObject::connect(watch, &QTimer::timeout, restart, [this, restart, watch] {
-            if (!restart->CycleStartLit()) return;
-            watch->stop();
-            // The operator's cycle start: the card runs program 5.
-            EXPECT_TRUE(sim_.CycleStart());
-        });
-        watch->start(10);
-        form_ = restart;
+        PressCycleStartWhenLit(restart);
     });
     P().CursorButton(6);
     ASSERT_NE(form_, nullptr);
     EXPECT_FALSE(form_->isVisible());
-    // Program 5, then the slot's program from its label, walked to the end.
-    for (int i = 0; i < 400 && sim_.RunState() != ProgramRun::State::Idle; ++i) sim_.WalkRun(1);
-    EXPECT_EQ(sim_.RunState(), ProgramRun::State::Idle);
-    std::vector<std::pair<long long, long long>> made;
-    for (const auto& [x, y] : sim_.HitLog()) made.emplace_back(std::llround(x * 100), std::llround(y * 100));
+    WalkToTheEnd();
+    const Hits made = MadeHits();
     EXPECT_EQ(made.size(), all.size());
     EXPECT_EQ(static_cast<std::size_t>(sim_.Variable("M869")), all.size());
-    std::sort(made.begin(), made.end());
-    std::sort(all.begin(), all.end());
     EXPECT_EQ(made, all);
     Spin(200);
     SavePanel("restart_run_end");
@@ -338,17 +364,11 @@ TEST_F(RestartFormsTest, StoppedRunRestartedThroughTheScreensMakesEveryHitOnce) 
 
 TEST_F(RestartFormsTest, StoppedRunRestartedAtTheStopMakesEveryHitOnce) {
     Select(1, "GRID03");
-    const std::optional<RunPlan> plan = BuildRunPlan(P().State().Config.Dirs, 1);
-    ASSERT_TRUE(plan.has_value());
-    std::vector<std::pair<long long, long long>> all;
-    for (const RunStep& step : *plan)
-        if (step.Hits > 0) all.emplace_back(std::llround(step.X * 100), std::llround(step.Y * 100));
+    const Hits all = PlannedHits();
+    ASSERT_FALSE(all.empty());
     // The run stopped after some thirty hits; the poll follows the hits made.
-    sim_.SetRunSpeed(0);
-    ASSERT_TRUE(sim_.CycleStart());
-    while (sim_.Variable("M869") < 30) sim_.WalkRun(1);
-    sim_.Abort();
-    const int done = static_cast<int>(sim_.Variable("M869"));
+    const int done = RunAndStopAfter(30);
+    ASSERT_GE(done, 30) << "the card did not start";
     Spin(300);
     ASSERT_FALSE(P().State().Running);
     ASSERT_EQ(P().State().Slots[0].HitCount, done);
@@ -360,25 +380,14 @@ TEST_F(RestartFormsTest, StoppedRunRestartedAtTheStopMakesEveryHitOnce) {
             if (!restart) return;
             shown = true;
             EXPECT_EQ(S(restart->Label("HitsLabel")->text()), "Completed Hits : " + std::to_string(done));
-            auto* watch = new QTimer(restart);
-            QObject::connect(watch, &QTimer::timeout, restart, [this, restart, watch] {
-                if (!restart->CycleStartLit()) return;
-                watch->stop();
-                EXPECT_TRUE(sim_.CycleStart());
-            });
-            watch->start(10);
-            form_ = restart;
+            PressCycleStartWhenLit(restart);
         });
         QTest::keyClick(&form, Qt::Key_T);
     });
     ASSERT_TRUE(shown);
-    for (int i = 0; i < 400 && sim_.RunState() != ProgramRun::State::Idle; ++i) sim_.WalkRun(1);
-    EXPECT_EQ(sim_.RunState(), ProgramRun::State::Idle);
-    std::vector<std::pair<long long, long long>> made;
-    for (const auto& [x, y] : sim_.HitLog()) made.emplace_back(std::llround(x * 100), std::llround(y * 100));
+    WalkToTheEnd();
+    const Hits made = MadeHits();
     EXPECT_EQ(made.size(), all.size());
-    std::sort(made.begin(), made.end());
-    std::sort(all.begin(), all.end());
     EXPECT_EQ(made, all);
 }
 
