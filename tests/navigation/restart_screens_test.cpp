@@ -15,33 +15,18 @@
 #include "system/startup.h"
 #include "tests/analysis/reverse_settings.h"
 #include "tests/core/temp_dir.h"
-#include "tests/support/fake_card.h"
+#include "tests/support/restart_slot_fixture.h"
 
 namespace kirvana {
 namespace {
 
-struct RestartScreensTest : ::testing::Test {
-    TempDir dir;
-    Process p;
-    FakeCardLink card;
-    Conversation talk{&card, p.Card, dir.Path(), nullptr};
+struct RestartScreensTest : RestartSlotFixture {
     std::vector<std::string> questions, refusals;
     bool answer = false;
     RestartFormHooks hooks;
 
     RestartScreensTest() {
-        p.Card.CardInUse = true;
-        p.Config.ActiveSlot = 1;
-        p.Config.Dirs.RootDir = dir.Path();
-        p.Config.Dirs.ServiceDir = dir.Path();
-        p.Config.Dirs.PmacDir = dir.Path();
-        const ReverseSettings test = ReverseTestSettings();
-        p.Config.Machine.Travel = test.Travel;
-        p.Config.Machine.MachineOrientation = 1;
         p.Config.Machine.HasTurret = true;
-        p.Tools.SlotTables[0] = test.Stations;
-        p.Slots[0].ProgramName = "PROG";
-        p.Slots[0].ProgramDirName = "DIR";
         hooks.Ask = [this](const std::string& text) {
             questions.push_back(text);
             return answer;
@@ -53,11 +38,8 @@ struct RestartScreensTest : ::testing::Test {
     // The slot's motion text (its source the same), reversed and indexed as the selection does.
     void Select(const std::string& m1) {
         const std::string stem = SlotStem(p.Config.Dirs, 1);
-        dir.Write("Actvprg1.M1", m1);
         dir.Write("Actvprg1.A1", m1);
-        dir.Write("Actvprg1.M2", "");
-        std::int16_t toolChanges = 0;
-        ASSERT_EQ(ReversePass(stem, "PROG", "DIR", toolChanges, SlotReverseSettings(p, 1)).Result, 0);
+        Reverse(m1);
         auto counts = BuildBlockMap(stem + "A1", stem + "M1", stem + "W1", stem + "RA1", stem + "RM1");
         ASSERT_TRUE(counts.has_value());
         p.Slots[0].Counts[0] = *counts;

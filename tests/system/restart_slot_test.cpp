@@ -12,38 +12,13 @@
 #include "system/startup.h"
 #include "tests/analysis/reverse_settings.h"
 #include "tests/core/temp_dir.h"
-#include "tests/support/fake_card.h"
+#include "tests/support/restart_slot_fixture.h"
 
 namespace kirvana {
 namespace {
 
-struct RestartSlotTest : ::testing::Test {
-    TempDir dir;
-    Process p;
-    FakeCardLink card;
-    Conversation talk{&card, p.Card, dir.Path(), nullptr};
-
-    RestartSlotTest() {
-        p.Card.CardInUse = true;
-        p.Config.ActiveSlot = 1;
-        p.Config.Dirs.RootDir = dir.Path();
-        p.Config.Dirs.ServiceDir = dir.Path();
-        p.Config.Dirs.PmacDir = dir.Path();
-        const ReverseSettings test = ReverseTestSettings();
-        p.Config.Machine.Travel = test.Travel;
-        p.Config.Machine.MachineOrientation = 1;
-        p.Tools.SlotTables[0] = test.Stations;
-        p.Slots[0].ProgramName = "PROG";
-        p.Slots[0].ProgramDirName = "DIR";
-    }
-    // The slot's motion text reversed into its drawing.
-    void Select(const std::string& m1) {
-        const std::string stem = SlotStem(p.Config.Dirs, 1);
-        dir.Write("Actvprg1.M1", m1);
-        dir.Write("Actvprg1.M2", "");
-        std::int16_t toolChanges = 0;
-        ASSERT_EQ(ReversePass(stem, "PROG", "DIR", toolChanges, SlotReverseSettings(p, 1)).Result, 0);
-    }
+struct RestartSlotTest : RestartSlotFixture {
+    void Select(const std::string& m1) { Reverse(m1); }
 };
 
 TEST_F(RestartSlotTest, RefusedWhileRunningOrInError) {
