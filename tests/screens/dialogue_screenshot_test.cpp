@@ -1,26 +1,15 @@
 // Pictures of the dialogue, written to the build folder's screenshots/ for a person to look at:
 // FrontEnd in the dialogue with a drawn part, every entity screen, the dialogue's tooling.
-#include <QDir>
 
 #include "dialogue/dialogue_screen.h"
 #include "screens/dialogue_entity_form.h"
 #include "screens/dialogue_front.h"
-#include "screens/panel_capture.h"
 #include "screens/turret_dialogue.h"
 #include "tests/screens/panel_fixture.h"
 
 using namespace kirvana;
 
 namespace {
-
-void Save(Panel& panel, const std::string& name) {
-    QDir().mkpath(KIRVANA_BINARY_DIR "/screenshots");
-    Spin(30);
-    QImage image = CapturePanel(panel);
-    ASSERT_FALSE(image.isNull()) << name;
-    EXPECT_EQ(image.width(), 1024) << name;
-    EXPECT_TRUE(image.save(QString(KIRVANA_BINARY_DIR "/screenshots/") + name.c_str() + ".png", "PNG")) << name;
-}
 
 // Composes and confirms a record as its screen would.
 void Confirm(DialogueSession& session, DialogueScreen screen,
@@ -53,12 +42,12 @@ TEST_F(PanelTest, ScreenshotsOfTheDialogue) {
     session.CursorEnd();
     P().Dialogue().Show();
     F().ShowNavigation();
-    Save(P(), "dialogue_front_end");
+    SavePanelShot(P(), "dialogue_front_end");
     // Every entity screen over it.
     for (DialogueScreen screen : DialogueScreens()) {
         const std::string name = DescribeScreen(screen).FormName;
         WhenModal([&, name](QWidget* modal) {
-            Save(P(), "dialogue_" + name);
+            SavePanelShot(P(), "dialogue_" + name);
             ButtonOf(modal, "ExitButton")->click();
         });
         P().Dialogue().OpenScreen(screen);
@@ -66,31 +55,31 @@ TEST_F(PanelTest, ScreenshotsOfTheDialogue) {
     // The arc's X Y form, and the line with the plasma tool.
     WhenModal([&](QWidget* modal) {
         static_cast<DialogueEntityForm*>(modal)->Toggle(0)->click();
-        Save(P(), "dialogue_ArcDialogue_xy");
+        SavePanelShot(P(), "dialogue_ArcDialogue_xy");
         ButtonOf(modal, "ExitButton")->click();
     });
     P().Dialogue().OpenScreen(DialogueScreen::Arc);
     WhenModal([&](QWidget* modal) {
         auto* form = static_cast<DialogueEntityForm*>(modal);
         WhenModal([&](QWidget* turret) {
-            Save(P(), "dialogue_TurretDialogue");
+            SavePanelShot(P(), "dialogue_TurretDialogue");
             static_cast<TurretDialogue*>(turret)->ProfileButton()->click();
-            Save(P(), "dialogue_TurretDialogue_profiler");
+            SavePanelShot(P(), "dialogue_TurretDialogue_profiler");
             WhenModal([&](QWidget* settings) {
-                Save(P(), "dialogue_PlasmaSettingsDialogue");
+                SavePanelShot(P(), "dialogue_PlasmaSettingsDialogue");
                 ButtonOf(settings, "ExitButton")->click();
             });
             static_cast<TurretDialogue*>(turret)->SettingsButton(2)->click();
             static_cast<TurretDialogue*>(turret)->ExitButton()->click();
         });
         form->ToolButton()->click();
-        Save(P(), "dialogue_LineDialogue_plasma");
+        SavePanelShot(P(), "dialogue_LineDialogue_plasma");
         ButtonOf(modal, "ExitButton")->click();
     });
     P().Dialogue().OpenScreen(DialogueScreen::Line);
     WhenModal([&](QWidget* turret) {
         WhenModal([&](QWidget* settings) {
-            Save(P(), "dialogue_PunchSettingsDialogue");
+            SavePanelShot(P(), "dialogue_PunchSettingsDialogue");
             ButtonOf(settings, "ExitButton")->click();
         });
         static_cast<TurretDialogue*>(turret)->SettingsButton(1)->click();

@@ -1,25 +1,12 @@
 // Pictures of the machine and status screens over FrontEnd, with values from the card simulator,
 // written to the build folder's screenshots/ for a person to look at; and their touch sizes.
-#include <QDir>
 
 #include "navigation/navigation.h"
-#include "screens/panel_capture.h"
 #include "tests/screens/machine_fixture.h"
 
 using namespace kirvana;
 
 namespace {
-
-void Save(Panel& panel, const std::string& name) {
-    Spin(60);
-    QDir().mkpath(KIRVANA_BINARY_DIR "/screenshots");
-    QImage image = CapturePanel(panel);
-    ASSERT_FALSE(image.isNull()) << name;
-    EXPECT_EQ(image.width(), 1024) << name;
-    EXPECT_EQ(image.height(), 768) << name;
-    EXPECT_TRUE(image.save(QString(KIRVANA_BINARY_DIR "/screenshots/%1.png").arg(QString::fromStdString(name)), "PNG"))
-        << name;
-}
 
 const std::vector<std::string> MachineScreens = {"MachineForm",       "LoadForm",        "MoveForm",  "XYJogForm",
                                                  "XYPositionForm",    "TCPositionForm",  "SetupForm", "StatusMenuForm",
@@ -58,7 +45,7 @@ TEST_F(MachineFormsTest, ScreenshotsOfTheMachineAndStatusScreens) {
         ASSERT_TRUE(WithForm([&] { P().OpenForm(form); },
                              [&](QWidget*) {
                                  Spin(250);
-                                 Save(P(), "machine_" + form);
+                                 SavePanelShot(P(), "machine_" + form, 60);
                              }))
             << form;
     }
@@ -67,7 +54,7 @@ TEST_F(MachineFormsTest, ScreenshotsOfTheMachineAndStatusScreens) {
     ASSERT_TRUE(WithForm([&] { Key(key::F3); },
                          [&](QWidget* form) {
                              WhenModal([&](QWidget* warning) {
-                                 Save(P(), "machine_refusal");
+                                 SavePanelShot(P(), "machine_refusal", 60);
                                  warning->close();
                              });
                              Child(form, "ReferenceButton0")->click();

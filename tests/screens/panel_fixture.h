@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QPushButton>
 #include <QTest>
@@ -16,6 +17,7 @@
 #include "core/paths.h"
 #include "screens/front_end.h"
 #include "screens/panel.h"
+#include "screens/panel_capture.h"
 #include "system/slots.h"
 #include "tests/core/temp_dir.h"
 
@@ -53,6 +55,23 @@ inline QPushButton* ButtonOf(QWidget* form, const char* name) { return form->fin
 
 // Spins the event queue for a while.
 inline void Spin(int ms) { QTest::qWait(ms); }
+
+// The path of the screenshot NAME in the build folder's screenshots/, the folder made.
+inline std::string ShotPath(const std::string& name) {
+    QDir().mkpath(KIRVANA_BINARY_DIR "/screenshots");
+    return std::string(KIRVANA_BINARY_DIR "/screenshots/") + name + ".png";
+}
+
+// The whole panel, after `settleMs` of events, written as the screenshot NAME for a person to
+// look at: the 1024 x 768 picture an operator sees.
+inline void SavePanelShot(Panel& panel, const std::string& name, int settleMs = 30) {
+    Spin(settleMs);
+    QImage image = CapturePanel(panel);
+    ASSERT_FALSE(image.isNull()) << name;
+    EXPECT_EQ(image.width(), 1024) << name;
+    EXPECT_EQ(image.height(), 768) << name;
+    EXPECT_TRUE(image.save(QString::fromStdString(ShotPath(name)), "PNG")) << name;
+}
 
 class PanelTest : public ::testing::Test {
 protected:

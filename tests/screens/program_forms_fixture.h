@@ -74,14 +74,7 @@ protected:
     }
 
     // The whole panel with the form standing over FrontEnd, into the screenshots folder.
-    void SavePanel(const std::string& name) {
-        Spin(30);
-        QDir().mkpath(KIRVANA_BINARY_DIR "/screenshots");
-        QImage image = CapturePanel(P());
-        ASSERT_FALSE(image.isNull()) << name;
-        EXPECT_TRUE(image.save(QString::fromStdString(std::string(KIRVANA_BINARY_DIR "/screenshots/") + name + ".png")))
-            << name;
-    }
+    void SavePanel(const std::string& name) { SavePanelShot(P(), name); }
 };
 
 }  // namespace kirvana

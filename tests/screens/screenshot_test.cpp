@@ -1,9 +1,7 @@
 // Pictures of FrontEnd and every form of the panel, written to the build folder's screenshots/
 // for a person to look at.
-#include <QDir>
 
 #include "controller/cardsim/card_simulator.h"
-#include "screens/panel_capture.h"
 #include "screens/splash_form.h"
 #include "system/poll_cycle.h"
 #include "tests/screens/panel_fixture.h"
@@ -12,24 +10,10 @@ using namespace kirvana;
 
 namespace {
 
-std::string ShotPath(const std::string& name) {
-    QDir().mkpath(KIRVANA_BINARY_DIR "/screenshots");
-    return std::string(KIRVANA_BINARY_DIR "/screenshots/") + name + ".png";
-}
-
-void Save(Panel& panel, const std::string& name) {
-    Spin(30);
-    QImage image = CapturePanel(panel);
-    ASSERT_FALSE(image.isNull()) << name;
-    EXPECT_EQ(image.width(), 1024) << name;
-    EXPECT_EQ(image.height(), 768) << name;
-    EXPECT_TRUE(image.save(QString::fromStdString(ShotPath(name)), "PNG")) << name;
-}
-
 // Opens a form as its key or a value box would, and saves the panel while it stands.
 void SaveForm(Panel& panel, const std::string& name, const std::string& form) {
     WhenModal([&](QWidget* modal) {
-        Save(panel, name);
+        SavePanelShot(panel, name);
         modal->close();
     });
     panel.OpenForm(form);
@@ -46,17 +30,17 @@ TEST_F(PanelTest, ScreenshotsOfTheOfficeSeat) {
     EXPECT_TRUE(splash.save(QString::fromStdString(ShotPath("splash_form"))));
     Select(2, "COVER02");
     Select(1, "PLATE01");
-    Save(P(), "front_end_slot1");
+    SavePanelShot(P(), "front_end_slot1");
     Key(key::F11);
-    Save(P(), "front_end_slot2");
+    SavePanelShot(P(), "front_end_slot2");
     Key(key::F7);
-    Save(P(), "front_end_graphics");
+    SavePanelShot(P(), "front_end_graphics");
     P().GraphicsButton(2);
-    Save(P(), "front_end_zoom_cursor");
+    SavePanelShot(P(), "front_end_zoom_cursor");
     P().CursorCancel();
     Key('X');
     Key(key::F5);
-    Save(P(), "front_end_dialogue_frame");
+    SavePanelShot(P(), "front_end_dialogue_frame");
     Key('X');
 
     for (int i = 1; i < 65; ++i) P().State().Config.Messages.IOMessages[i] = "Guard door open at the loading side";
@@ -73,7 +57,7 @@ TEST_F(PanelTest, ScreenshotsOfTheOfficeSeat) {
                                                          {WarningKind::QuestionWithCancel, "warning_question_cancel"}};
     for (const auto& [kind, name] : kinds) {
         WhenModal([&](QWidget* modal) {
-            Save(P(), name);
+            SavePanelShot(P(), name);
             modal->close();
         });
         P().ShowWarning("Can Not Select New Program\n\nWhile Machine Is Running !\n\n\n", kind, 1);
@@ -94,14 +78,14 @@ TEST_F(PanelTest, ScreenshotOfARunningMachineWithMessages) {
     sim.SetVariable("P1020", 5);
     Spin(300);
     EXPECT_TRUE(P().State().Running);
-    Save(P(), "front_end_running");
+    SavePanelShot(P(), "front_end_running");
     WhenModal([&](QWidget* modal) {
         Spin(200);
-        Save(P(), "message_form_running");
+        SavePanelShot(P(), "message_form_running");
         modal->close();
     });
     Key(key::F9);
     sim.RaiseStatusBits(4096);
     Spin(200);
-    Save(P(), "front_end_hold");
+    SavePanelShot(P(), "front_end_hold");
 }

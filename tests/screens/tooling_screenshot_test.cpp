@@ -1,27 +1,12 @@
 // Pictures of the tooling screens over FrontEnd, written to the build folder's screenshots/ for a
 // person to look at: the turret with tools, the tool definition in several shapes, the settings.
-#include <QDir>
 
-#include "screens/panel_capture.h"
 #include "screens/settings_forms.h"
 #include "screens/tool_def_dialogue.h"
 #include "screens/turret_form.h"
 #include "tests/screens/panel_fixture.h"
 
 using namespace kirvana;
-
-namespace {
-
-void Save(Panel& panel, const std::string& name) {
-    QDir().mkpath(KIRVANA_BINARY_DIR "/screenshots");
-    Spin(30);
-    QImage image = CapturePanel(panel);
-    ASSERT_FALSE(image.isNull()) << name;
-    EXPECT_EQ(image.width(), 1024) << name;
-    EXPECT_TRUE(image.save(QString(KIRVANA_BINARY_DIR "/screenshots/") + name.c_str() + ".png", "PNG")) << name;
-}
-
-}  // namespace
 
 TEST_F(PanelTest, ScreenshotsOfTheToolingScreens) {
     Write("Tools/EMBOSS-LOGO.dxf", "x");
@@ -44,23 +29,23 @@ TEST_F(PanelTest, ScreenshotsOfTheToolingScreens) {
         {4, "tool_def_rectangle"}, {13, "tool_def_keyway"}, {10, "tool_def_cruciform"}, {17, "tool_def_special"}};
     WhenModal([&](QWidget* modal) {
         auto* turret = static_cast<TurretForm*>(modal);
-        Save(P(), "turret_form");
+        SavePanelShot(P(), "turret_form");
         for (const auto& [station, name] : shots) {
             turret->StationList()->setCurrentRow(station - 1);
             WhenModal([&, shot = name](QWidget*) {
-                Save(P(), shot);
+                SavePanelShot(P(), shot);
                 dialogue->ExitButton()->click();
             });
             turret->ToolButton()->click();
         }
         WhenModal([&](QWidget* inner) {
-            Save(P(), "punch_settings_form");
+            SavePanelShot(P(), "punch_settings_form");
             ButtonOf(inner, "ExitButton")->click();
         });
         turret->StationList()->setCurrentRow(0);
         turret->SettingsButton(1)->click();
         WhenModal([&](QWidget* inner) {
-            Save(P(), "plasma_settings_form");
+            SavePanelShot(P(), "plasma_settings_form");
             ButtonOf(inner, "ExitButton")->click();
         });
         turret->SettingsButton(2)->click();
@@ -72,7 +57,7 @@ TEST_F(PanelTest, ScreenshotsOfTheToolingScreens) {
     ASSERT_TRUE(ParseToolText("HEXAGON 12.7A30", hexagon, false));
     dialogue->Begin(hexagon, true);
     WhenModal([&](QWidget*) {
-        Save(P(), "tool_def_hexagon_inches");
+        SavePanelShot(P(), "tool_def_hexagon_inches");
         dialogue->ExitButton()->click();
     });
     P().OpenForm("ToolDefDialogue");
