@@ -39,8 +39,9 @@ QListWidget* TouchList(QWidget* parent, const ColourTable& c, const char* name) 
     auto* list = new QListWidget(parent);
     list->setObjectName(name);
     list->setUniformItemSizes(true);
-    list->setStyleSheet(QString("QListWidget { %1 } QListWidget::item { min-height: 48px; }")
-                            .arg(PanelStyle(c[ColourItem::TextBackground], c[ColourItem::Text], 18)));
+    list->setStyleSheet(
+        QString("QListWidget { %1 } QListWidget::item { min-height: 48px; } QScrollBar:vertical { width: 48px; }")
+            .arg(PanelStyle(c[ColourItem::TextBackground], c[ColourItem::Text], 18)));
     return list;
 }
 

@@ -168,6 +168,7 @@ bool RestartReader::Call(const std::string& line) {
     if (depth_ >= MaxCallDepth) return false;
     Place(line);
     const auto label = Word(line, "S");
+    // A label's block number, label x 1000, is a 16-bit number.
     if (!label || *label < 0 || *label > 32) return false;
     const int repeats = static_cast<int>(std::clamp(Word(line, "Q").value_or(1), 1.0, 32767.0));
     const long number = std::lround(*label * 1000);
